@@ -1,0 +1,7 @@
+# SPDX-License-Identifier: Apache-2.0
+# Boost is used through its headers alone, so nothing of it is linked.
+find_package(Boost 1.74 REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)
+pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
+pkg_check_modules(SODIUM REQUIRED IMPORTED_TARGET libsodium)

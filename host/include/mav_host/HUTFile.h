@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "mav_host/Export.h"
+#include "mav_host/HSTVector.h"
+
+/// File questions and names. Questions never throw: what cannot be asked is answered with false or
+/// an empty text.
+class MAV_API HUTFile {
+  public:
+    /// A file or directory exists at the path (links are followed). False for an empty path.
+    static bool exists(const std::string& path);
+    static bool isFile(const std::string& path);
+    static bool isDir(const std::string& path);
+    /// Absolute, dots resolved, links among the directories followed; the last component keeps its
+    /// name even where it is a link. Works for paths that do not exist. Empty for an empty path.
+    static std::string getCanonicalName(const std::string& path);
+    /// The parent directory as a file system path computes it; empty when there is none.
+    static std::string getParent(const std::string& path);
+    /// The text behind the file name's last dot, without the dot; empty when there is none.
+    static std::string getExt(const std::string& path);
+    /// "/" on this system.
+    static const std::string& getDirSeparator();
+    /// Removes one file. True when it is gone afterwards.
+    static bool rm(const std::string& path);
+};
+
+/// Existence of whatever a path names.
+class MAV_API HUTPathUtils {
+  public:
+    /// True for a file or a directory; false for an empty path.
+    static bool exists(const std::string& path);
+    /// The last component's text from its last dot on, dot included; "" when there is none. A name
+    /// that is all extension, such as ".pka", counts as one.
+    static std::string extension(const std::string& path);
+    /// The file name without its last extension.
+    static std::string stem(const std::string& path);
+};
+
+/// Directory work.
+class MAV_API HUTFileUtils {
+  public:
+    /// Makes the directory and its parents. True when it is a directory afterwards.
+    static bool makeDirs(const std::string& path);
+    /// Removes a directory with all that is in it; links inside are removed, not followed. True
+    /// when it is gone afterwards.
+    static bool removeDirs(const std::string& path);
+    /// A path in `dir` that begins with `name` and that nothing uses yet.
+    static std::string makeUniqueName(const std::string& dir, const std::string& name);
+    /// Appends the names inside `dir`, sorted by bytes, without "." and "..".
+    static void list(const std::string& dir, HSTVector<std::string>& out);
+    /// Writes the file as a whole: beside it, synced, then renamed, so that readers see the old or
+    /// the new content and never a part. Keeps the permissions of a file that is replaced. Throws
+    /// HEXUserException naming the path and the system's reason; the old file is then untouched.
+    static void writeWhole(const std::string& path, const std::string& content);
+};
