@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 # One interface target carries the warnings, the sanitizers and the ccache launcher for every room.
-add_library(mav_build_flags INTERFACE)
-target_compile_options(mav_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+set(MAV_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-qual -Wundef)
+add_library(mav_build_flags INTERFACE)
+target_compile_options(mav_build_flags INTERFACE ${MAV_WARNINGS})
 if(MAV_WERROR)
   target_compile_options(mav_build_flags INTERFACE -Werror)
 endif()
