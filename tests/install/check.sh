@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Installs a build into an empty prefix, moves that away, and builds and runs clients against it.
+# Usage: check.sh BUILD_DIR. The last line counts what passed and failed.
+set -uo pipefail
+
+readonly here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+readonly build="$(cd "$1" && pwd)"
+readonly work="$(mktemp -d)"
+readonly prefix="$work/moved"
+trap 'rm -rf "$work"' EXIT
+passed=0 failed=0
+
+check() {
+    local name="$1"
+    shift
+    if "$@" >"$work/log" 2>&1; then
+        echo "ok     install: $name"
+        passed=$((passed + 1))
+    else
+        echo "FAILED install: $name"
+        sed 's/^/    /' "$work/log"
+        failed=$((failed + 1))
+    fi
+}
+
+install_and_move() {
+    cmake --install "$build" --prefix "$work/first" && mv "$work/first" "$prefix"
+}
+
+files_in_place() {
+    local missing=0 file
+    for file in bin/mav include/mav_platform/mav_platform_c.h include/mav_host/HEXError.h \
+        lib/libmav_platform.so share/mav lib/pkgconfig/mav-platform.pc \
+        lib/cmake/MavPlatform/MavPlatformConfig.cmake; do
+        [[ -e "$prefix/$file" ]] || { echo "missing: $file"; missing=1; }
+    done
+    diff -r "$build/share/mav" "$prefix/share/mav" && return "$missing"
+}
+
+no_trace_of_the_build() { ! grep -rIl -e "$build" -e "$work/first" "$prefix"; }
+
+# The installed command finds its library and gives the bytes that the built one gives.
+command_works() {
+    "$prefix/bin/mav" --version &&
+        cmp <("$prefix/bin/mav" json "$sample") <("$build/bin/mav" json "$sample")
+}
+
+client_by_cmake() {
+    local language="$1" dir="$work/cmake-$1"
+    cmake -S "$here" -B "$dir" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        -DMAV_CLIENT_LANGUAGE="$language" && cmake --build "$dir" && "$dir/client" "$sample"
+}
+
+flags() { PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config "$@" mav-platform; }
+
+# The flags are words to be split.
+# shellcheck disable=SC2046
+client_by_pkg_config() {
+    local source="$1" binary="$work/pc-client"
+    shift
+    "$@" -Wall -Wextra -Wpedantic -Werror "$here/$source" -o "$binary" \
+        $(flags --cflags --libs) -Wl,-rpath,"$(flags --variable=libdir)" && "$binary" "$sample"
+}
+
+sample="$(find "$build/samples" -name '*.pka' 2>/dev/null | sort | head -n 1)"
+readonly sample
+check "into an empty prefix, which then moves" install_and_move
+check "a sample to read" test -n "$sample"
+check "files in their places" files_in_place
+check "no path of the build inside" no_trace_of_the_build
+check "the mav command" command_works
+check "C client with find_package" client_by_cmake C
+check "C++ client with find_package" client_by_cmake CXX
+check "C client with pkg-config" client_by_pkg_config client.c gcc -std=c11
+check "C++ client with pkg-config" client_by_pkg_config client.cpp g++ -std=c++20
+echo "$passed passed, $failed failed"
+((failed == 0))
