@@ -38,7 +38,7 @@ files_in_place() {
     diff -r "$build/share/mav" "$prefix/share/mav" && return "$missing"
 }
 
-no_trace_of_the_build() { ! grep -rIl -e "$build" -e "$work/first" "$prefix"; }
+no_trace_of_the_build() { ! grep -rl -e "$build" -e "$work/first" "$prefix"; }
 
 # The installed command finds its library and gives the bytes that the built one gives.
 command_works() {
