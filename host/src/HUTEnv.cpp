@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_host/HUTEnv.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTFile.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The release that this library belongs to.
+constexpr unsigned COMPILED_MAJOR = 2026;
+constexpr unsigned COMPILED_MINOR = 1;
+
+HUTEnvProvider* theProvider = nullptr;
+std::string theProductName;
+
+/// Removes the process's temporary directory at exit, but not in a child that inherited it.
+struct TmpDir {
+    std::string path;
+    pid_t owner = 0;
+    ~TmpDir() {
+        if (!path.empty() && owner == ::getpid()) HUTFileUtils::removeDirs(path);
+    }
+};
+
+/// The share directory beside the library that this code is in.
+std::string installedShareDir() {
+    Dl_info info;
+    if (::dladdr(reinterpret_cast<const void*>(&installedShareDir), &info) == 0) return "";
+    const fs::path library = HUTFile::getCanonicalName(info.dli_fname);
+    const fs::path beside = library.parent_path().parent_path() / "share" / "mav";
+    // A library directory may have one level more, such as lib/x86_64-linux-gnu.
+    const fs::path above = library.parent_path().parent_path().parent_path() / "share" / "mav";
+    return !HUTFile::isDir(beside) && HUTFile::isDir(above) ? above : beside;
+}
+
+/// "2026.1" into two numbers; a part that is no number is 0.
+void splitRelease(std::string_view text, unsigned& major, unsigned& minor) {
+    major = minor = 0;
+    const char* const end = text.data() + text.size();
+    const auto [dot, error] = std::from_chars(text.data(), end, major);
+    if (error == std::errc() && dot != end && *dot == '.') std::from_chars(dot + 1, end, minor);
+}
+
+class DefaultProvider final : public HUTEnvProvider {
+  public:
+    const char* getEnv(const std::string& name) const override { return std::getenv(name.c_str()); }
+
+    void getAppRootList(HSTVector<std::string>& out) const override {
+        const char* const roots = std::getenv("MAV_APP_ROOT");
+        if (roots == nullptr || *roots == '\0') {
+            out.push_back(installedShareDir());
+            return;
+        }
+        std::string_view rest = roots;
+        while (!rest.empty()) {
+            const std::string_view root = rest.substr(0, rest.find(':'));
+            if (!root.empty()) out.emplace_back(root);
+            rest.remove_prefix(std::min(root.size() + 1, rest.size()));
+        }
+    }
+
+    std::string getTmpDir() const override {
+        static TmpDir dir;
+        if (dir.path.empty() || dir.owner != ::getpid()) {
+            dir.path = makeTmpDir();
+            dir.owner = ::getpid();
+        }
+        return dir.path;
+    }
+
+    unsigned getMajor() const override { return release().first; }
+    unsigned getMinor() const override { return release().second; }
+
+  private:
+    static std::string makeTmpDir() {
+        const char* const parent = std::getenv("TMPDIR");
+        std::string name = parent != nullptr && *parent != '\0' ? parent : "/tmp";
+        name += "/mav-XXXXXX";
+        if (::mkdtemp(name.data()) == nullptr) {
+            const std::error_code error(errno, std::generic_category());
+            throw HEXUserException("HUTEnv::getHDITmpDir() - no temporary directory '" + name +
+                                   "' can be made: " + error.message() +
+                                   "; set TMPDIR to a directory that can be written");
+        }
+        return name;
+    }
+
+    static std::pair<unsigned, unsigned> release() {
+        std::pair<unsigned, unsigned> result(COMPILED_MAJOR, COMPILED_MINOR);
+        const char* const text = std::getenv("MAV_TOOL_RELEASE");
+        if (text != nullptr) splitRelease(text, result.first, result.second);
+        return result;
+    }
+};
+
+HUTEnvProvider& provider() {
+    static DefaultProvider standard;
+    return theProvider != nullptr ? *theProvider : standard;
+}
+
+}  // namespace
+
+HUTEnvProvider::~HUTEnvProvider() = default;
+
+const char* HUTEnv::getEnv(const std::string& name) {
+    return provider().getEnv(name);
+}
+
+std::string HUTEnv::getHDIAppRoot() {
+    HSTVector<std::string> roots;
+    getRDIAppRootList(roots);
+    return roots.empty() ? "" : roots.front();
+}
+
+void HUTEnv::getRDIAppRootList(HSTVector<std::string>& out) {
+    provider().getAppRootList(out);
+}
+
+std::string HUTEnv::getHDITmpDir() {
+    return provider().getTmpDir();
+}
+
+unsigned HUTEnv::getMajor() {
+    return provider().getMajor();
+}
+
+unsigned HUTEnv::getMinor() {
+    return provider().getMinor();
+}
+
+std::string HUTEnv::getProductName() {
+    return theProductName;
+}
+
+void HUTEnv::setProductName(const std::string& name) {
+    theProductName = name;
+}
+
+HUTEnvProvider* HUTEnv::setProvider(HUTEnvProvider* newProvider) {
+    HUTEnvProvider* const before = theProvider;
+    theProvider = newProvider;
+    theProductName.clear();
+    return before;
+}

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_host/HUTFile.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool isSeparator(char c) {
+    return c == '/';
+}
+
+/// Where the file name begins in a path.
+std::size_t nameStart(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? 0 : slash + 1;
+}
+
+}  // namespace
+
+bool HUTFile::exists(const std::string& path) {
+    return HUTPathUtils::exists(path);
+}
+
+bool HUTFile::isFile(const std::string& path) {
+    std::error_code error;
+    return fs::is_regular_file(path, error);
+}
+
+bool HUTFile::isDir(const std::string& path) {
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+std::string HUTFile::getCanonicalName(const std::string& path) {
+    if (path.empty()) return "";
+    std::error_code error;
+    const fs::path absolute = fs::absolute(path, error);
+    if (error) return path;
+    const std::string name = absolute.filename();
+    const bool whole = name.empty() || name == "." || name == ".." || isDir(absolute);
+    const fs::path resolved =
+        fs::weakly_canonical(whole ? absolute : absolute.parent_path(), error);
+    if (error) return absolute.lexically_normal();
+    if (!whole) return resolved / name;
+    std::string result = resolved;
+    while (result.size() > 1 && isSeparator(result.back())) result.pop_back();
+    return result;
+}
+
+std::string HUTFile::getParent(const std::string& path) {
+    return fs::path(path).parent_path();
+}
+
+std::string HUTFile::getExt(const std::string& path) {
+    const std::string extension = HUTPathUtils::extension(path);
+    return extension.empty() ? "" : extension.substr(1);
+}
+
+const std::string& HUTFile::getDirSeparator() {
+    static const std::string SEPARATOR = "/";
+    return SEPARATOR;
+}
+
+bool HUTFile::rm(const std::string& path) {
+    std::error_code error;
+    if (!fs::is_directory(fs::symlink_status(path, error))) fs::remove(path, error);
+    return !fs::exists(fs::symlink_status(path, error));
+}
+
+bool HUTPathUtils::exists(const std::string& path) {
+    std::error_code error;
+    return !path.empty() && fs::exists(path, error);
+}
+
+std::string HUTPathUtils::extension(const std::string& path) {
+    const std::size_t start = nameStart(path);
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string::npos || dot < start) return "";
+    const std::size_t size = path.size() - start;
+    const bool dotsAlone = size == 1 || (size == 2 && path[start] == '.');
+    return dotsAlone && path.back() == '.' ? "" : path.substr(dot);
+}
+
+std::string HUTPathUtils::stem(const std::string& path) {
+    const std::size_t start = nameStart(path);
+    return path.substr(start, path.size() - start - extension(path).size());
+}
