@@ -126,7 +126,8 @@ void Binder::open(std::string_view name, const ElementList* list, const Item* va
     frame.object = object;
     frame.name.assign(name);
     frame.text.clear();
-    frame.start = locator_.position();
+    // Asking costs; errors of the start tag ask when they arise.
+    if (list == nullptr || list->needsStart()) frame.start = locator_.position();
     frame.present = 0;
     if (list == nullptr) {
         ignoreAttributes(frame, attributes);
@@ -151,12 +152,12 @@ void Binder::bindAttributes(Frame& frame, const char* const* attributes) {
         }
         const Item& item = frame.list->items()[index];
         if (frame.seen[index] != 0)
-            refuse(frame.start,
+            refuse(locator_.position(),
                    element(frame.name) + ": " + attribute(name) + " occurs a second time");
         frame.seen[index] = 1;
         if (!item.store(frame.object, text))
-            refuse(frame.start, attribute(name) + " of " + element(frame.name) + ": " +
-                                    quoted(text) + " is not " + item.expected);
+            refuse(locator_.position(), attribute(name) + " of " + element(frame.name) + ": " +
+                                            quoted(text) + " is not " + item.expected);
     }
     checkAttributes(frame);
 }
@@ -170,7 +171,7 @@ void Binder::checkAttributes(const Frame& frame) const {
     const std::vector<Item>& items = frame.list->items();
     for (std::size_t i = 0; i < items.size(); ++i)
         if (items[i].required && items[i].place == Place::Attribute && frame.seen[i] == 0)
-            refuse(frame.start, element(frame.name) + ": " + missing(items[i]));
+            refuse(locator_.position(), element(frame.name) + ": " + missing(items[i]));
 }
 
 void Binder::checkContent(const Frame& frame) const {
@@ -194,7 +195,7 @@ void Binder::end() {
         return;
     }
     Frame& frame = frames_[--open_];
-    if (frame.list != nullptr) checkContent(frame);
+    if (frame.list != nullptr && frame.list->checksContent()) checkContent(frame);
     if (frame.value == nullptr) return;
     const Item& item = *frame.value;
     if (frame.list != nullptr && frame.text.empty()) {

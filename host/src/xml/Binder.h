@@ -20,10 +20,8 @@ struct Position {
 /// Tells the binder where the parser stands, when it asks.
 class Locator {
   public:
+    virtual ~Locator() = default;
     virtual Position position() const = 0;
-
-  protected:
-    ~Locator() = default;
 };
 
 /// Takes a document's events and fills the structs of its format. Every operation throws
@@ -45,7 +43,7 @@ class Binder {
         void* object = nullptr;
         std::string name;
         std::string text;
-        Position start;
+        Position start;                   ///< set when errors at the end need it
         std::uint64_t present = 0;        ///< choice bits of the children so far
         std::vector<unsigned char> seen;  ///< by item: it occurred
     };

@@ -20,11 +20,13 @@ void ElementList::add(Item item) {
         (item.place != Place::Element && !attributes_.emplace(item.name, index).second) ||
         (item.place != Place::Attribute && !elements_.emplace(item.name, index).second);
     if (clash) refuse("item '" + item.name + "' is listed already");
+    checksContent_ = checksContent_ || (item.required && item.place != Place::Attribute);
     items_.push_back(std::move(item));
 }
 
 void ElementList::addChoice(const std::vector<std::vector<std::string>>& alternatives) {
     if (!choice_.empty()) refuse("an element has one choice at most");
+    checksContent_ = true;
     for (const std::vector<std::string>& names : alternatives) {
         if (!choiceText_.empty()) choiceText_ += ", or ";
         Alternative alternative;

@@ -61,6 +61,11 @@ class MAV_API ElementList {
     /// The alternatives in words, such as "'a' and optionally 'b', or 'c'"; empty without a choice.
     const std::string& choiceText() const { return choiceText_; }
 
+    /// True when the end of an element can show that something is missing.
+    bool checksContent() const { return checksContent_; }
+    /// True when the place of the start tag is asked for after the start tag.
+    bool needsStart() const { return checksContent_ || content.store || setLine; }
+
     Item content;  ///< text of the element itself, when it counts
     std::function<void(void*, std::size_t)> setLine;   ///< takes the line of the start tag
     std::function<void(void*, std::size_t)> setOrder;  ///< takes the number of the element
@@ -85,6 +90,7 @@ class MAV_API ElementList {
     Index elements_;
     std::vector<Alternative> choice_;
     unsigned choiceBits_ = 0;
+    bool checksContent_ = false;
     std::string choiceText_;
 };
 
