@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A C++ program against the installed library: loads an archive, writes its description, and catches
-// the library's exceptions by class. Usage: client ARCHIVE. Exit code 0: all is as said.
+// A C++ program against the installed library: loads an archive, writes its description, and
+// catches the library's exceptions by class. Usage: client ARCHIVE. Exit code 0: all is as said.
 #include <mav_host/HEXError.h>
 #include <mav_platform/HMAVJSONUtils.h>
 #include <mav_platform/HMAVPlatform.h>
