@@ -115,7 +115,7 @@ class ArchiveWriter {
     void build() {
         step(WriteStep::BUILD, "building");
         if (zip_close(zip_.get()) != 0) refuse(zip_strerror(zip_.get()));
-        zip_.release();
+        static_cast<void>(zip_.release());
     }
 
     /// Puts the digest into the archive's comment, which stands at its very end.

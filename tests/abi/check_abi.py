@@ -11,7 +11,8 @@ import subprocess
 import sys
 
 TYPE_DATA = ("vtable for ", "typeinfo for ", "typeinfo name for ", "VTT for ")
-FOREIGN = ("std::", "boost::", "__gnu_cxx::", "__odr_asan", "_init", "_fini")
+FOREIGN = ("std::", "boost::", "__gnu_cxx::", "__odr_asan", "_init", "_fini",
+           "construction vtable for ")
 
 
 def exported(library):

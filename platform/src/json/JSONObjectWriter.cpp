@@ -74,7 +74,8 @@ void JSONObjectWriter::addKey(std::string_view key, const JSONWriter& sub) {
 void JSONObjectWriter::addKey(std::string_view key, const ptree& sub) {
     if (sub.empty()) return;
     if (streams_() && isPlain(key) && appendTree_(key, sub)) return;
-    const ptree copy = sub;
+    // The tree may be a part of this writer's own, which grows here.
+    const ptree copy = sub;  // NOLINT(performance-unnecessary-copy-initialization)
     useTree_().add_child(std::string(key), copy);
 }
 
