@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace cli {
+
+/// What the process answers with.
+enum ExitCode {
+    DONE = 0,
+    NEGATIVE = 1,    ///< the question was answered with no
+    WRONG_USE = 2,   ///< the command line is wrong
+    FAILED = 3,      ///< the platform cannot be loaded, or the result cannot be written
+    NO_READER = 141  ///< nobody reads standard output any more; the shells' code for that
+};
+
+/// A mistake in the command line: `what()` is the sentence for the user, `command` the one whose
+/// help is worth a look (empty: that of the program).
+class UsageError : public std::runtime_error {
+  public:
+    UsageError(const std::string& text, std::string command)
+        : std::runtime_error(text), command_(std::move(command)) {}
+    const std::string& command() const { return command_; }
+
+  private:
+    std::string command_;
+};
+
+/// Work that could not be done: `what()` is the sentence with what to try next.
+class Failure : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+struct PackOptions {
+    std::string directory;
+    std::string archive;
+    bool force = false;  ///< pack also without a metadata member
+};
+/// Packs the directory's files into a new archive. Throws UsageError, Failure.
+void runPack(const PackOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Output.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+#include <system_error>
+
+#include "Command.h"
+
+namespace cli {
+
+void holdStandardStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(fd, F_GETFD) != -1) continue;
+        // The lowest free number is taken, which is `fd` itself; read-only, so that writing fails.
+        const int flags = fd == STDERR_FILENO ? O_WRONLY : O_RDONLY;
+        if (::open("/dev/null", flags) == -1) ::_exit(FAILED);
+    }
+}
+
+void writeAnswer(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(STDOUT_FILENO, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            pollfd ready{STDOUT_FILENO, POLLOUT, 0};
+            ::poll(&ready, 1, -1);
+        } else if (errno == EPIPE) {
+            throw NoReader();
+        } else if (errno != EINTR) {
+            throw Failure(
+                "cannot write to standard output: " + std::generic_category().message(errno) +
+                ". Make room or send the output elsewhere, then run the command again.");
+        }
+    }
+}
+
+void complain(std::string_view sentence) {
+    std::cerr << "mav: " << sentence << std::endl;
+}
+
+std::string printable(std::string_view text) {
+    static constexpr char DIGITS[] = "0123456789abcdef";
+    std::string shown;
+    shown.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte != 0x7f) {
+            shown += c;
+        } else {
+            shown.append("\\x").append(1, DIGITS[byte >> 4]).append(1, DIGITS[byte & 15]);
+        }
+    }
+    return shown;
+}
+
+std::string clause(std::string_view text) {
+    while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.remove_suffix(1);
+    return printable(text);
+}
+
+}  // namespace cli

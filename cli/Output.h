@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+/// Standard output has no reader any more. Ends the command without a word.
+class NoReader {};
+
+/// Opens the standard streams that the caller closed, so that no file of ours takes their place.
+/// A replaced standard output refuses what is written.
+void holdStandardStreams();
+
+/// Writes the whole text to standard output. Throws NoReader for a closed pipe, Failure with the
+/// system's reason for anything else.
+void writeAnswer(std::string_view text);
+
+/// Writes "mav: ", the sentence and a line end to standard error.
+void complain(std::string_view sentence);
+
+/// The text with control characters as \xNN, so that it stays on one line.
+std::string printable(std::string_view text);
+
+/// An exception's text in the midst of a sentence: printable, without a full stop at the end.
+std::string clause(std::string_view text);
+
+}  // namespace cli

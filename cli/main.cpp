@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "Command.h"
+#include "Output.h"
+#include "Suggest.h"
+#include "mav_host/Host.h"
+
+namespace {
+
+using cli::UsageError;
+
+constexpr const char* EXIT_CODES =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the question was answered with no\n"
+    "  2  wrong use\n"
+    "  3  the platform cannot be loaded, or the result cannot be written\n";
+
+constexpr const char* PACK_NOTES =
+    "Every regular file below DIR becomes a member, named by its path inside DIR: the metadata\n"
+    "members first, the others sorted by name. The archive carries a digest; the same files give\n"
+    "the same bytes. An archive that exists is replaced only when the new one is complete.\n"
+    "Files and folders whose name begins with a dot are left out. Links and devices are refused.\n"
+    "ARCHIVE ends in .pka or .dsa and lies outside DIR. The top of DIR holds pka.json or\n"
+    "alt_pka.json for a .pka archive, dsa.json or alt_dsa.json for a .dsa archive.\n";
+
+std::string pointer(const std::string& command) {
+    return " Try 'mav " + (command.empty() ? "" : command + " ") + "--help'.";
+}
+
+/// Names of the commands and options that could have been meant inside `app`.
+std::vector<std::string> candidates(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    return names;
+}
+
+/// The sentence about the first argument that nobody took.
+UsageError strayArgument(const CLI::App& app, const std::string& command, std::string word) {
+    const bool option = word.size() > 1 && word.front() == '-';
+    if (option) word.resize(std::min(word.find('='), word.size()));
+    const char* kind = option            ? "unknown option '"
+                       : command.empty() ? "unknown command '"
+                                         : "unexpected argument '";
+    std::string text = kind + cli::printable(word) + "'.";
+    const std::string meant = cli::nearest(word, candidates(app));
+    if (!meant.empty()) text += " Did you mean '" + meant + "'?";
+    return UsageError(text, command);
+}
+
+UsageError explain(const CLI::App& app, const CLI::ParseError& error) {
+    const auto chosen = app.get_subcommands();
+    if (const auto stray = app.remaining(); !stray.empty())
+        return strayArgument(app, "", stray.front());
+    if (chosen.empty()) return UsageError("a command is missing.", "");
+    const CLI::App& command = *chosen.front();
+    if (const auto stray = command.remaining(); !stray.empty())
+        return strayArgument(command, command.get_name(), stray.front());
+    return UsageError(cli::clause(error.what()) + ".", command.get_name());
+}
+
+void describe(CLI::App& app, cli::PackOptions& pack) {
+    app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
+    app.require_subcommand(1);
+    app.footer(EXIT_CODES);
+    CLI::App* toArchive = app.add_subcommand("pack", "Pack a folder into a platform archive");
+    toArchive->add_option("DIR", pack.directory, "Folder with the files")->required();
+    toArchive->add_option("ARCHIVE", pack.archive, "Archive to write")->required();
+    toArchive->add_flag("--force", pack.force, "Pack also without a metadata member");
+    toArchive->footer(PACK_NOTES);
+}
+
+int run(int argc, char** argv) {
+    CLI::App app("Reads and makes platforms of the accelerated-application toolchain.", "mav");
+    cli::PackOptions pack;
+    describe(app, pack);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        cli::writeAnswer(app.help());
+        return cli::DONE;
+    } catch (const CLI::CallForVersion& version) {
+        cli::writeAnswer(std::string(version.what()) + "\n");
+        return cli::DONE;
+    } catch (const CLI::ParseError& error) {
+        throw explain(app, error);
+    }
+    if (app.got_subcommand("pack")) cli::runPack(pack);
+    return cli::DONE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    cli::holdStandardStreams();
+    mav_host::setConsole(&std::cerr);
+    try {
+        return run(argc, argv);
+    } catch (const cli::NoReader&) {
+        return cli::NO_READER;
+    } catch (const UsageError& error) {
+        cli::complain(error.what() + pointer(error.command()));
+        return cli::WRONG_USE;
+    } catch (const cli::Failure& error) {
+        cli::complain(error.what());
+    } catch (const std::bad_alloc&) {
+        cli::complain("out of memory. Free some memory or raise its limit, then try again.");
+    } catch (const std::exception& error) {
+        cli::complain(cli::clause(error.what()) + ". Correct the cause and try again.");
+    }
+    return cli::FAILED;
+}

@@ -1,0 +1,2 @@
+# veltrin_h90: PRE_WRITE_BITSTREAM_TCL
+shell::set_bitstream_option compress true
