@@ -63,7 +63,7 @@ client_by_pkg_config() {
         $(flags --cflags --libs) -Wl,-rpath,"$(flags --variable=libdir)" && "$binary" "$sample"
 }
 
-sample="$(find "$build/samples" -name '*.pka' 2>/dev/null | sort | head -n 1)"
+sample="$(find "$build/share/mav/samples" -name '*.pka' 2>/dev/null | sort | tail -n 1)"
 readonly sample
 check "into an empty prefix, which then moves" install_and_move
 check "a sample to read" test -n "$sample"
