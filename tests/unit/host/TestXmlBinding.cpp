@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "mav_host/HEXError.h"
 #include "mav_host/xml/Binding.h"
+#include "support/Doubles.h"
 
 namespace xml = mav_host::xml;
 using xml::BindingError;
@@ -343,38 +342,26 @@ TEST(XmlBinding, ReadsLargeDocuments) {
     EXPECT_EQ(part.ports.back().name, "99999");
 }
 
-class XmlBindingFile : public testing::Test {
-  protected:
-    void SetUp() override {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        dir_ = std::filesystem::path(testing::TempDir()) /
-               (std::string("xml_binding_") + info->name() + std::to_string(getpid()));
-        std::filesystem::create_directories(dir_);
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
+namespace {
 
-    std::string write(const std::string& text) {
-        const std::string path = dir_ / "part.xml";
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
+std::string refusalOfFile(const std::string& path) {
+    try {
+        partFormat().parseFile(path);
+    } catch (const BindingError& error) {
+        return std::to_string(error.line()) + ": " + error.what();
     }
-    static std::string refusalOfFile(const std::string& path) {
-        try {
-            partFormat().parseFile(path);
-        } catch (const BindingError& error) {
-            return std::to_string(error.line()) + ": " + error.what();
-        }
-        return "bound";
-    }
-    std::filesystem::path dir_;
-};
+    return "bound";
+}
 
-TEST_F(XmlBindingFile, BindsFilesLargerThanOnePiece) {
+}  // namespace
+
+TEST(XmlBindingFile, BindsFilesLargerThanOnePiece) {
     // One attribute, one text and one comment that each span many pieces.
     const std::string large(3'000'000, 'v');
-    const std::string path =
-        write("<q:part q:version='1' q:note='" + large + "'><!--" + large + "--><q:tag>" + large +
-              "</q:tag>\n<q:pin q:name='end'/></q:part>");
+    const TempDir dir;
+    const std::string path = dir.write("part.xml", "<q:part q:version='1' q:note='" + large +
+                                                       "'><!--" + large + "--><q:tag>" + large +
+                                                       "</q:tag>\n<q:pin q:name='end'/></q:part>");
     const Part part = partFormat().parseFile(path);
     EXPECT_EQ(part.note, large);
     EXPECT_EQ(part.tags, std::vector<std::string>{large});
@@ -382,14 +369,15 @@ TEST_F(XmlBindingFile, BindsFilesLargerThanOnePiece) {
     EXPECT_EQ(part.pins[0].line, 2U);
 }
 
-TEST_F(XmlBindingFile, RefusesWhatCannotBeRead) {
-    EXPECT_EQ(refusalOfFile(dir_), "0: the path is a directory, not a file");
-    EXPECT_EQ(refusalOfFile(dir_ / "absent.xml"),
+TEST(XmlBindingFile, RefusesWhatCannotBeRead) {
+    const TempDir dir;
+    EXPECT_EQ(refusalOfFile(dir.path()), "0: the path is a directory, not a file");
+    EXPECT_EQ(refusalOfFile(dir.path("absent.xml")),
               "0: the file cannot be opened: No such file or directory");
-    EXPECT_EQ(refusalOfFile(write("")), "1: XML syntax error: no element found");
-    EXPECT_EQ(refusalOfFile(write("<q:part q:version='1'>\n")),
+    EXPECT_EQ(refusalOfFile(dir.write("part.xml", "")), "1: XML syntax error: no element found");
+    EXPECT_EQ(refusalOfFile(dir.write("part.xml", "<q:part q:version='1'>\n")),
               "2: XML syntax error: no element found");
-    const std::filesystem::path loop = dir_ / "loop.xml";
+    const std::string loop = dir.path("loop.xml");
     std::filesystem::create_symlink(loop, loop);
     EXPECT_EQ(refusalOfFile(loop),
               "0: the file cannot be opened: Too many levels of symbolic links");
@@ -397,15 +385,13 @@ TEST_F(XmlBindingFile, RefusesWhatCannotBeRead) {
     EXPECT_EQ(refusalOfFile("/proc/self/mem"), "0: the file cannot be read: Input/output error");
 }
 
-TEST_F(XmlBindingFile, StopsReadingAtTheSizeLimit) {
+TEST(XmlBindingFile, StopsReadingAtTheSizeLimit) {
     xml::Limits limits;
     limits.bytes = 100'000;
     const xml::Format<Part> format("q:part", partItems(), xml::Names::AsWritten, limits);
-    const std::string path = write("<q:part q:version='1'>" + std::string(200'000, ' '));
-    try {
-        format.parseFile(path);
-        FAIL() << "bound";
-    } catch (const BindingError& error) {
-        EXPECT_STREQ(error.what(), "the document is larger than 100000 bytes");
-    }
+    const TempDir dir;
+    const std::string path =
+        dir.write("part.xml", "<q:part q:version='1'>" + std::string(200'000, ' '));
+    EXPECT_THROW_MSG(format.parseFile(path), BindingError,
+                     "the document is larger than 100000 bytes");
 }
