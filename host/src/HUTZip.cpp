@@ -43,6 +43,8 @@ namespace {
 /// 1980-01-01 00:00, the first moment that a zip archive can name: equal content, equal bytes.
 constexpr zip_uint16_t DOS_TIME = 0;
 constexpr zip_uint16_t DOS_DATE = 0x21;
+/// A plain file that all may read; the modes of the files added depend on who checked them out.
+constexpr zip_uint32_t UNIX_MODE = 0100644U << 16;
 
 std::string systemText() {
     return std::error_code(errno, std::generic_category()).message();
@@ -184,6 +186,8 @@ void addMember(const ArchiveWriter& writer, zip_t* zip, const char* name, zip_so
         writer.refuse(zip_strerror(zip));
     }
     zip_file_set_dostime(zip, static_cast<zip_uint64_t>(index), DOS_TIME, DOS_DATE, 0);
+    zip_file_set_external_attributes(zip, static_cast<zip_uint64_t>(index), 0, ZIP_OPSYS_UNIX,
+                                     UNIX_MODE);
 }
 
 void addSource(const ArchiveWriter& writer, zip_t* zip, const HUTZip::Source& source) {

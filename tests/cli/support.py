@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What the tests of the command share: where things are, and how to run them."""
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+MAV = os.environ["MAV_BIN"]
+SOURCE = pathlib.Path(os.environ["MAV_SOURCE_DIR"])
+SAMPLES = pathlib.Path(os.path.realpath(os.environ["MAV_SAMPLES"]))
+
+# The platform files of the samples, as a user would name them.
+PLATFORMS = ["veltrin_h90/veltrin_h90.pka", "ostrivel_e7/ostrivel_e7.qpfm",
+             "tessomar_r2/tessomar_r2.qpfm", "tessomar_r2/partition1/tessomar_r2_p1.dsa"]
+
+
+def run(*command, **options):
+    """Runs a program to its end; output and errors as bytes."""
+    options.setdefault("stdout", subprocess.PIPE)
+    return subprocess.run([str(part) for part in command], stdin=subprocess.DEVNULL,
+                          stderr=subprocess.PIPE, timeout=120, check=False, **options)
+
+
+class CommandTest(unittest.TestCase):
+    """A test with a scratch directory and assertions about one call of the command."""
+
+    def setUp(self):
+        self.dir = pathlib.Path(os.path.realpath(tempfile.mkdtemp(prefix="mav-cli-")))
+        self.addCleanup(shutil.rmtree, self.dir)
+
+    def mav(self, *arguments, code=0, **options):
+        """Runs the command and checks its exit code; answers (output, errors) as text."""
+        done = run(MAV, *arguments, **options)
+        errors = done.stderr.decode()
+        self.assertEqual(done.returncode, code, f"mav {arguments}: {errors}")
+        return (done.stdout or b"").decode(), errors
+
+    def refused(self, *arguments, code, says):
+        """The call is refused with the code, silent on standard output, and says these texts."""
+        output, errors = self.mav(*arguments, code=code)
+        self.assertEqual(output, "")
+        for text in says:
+            self.assertIn(text, errors)
+        self.assertTrue(errors.splitlines()[-1].startswith("mav: "), errors)
+        return errors
