@@ -42,8 +42,9 @@ no_trace_of_the_build() { ! grep -rl -e "$build" -e "$work/first" "$prefix"; }
 
 # The installed command finds its library and gives the bytes that the built one gives.
 command_works() {
-    "$prefix/bin/mav" --version &&
-        cmp <("$prefix/bin/mav" json "$sample") <("$build/bin/mav" json "$sample")
+    "$prefix/bin/mav" --version && "$prefix/bin/mav" json "$sample" >"$work/installed.json" &&
+        "$build/bin/mav" json "$sample" >"$work/built.json" &&
+        cmp "$work/installed.json" "$work/built.json"
 }
 
 client_by_cmake() {

@@ -43,7 +43,7 @@ class Tree:
         for quote, name in INCLUDE.findall(self.text[path]):
             folders = [path.parent] if quote == '"' else []
             folders += [self.root / "host/include", self.root / "platform/include"]
-            folders += [self.root / ("host/src" if "host" in path.parts else "platform/src")]
+            folders += [self.root / ("host/src" if self.name(path).startswith("host/") else "platform/src")]
             hits = (folder / name for folder in folders if (folder / name) in self.text)
             found.append((name, next(hits, None)))
         return found
@@ -96,7 +96,7 @@ def wrong_libraries(tree):
         for included, header in tree.includes[path]:
             if included in SYNTAX_LIBRARIES and not name.startswith("host/src/"):
                 yield f"{name} includes <{included}>, which belongs in host/src"
-            if name.startswith("cli/") and header and "src" in header.parts:
+            if name.startswith("cli/") and header and "/src/" in tree.name(header):
                 yield f"{name} includes {tree.name(header)}, which is not installed"
 
 
