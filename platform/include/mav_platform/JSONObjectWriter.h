@@ -2,84 +2,97 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
+#include "mav_host/Export.h"
 #include "mav_host/HSTVector.h"
+#include "mav_platform/JSONListWriter.h"
+#include "mav_platform/JSONSerializable.h"
 #include "mav_platform/JSONWriter.h"
 
 namespace mav_platform {
 
-/// Adds members by key. A key is a property-tree path: one that holds a "." creates or walks nested
-/// objects, so "a.b" adds member b inside member a. Members keep the order in which they were first
-/// added.
+/// Adds members by key. A key is a path: "a.b" is the member b inside the member a. Empty texts,
+/// empty sub-writers and null objects are skipped. A scalar replaces the value of a member that is
+/// there already, in its place; sub-writers, trees and objects always add one more member.
 class MAV_API JSONObjectWriter : public JSONWriter {
   public:
-    JSONObjectWriter();
-    ~JSONObjectWriter();
+    JSONObjectWriter() : JSONWriter(false) {}
+    ~JSONObjectWriter() = default;
 
-    /// Skipped when the value is empty. Replaces the value of a member that is there already, in
-    /// its place.
-    void addKey(std::string_view key, std::string_view value);
-    void addKey(std::string_view key, const std::string& value);
-    void addKey(std::string_view key, const char* value);
-    /// Always written, as "true" or "false"; replaces.
-    template <std::same_as<bool> Bool>
-    void addKey(std::string_view key, Bool value) {
-        addKey(key, std::string_view(value ? "true" : "false"));
+    void addKey(std::string_view key, std::string_view value) { addText(key, value); }
+    void addKey(std::string_view key, const std::string& value) { addText(key, value); }
+    /// A null text is skipped like an empty one.
+    void addKey(std::string_view key, const char* value) {
+        if (value != nullptr) addText(key, value);
     }
-    /// Always written, in decimal; replaces.
+    /// Always writes: "true" or "false".
+    void addKey(std::string_view key, bool value) { addText(key, value ? "true" : "false"); }
+    /// Always writes: the decimal, "0" included.
     template <std::integral Number>
     requires(!std::same_as<Number, bool>) void addKey(std::string_view key, Number value) {
         if constexpr (std::is_signed_v<Number>) {
-            addSigned_(key, value);
+            addSigned(key, value);
         } else {
-            addUnsigned_(key, value);
+            addUnsigned(key, value);
         }
     }
-    /// A list of the non-empty texts; nothing when there are none. Appends.
-    void addKey(std::string_view key, const HSTVector<std::string>& values);
-    /// A copy of the other writer's tree; skipped when that is empty. Appends: a second call with
-    /// the same key makes a second member of that name.
-    void addKey(std::string_view key, const JSONWriter& sub);
-    /// The same for a tree; skipped when it has no children.
-    void addKey(std::string_view key, const ptree& sub);
-    /// What the object writes, under a key of its own; skipped for null and for an object that
-    /// writes nothing. Appends.
-    void addKey(std::string_view key, const JSONSerializable* object);
+    /// A list of the texts that are not empty.
+    void addKey(std::string_view key, const HSTVector<std::string>& values) {
+        addTexts(key, values);
+    }
+    /// A copy of the other writer's tree.
+    void addKey(std::string_view key, const JSONWriter& sub) { addWriter(key, sub); }
+    /// A copy of the tree; skipped when it has no children.
+    void addKey(std::string_view key, const ptree& sub) { addTree(key, sub); }
+    /// The object's members; skipped when it writes none.
+    void addKey(std::string_view key, const JSONSerializable* object) { addObjectAt(key, object); }
+    /// Other pointers would convert to bool.
+    template <class Other>
+    requires(!std::derived_from<Other, JSONSerializable> &&
+             !std::same_as<std::remove_cv_t<Other>, char>) void addKey(std::string_view key,
+                                                                       Other* value) = delete;
+    /// So would these.
+    template <class Other>
+    requires(std::is_enum_v<Other> || std::floating_point<Other>) void addKey(std::string_view key,
+                                                                              Other value) = delete;
 
-    /// Adds the object's members to this writer at the current level; nothing for null.
+    /// A text member whose key is taken as it stands, dots included; skipped when it is empty. Does
+    /// not look for a member of that name: always adds one.
+    void addLiteral(std::string_view key, std::string_view value) { addLiteralText(key, value); }
+
+    /// Merges the object's members into this writer at the current level. Null: nothing.
     void writeObject(const JSONSerializable* object);
     void writeObject(const JSONSerializable& object);
 
-    /// A member that `fill` writes, given the JSONObjectWriter or JSONListWriter to fill; skipped
-    /// when it writes nothing. Appends, and takes the key as it stands, dots included.
-    template <class Fill>
-    void addObject(std::string_view key, Fill&& fill) {
-        addObject_(key, {[](void* function, JSONObjectWriter& writer) {
-                             (*static_cast<std::remove_reference_t<Fill>*>(function))(writer);
-                         },
-                         &fill});
-    }
+    /// Adds a list or an object that `fill` writes through the JSONListWriter& or JSONObjectWriter&
+    /// handed to it; skipped when it writes nothing. Takes the key as it stands, dots included.
+    /// This writer takes no members meanwhile (std::logic_error). An exception of `fill` passes and
+    /// leaves no trace here.
     template <class Fill>
     void addList(std::string_view key, Fill&& fill) {
-        addList_(key, {[](void* function, JSONListWriter& writer) {
-                           (*static_cast<std::remove_reference_t<Fill>*>(function))(writer);
-                       },
-                       &fill});
+        addFilled<JSONListWriter>(key, std::forward<Fill>(fill));
     }
-    /// A text member whose key is taken as it stands, dots included; skipped when it is empty.
-    /// Appends.
-    void addLiteral(std::string_view key, std::string_view value);
+    template <class Fill>
+    void addObject(std::string_view key, Fill&& fill) {
+        addFilled<JSONObjectWriter>(key, std::forward<Fill>(fill));
+    }
 
   private:
     friend class JSONWriter;
-    explicit JSONObjectWriter(JSONWriter& parent);
-    void addSigned_(std::string_view key, long long value);
-    void addUnsigned_(std::string_view key, unsigned long long value);
-    void addObject_(std::string_view key, FillCall<JSONObjectWriter> fill);
-    void addList_(std::string_view key, FillCall<JSONListWriter> fill);
+    friend class JSONListWriter;
+    JSONObjectWriter(JSONWriter& parent, std::string_view key) : JSONWriter(parent, key, false) {}
+    void addSigned(std::string_view key, std::int64_t value);
+    void addUnsigned(std::string_view key, std::uint64_t value);
 };
+
+template <class Fill>
+void JSONListWriter::addObject(Fill&& fill) {
+    addFilled<JSONObjectWriter>({}, std::forward<Fill>(fill));
+}
 
 }  // namespace mav_platform

@@ -8,22 +8,23 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "mav_host/Export.h"
+#include "mav_host/HSTVector.h"
 
 namespace mav_platform {
 
-class JSONObjectWriter;
-class JSONListWriter;
 class JSONSerializable;
-
-namespace detail {
-class TextBuffer;
-}
+namespace json {
+struct KeyPlace;
+struct SharedText;
+struct WriterExtra;
+}  // namespace json
 
 /// Common base of the writers. To its users a writer is a property tree of texts. Inside, members
 /// go straight into JSON text; the tree is made when somebody asks for it, or when an operation
-/// needs the tree's own rules (dotted keys, replacing a value).
+/// needs the tree's own rules (dotted keys, replacing a value). A writer belongs to one thread.
 class MAV_API JSONWriter {
   public:
     using ptree = boost::property_tree::ptree;
@@ -31,8 +32,8 @@ class MAV_API JSONWriter {
     JSONWriter(const JSONWriter&) = delete;
     JSONWriter& operator=(const JSONWriter&) = delete;
 
-    /// The writer's tree, owned by the writer and valid while it lives. The non-const form may be
-    /// changed by the caller; the const form is a picture that the next added member makes stale.
+    /// The writer's tree. Valid until the writer is destroyed; the non-const form may be changed by
+    /// the caller, the const form is a picture that the next added member makes stale.
     ptree& getTree();
     const ptree& getTree() const;
     ptree& getOtherTree(JSONWriter& other) const;
@@ -42,75 +43,83 @@ class MAV_API JSONWriter {
     bool empty() const;
 
     /// Pretty JSON text, byte for byte what Boost's writer prints for the tree, with a line end and
-    /// a flush behind it. Throws Boost's json_parser_error "ptree contains data that cannot be
-    /// represented in JSON format" for a tree that JSON cannot express and "write error" for a
-    /// stream that fails.
+    /// a flush behind it. Throws Boost's json_parser_error for a tree that JSON cannot express and
+    /// for a stream that fails.
     void write(std::ostream& out) const;
     /// The same text as a string.
     std::string text() const;
-    /// The same text, NUL-terminated, in memory made with array new; the caller owns it.
-    std::unique_ptr<char[]> newText() const;
+    /// The same text where it lies, without a terminating null. Valid until the writer is changed,
+    /// asked for its text again, or destroyed.
+    std::string_view textView() const;
+    /// The same text, NUL-terminated, in memory made with array new that the caller owns. Leaves
+    /// the writer empty: a large text is given back to the system while it is copied.
+    std::unique_ptr<char[]> newText();
 
   protected:
-    enum class Kind : std::uint8_t { OBJECT, LIST };
-    /// Calls the caller's function for a member that it fills.
-    template <class Writer>
-    struct FillCall {
-        void (*call)(void* function, Writer& writer);
-        void* function;
-    };
-
-    explicit JSONWriter(Kind kind);
-    /// A writer for a member or item of `parent`, which writes into the parent's text and must be
-    /// closed or destroyed before the parent is used again.
-    JSONWriter(JSONWriter& parent, Kind kind);
+    /// A writer of its own.
+    explicit JSONWriter(bool list);
+    /// A child that writes into the text of `parent`, under `key`, as it stands, when the parent
+    /// has keys. Until it is finished or destroyed the parent takes no members. The key must
+    /// outlive it.
+    JSONWriter(JSONWriter& parent, std::string_view key, bool list);
+    /// A child that was not finished leaves no trace in its parent.
     ~JSONWriter();
 
-    /// True when members go into the text.
-    bool streams_() const { return !inTree_; }
-    /// Turns the text into the tree; from here on the tree is the writer's content.
-    ptree& useTree_();
-    /// The member's start: separator, indentation and key. Empty key for list items.
-    void beginMember_(std::string_view key);
-    void addText_(std::string_view value);
-    /// A member or item that `fill` writes; nothing when it writes nothing or throws.
-    template <class Child>
-    void addChild_(std::string_view key, FillCall<Child> fill);
-    /// Where the text stands before a member is begun, to go back to.
-    struct Mark {
-        std::size_t size;
-        std::size_t count;
-        std::size_t keys;
-        std::uint64_t bloom;
-    };
-    Mark mark_() const;
-    void goBack_(const Mark& mark);
-    /// True when a member of that key may be there already, which only the tree can replace.
-    bool mayHave_(std::string_view key) const;
-    /// Appends the content of a writer that stands alone. False when JSON cannot express it.
-    bool appendWriter_(std::string_view key, const JSONWriter& sub);
-    bool appendTree_(std::string_view key, const ptree& sub);
-    /// Ends a child: closes its text or takes it back. `before` is the parent's mark.
-    void closeChild_(JSONWriter& child, std::string_view key, const Mark& before);
-    void addToTree_(std::string_view key, const ptree& sub);
+    /// Calls `fill` with a child and attaches it.
+    template <class Child, class Fill>
+    void addFilled(std::string_view key, Fill&& fill) {
+        Child child(*this, key);
+        std::forward<Fill>(fill)(child);
+        child.finish();
+    }
+    /// Attaches a child to its parent; one that wrote nothing is skipped.
+    void finish();
+    void addText(std::string_view key, std::string_view value);
+    void addLiteralText(std::string_view name, std::string_view value);
+    void addWriter(std::string_view key, const JSONWriter& sub);
+    void addTexts(std::string_view key, const HSTVector<std::string>& values);
+    void addTree(std::string_view key, const ptree& sub);
+    void addObjectAt(std::string_view key, const JSONSerializable* object);
 
   private:
-    std::size_t levels_() const { return depth_ + 1; }
-    std::string_view content_() const;
-    ptree makeTree_() const;
-    template <class Take>
-    void render_(Take take) const;
+    enum class Existing : std::uint8_t { REPLACED, KEPT };
 
-    std::unique_ptr<detail::TextBuffer> own_;
-    detail::TextBuffer* buffer_;
-    mutable std::unique_ptr<ptree> tree_;
-    std::size_t begin_ = 0;      ///< where this writer's content begins in the text
-    std::size_t keysBegin_ = 0;  ///< where its key hashes begin
-    std::size_t count_ = 0;      ///< members so far
-    std::uint64_t bloom_ = 0;    ///< which keys have surely not been written
+    void checkIdle() const;
+    json::WriterExtra& extra() const;
+    void useTree();
+    ptree parsedTree() const;
+    void clear() noexcept;
+    void leaveParent() noexcept;
+    void rollBack() noexcept;
+    void finishText();
+    void finishTree();
+    std::uint64_t hashOf(std::string_view key) const;
+    std::size_t memberRoom(std::string_view key) const;
+    char* putMemberStart(char* out, std::string_view key, json::KeyPlace& place) const;
+    bool appendScalar(std::string_view key, std::string_view value, Existing existing);
+    void appendCopy(std::string_view key, const JSONWriter& sub);
+    bool appendRendered(std::string_view key, const ptree& sub);
+    bool takes(std::string_view key) const;
+    void appendChild(std::string_view key, ptree& sub);
+    ptree& addNode(std::string_view key);
+    ptree& addNodeAtPath(std::string_view path);
+    void makeRoomForKey();
+    bool knows(const json::KeyPlace& place) const;
+    void remember(const json::KeyPlace& place) noexcept;
+
+    json::SharedText* out_;  ///< shared by a writer of its own and the open children below it
+    JSONWriter* parent_ = nullptr;
+    std::string_view key_;  ///< of a child, in its parent
+    std::uint64_t keyHash_ = 0;
+    std::size_t mark_ = 0;   ///< size of the text before this child
+    std::size_t start_ = 0;  ///< size of the text before this writer's first member
+    std::size_t firstKey_ = 0;
+    std::uint64_t keyMask_ = 0;
     std::uint32_t depth_ = 0;
-    Kind kind_;
-    bool inTree_ = false;
+    const bool list_;
+    bool ownsText_ = true;
+    bool treeMode_ = false;
+    mutable std::unique_ptr<json::WriterExtra> extra_;
 };
 
 }  // namespace mav_platform

@@ -4,61 +4,78 @@
 #include <boost/property_tree/ptree_fwd.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
+
+#include "json/GrowingMemory.h"
 
 namespace mav_platform::json {
 
 class Node;
 
+/// One node of the compact tree. A node is followed by all that is below it.
+struct Cell {
+    std::uint32_t key, keySize;
+    std::uint32_t data, dataSize;
+    std::uint32_t span;  ///< number of cells from this one to the last one below it
+};
+
 /// JSON text as a compact tree of texts. Accepts and refuses exactly what Boost.PropertyTree's
 /// reader does and holds the same tree, duplicate keys included; on top of that it refuses nesting
-/// deeper than 512 levels. Owns its text, in which escapes are decoded in place; nodes point into
-/// it.
+/// deeper than 512 levels and, for memory's sake, texts above 1 GiB or with more than 2^27 values.
+/// Owns its text, which it decodes in place; nodes point into it, also after a move.
 class Document {
   public:
     static constexpr unsigned MAX_DEPTH = 512;
+    static constexpr std::size_t MAX_SIZE = std::size_t{1} << 30;
+    static constexpr std::size_t MAX_VALUES = std::size_t{1} << 27;
 
-    /// Throws Boost's json_parser_error, with the message and the line that Boost's reader gives.
-    explicit Document(std::string text);
-    /// For text that our own writer made: any depth, and bytes outside ASCII as they stand.
-    static Document ofOwnText(std::string text);
-    Document(const Document&) = delete;
-    Document& operator=(const Document&) = delete;
-    ~Document();
+    /// `text` is any movable owner of mutable bytes (`data()`, `size()`), such as a std::string;
+    /// hand it over by move. `fileName` only appears in errors. Throws Boost's json_parser_error
+    /// (`what()`, `message()`, `filename()` and `line()` as Boost's reader gives them).
+    template <class Owner>
+    requires requires(Owner& owner) {
+        { owner.data() } -> std::convertible_to<char*>;
+        { owner.size() } -> std::convertible_to<std::size_t>;
+    }
+    explicit Document(Owner text, std::string_view fileName = {})
+        : owner_(std::make_shared<Owner>(std::move(text))) {
+        Owner& owner = *static_cast<Owner*>(owner_.get());
+        parse(owner.data(), owner.size(), fileName);
+    }
+    explicit Document(const char* text) : Document(std::string(text)) {}
+    Document(Document&&) noexcept = default;
+    Document& operator=(Document&&) noexcept = default;
 
     Node root() const;
-    /// The whole document as a property tree.
+    /// The whole tree as a property tree.
     boost::property_tree::ptree tree() const;
 
-    /// One node. Those below it follow at once, up to `end`.
-    struct Cell {
-        std::uint32_t key, keySize;  ///< place and size in the text
-        std::uint32_t data, dataSize;
-        std::uint32_t end;  ///< index behind the last cell below this one
-    };
-
   private:
-    friend class Node;
-    enum class Trust { FOREIGN, OWN };
-    Document(std::string text, Trust trust);
+    void parse(char* text, std::size_t size, std::string_view fileName);
 
-    std::string text_;
-    std::vector<Cell> cells_;
+    std::shared_ptr<void> owner_;
+    const char* text_ = nullptr;
+    GrowingMemory cells_;
 };
 
 /// One node of a document: its key in the parent, its data, its children in document order. Cheap
-/// to copy; valid while the document lives.
+/// to copy; valid while the document lives. As in a property tree, an empty object, an empty array
+/// and an empty string are the same: no data and no children.
 class Node {
   public:
-    std::string_view key() const { return view(cell().key, cell().keySize); }
-    std::string_view data() const { return view(cell().data, cell().dataSize); }
-    bool hasChildren() const { return cell().end != index_ + 1; }
-    /// The first child of that key; a "." in a key is a character like any other.
+    /// Empty for array items and for the root.
+    std::string_view key() const { return {text_ + cell_->key, cell_->keySize}; }
+    /// The scalar's text; empty for objects and arrays.
+    std::string_view data() const { return {text_ + cell_->data, cell_->dataSize}; }
+    bool hasChildren() const { return cell_->span > 1; }
+    /// The first child of that key (no paths: a "." in a key is a character like any other).
     std::optional<Node> find(std::string_view key) const;
-    /// The node with all below it as a property tree.
+    /// The node and all below it as a property tree.
     boost::property_tree::ptree tree() const;
 
     class Iterator;
@@ -67,40 +84,50 @@ class Node {
 
   private:
     friend class Document;
-    Node(const Document* document, std::uint32_t index) : document_(document), index_(index) {}
-    const Document::Cell& cell() const { return document_->cells_[index_]; }
-    std::string_view view(std::uint32_t at, std::uint32_t size) const {
-        return {document_->text_.data() + at, size};
-    }
-
-    const Document* document_;
-    std::uint32_t index_;
+    friend class Iterator;
+    Node(const char* text, const Cell* cell) : text_(text), cell_(cell) {}
+    const char* text_;
+    const Cell* cell_;
 };
 
-/// Walks the children of a node.
+/// Walks the children of one node.
 class Node::Iterator {
   public:
-    Node operator*() const { return node_; }
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = Node;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const Node*;
+    using reference = const Node&;
+
+    Iterator() : node_(nullptr, nullptr) {}
+    explicit Iterator(Node node) : node_(node) {}
+    const Node& operator*() const { return node_; }
+    const Node* operator->() const { return &node_; }
     Iterator& operator++() {
-        node_.index_ = node_.cell().end;
+        node_.cell_ += node_.cell_->span;
         return *this;
     }
-    bool operator!=(const Iterator& other) const { return node_.index_ != other.node_.index_; }
+    Iterator operator++(int) {
+        Iterator old = *this;
+        ++*this;
+        return old;
+    }
+    friend bool operator==(const Iterator& a, const Iterator& b) { return a.cell() == b.cell(); }
 
   private:
-    friend class Node;
-    explicit Iterator(Node node) : node_(node) {}
+    const Cell* cell() const { return node_.cell_; }
     Node node_;
 };
 
 inline Node::Iterator Node::begin() const {
-    return Iterator(Node(document_, index_ + 1));
+    return Iterator(Node(text_, cell_ + 1));
 }
 inline Node::Iterator Node::end() const {
-    return Iterator(Node(document_, cell().end));
+    return Iterator(Node(text_, cell_ + cell_->span));
 }
+
 inline Node Document::root() const {
-    return Node(this, 0);
+    return {text_, static_cast<const Cell*>(static_cast<const void*>(cells_.data()))};
 }
 
 }  // namespace mav_platform::json

@@ -11,7 +11,8 @@
 #include "json/Convert.h"
 #include "json/Document.h"
 #include "json/TextBuffer.h"
-#include "json/render.h"
+#include "json/TreePath.h"
+#include "json/TreeText.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
@@ -24,12 +25,8 @@ namespace json = mav_platform::json;
 
 namespace {
 
-const ptree* find(const ptree& tree, const std::string& key) {
-    return tree.get_child_optional(key).get_ptr();
-}
-
 std::string_view view(const ptree& tree, const std::string& key) {
-    const ptree* const child = find(tree, key);
+    const ptree* const child = json::findPath(tree, key);
     return child != nullptr ? std::string_view(child->data()) : std::string_view();
 }
 
@@ -40,11 +37,7 @@ const ptree& orEmpty(const HMAVJSONUtils::optional_ptree& tree) {
 
 /// The tree of a text; parser errors carry the file's name.
 ptree parse(std::string text, const std::string& file = "") {
-    try {
-        return json::Document(std::move(text)).tree();
-    } catch (const json_parser_error& error) {
-        throw json_parser_error(error.message(), file, error.line());
-    }
+    return json::Document(std::move(text), file).tree();
 }
 
 std::string readFile(const std::string& path) {
@@ -73,7 +66,7 @@ ptree readOrExplain(Read read) {
 }  // namespace
 
 bool HMAVJSONUtils::findKey(const ptree& tree, const std::string& key) {
-    return find(tree, key) != nullptr;
+    return json::findPath(tree, key) != nullptr;
 }
 
 bool HMAVJSONUtils::hasKey(const ptree& tree, const std::string& key) {
@@ -150,14 +143,18 @@ bool HMAVJSONUtils::getBoolValue(const optional_ptree& tree, const std::string& 
 }
 
 void HMAVJSONUtils::writeJson(const std::string& fileName, const ptree& tree) {
-    mav_platform::detail::TextBuffer text;
-    json::renderDocument(tree, text);
-    HUTFileUtils::writeWhole(fileName, std::string(text.view(0)));
+    json::TextBuffer text;
+    json::renderDocument(text, tree, fileName);
+    try {
+        HUTFileUtils::writeWhole(fileName, std::string(text.view()));
+    } catch (const HEXUserException& error) {
+        throw json_parser_error(error.what(), fileName, 0);
+    }
 }
 
 void HMAVJSONUtils::writeJson(std::ostream& out, const ptree& tree) {
-    mav_platform::detail::TextBuffer text;
-    json::renderDocument(tree, text);
+    json::TextBuffer text;
+    json::renderDocument(text, tree);
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     out.flush();
     if (!out.good()) throw json_parser_error("write error", "", 0);

@@ -4,98 +4,138 @@
 #include <algorithm>
 #include <boost/property_tree/json_parser/error.hpp>
 #include <boost/property_tree/ptree.hpp>
-#include <cstring>
 #include <ostream>
-#include <type_traits>
-#include <utility>
+#include <stdexcept>
 
-#include "json/Document.h"
-#include "json/TextBuffer.h"
-#include "json/render.h"
-#include "mav_platform/JSONListWriter.h"
+#include "json/Escape.h"
+#include "json/TreePath.h"
+#include "json/TreeText.h"
+#include "json/WriterState.h"
 #include "mav_platform/JSONObjectWriter.h"
 
 namespace mav_platform {
+
+using json::KeyPlace;
+
 namespace {
 
 constexpr std::size_t INDENT = 4;
+/// Levels with more keys than this are searched through a table.
+constexpr std::size_t FEW_KEYS = 64;
 
-/// A key's hash; equal keys have equal hashes.
-std::uint32_t hashOf(std::string_view key) {
-    std::uint64_t head = 0;
-    std::uint64_t tail = 0;
-    const std::size_t part = std::min(key.size(), sizeof(head));
-    std::memcpy(&head, key.data(), part);
-    std::memcpy(&tail, key.data() + key.size() - part, part);
-    std::uint64_t mixed = (head ^ (tail << 1U) ^ key.size()) * 0x9E3779B97F4A7C15U;
-    for (std::size_t i = sizeof(head); i + sizeof(head) < key.size(); ++i) {
-        mixed = (mixed ^ static_cast<unsigned char>(key[i])) * 0x100000001B3U;
-    }
-    return static_cast<std::uint32_t>(mixed >> 32U);
+std::uint64_t maskBit(std::uint64_t hash) {
+    return std::uint64_t{1} << (hash >> 58);
 }
 
-std::uint64_t bitOf(std::uint32_t hash) {
-    return std::uint64_t{1} << (hash & 63U);
+/// A text of its own for a writer, begun with its bracket.
+json::SharedText* begunText(bool list) {
+    auto text = std::make_unique<json::SharedText>();
+    char* out = text->text.room(1);
+    *out++ = list ? '[' : '{';
+    text->text.commit(out);
+    return text.release();
 }
 
-/// Appends text whose lines get `blanks` more in front.
-void appendIndented(detail::TextBuffer& out, std::string_view text, std::size_t blanks) {
-    while (!text.empty()) {
-        const std::size_t line = std::min(text.find('\n'), text.size() - 1) + 1;
-        out.appendBlanks(blanks);
-        out.append(text.substr(0, line));
-        text.remove_prefix(line);
-    }
+char* putLineStart(char* out, std::size_t depth) {
+    *out++ = '\n';
+    return json::putSpaces(out, INDENT * depth);
 }
 
 }  // namespace
 
-JSONWriter::JSONWriter(Kind kind)
-    : own_(std::make_unique<detail::TextBuffer>()), buffer_(own_.get()), kind_(kind) {
-    // An outermost object stands ready to be printed as it is.
-    buffer_->append("{\n");
-    begin_ = buffer_->size();
+JSONWriter::JSONWriter(bool list) : out_(begunText(list)), start_(1), list_(list) {
+    out_->active = this;
 }
 
-JSONWriter::JSONWriter(JSONWriter& parent, Kind kind)
-    : buffer_(parent.buffer_),
-      begin_(parent.buffer_->size()),
-      keysBegin_(parent.buffer_->keys.size()),
-      depth_(parent.depth_ + 1),
-      kind_(kind) {}
-
-JSONWriter::~JSONWriter() = default;
-
-std::string_view JSONWriter::content_() const {
-    return buffer_->view(begin_);
-}
-
-JSONWriter::ptree JSONWriter::makeTree_() const {
-    if (count_ == 0) return ptree();
-    const bool isList = kind_ == Kind::LIST;
-    std::string text(isList ? "[" : "{");
-    text += content_();
-    text += isList ? ']' : '}';
-    return json::Document::ofOwnText(std::move(text)).tree();
-}
-
-JSONWriter::ptree& JSONWriter::useTree_() {
-    if (!inTree_) {
-        tree_ = std::make_unique<ptree>(makeTree_());
-        inTree_ = true;
-        buffer_->truncate(begin_);
-        buffer_->keys.resize(keysBegin_);
+JSONWriter::JSONWriter(JSONWriter& parent, std::string_view key, bool list)
+    : out_(parent.out_), parent_(&parent), key_(key), list_(list) {
+    parent.checkIdle();
+    if (parent.treeMode_ || (!parent.list_ && key.empty())) {
+        // Written apart; finish() attaches the tree.
+        out_ = begunText(list);
+        out_->active = this;
+        start_ = 1;
+        parent.out_->active = this;
+        return;
     }
-    return *tree_;
+    ownsText_ = false;
+    keyHash_ = parent.hashOf(key);
+    mark_ = out_->text.size();
+    depth_ = parent.depth_ + 1;
+    parent.makeRoomForKey();
+    KeyPlace place{keyHash_};
+    char* out = parent.putMemberStart(out_->text.room(parent.memberRoom(key)), key, place);
+    *out++ = list ? '[' : '{';
+    out_->text.commit(out);
+    start_ = out_->text.size();
+    // The parent's mask learns the key when the child is finished.
+    if (!parent.list_) out_->keys.push_back(place);
+    firstKey_ = out_->keys.size();
+    out_->active = this;
+}
+
+JSONWriter::~JSONWriter() {
+    if (parent_ != nullptr) rollBack();
+    if (ownsText_) delete out_;
+}
+
+void JSONWriter::checkIdle() const {
+    if (out_->active == this) return;
+    throw std::logic_error("JSONWriter: the writer is used while a child of it is still open");
+}
+
+json::WriterExtra& JSONWriter::extra() const {
+    if (!extra_) extra_ = std::make_unique<json::WriterExtra>();
+    return *extra_;
+}
+
+bool JSONWriter::empty() const {
+    checkIdle();
+    return treeMode_ ? extra_->tree.empty() : out_->text.size() == start_;
+}
+
+// ---- tree ----
+
+JSONWriter::ptree JSONWriter::parsedTree() const {
+    ptree tree;
+    json::parseRendered(out_->text.view().substr(start_), list_, tree);
+    return tree;
+}
+
+void JSONWriter::useTree() {
+    if (treeMode_) return;
+    ptree tree = parsedTree();
+    extra().tree.swap(tree);
+    clear();
+    treeMode_ = true;
+}
+
+/// Forgets the text and its keys.
+void JSONWriter::clear() noexcept {
+    out_->text.truncate(start_);
+    out_->keys.resize(firstKey_);
+    keyMask_ = 0;
+    if (extra_) {
+        extra_->manyKeys.clear();
+        extra_->picturedAt = json::WriterExtra::NEVER;
+    }
 }
 
 JSONWriter::ptree& JSONWriter::getTree() {
-    return useTree_();
+    checkIdle();
+    useTree();
+    return extra_->tree;
 }
 
 const JSONWriter::ptree& JSONWriter::getTree() const {
-    if (!inTree_) tree_ = std::make_unique<ptree>(makeTree_());
-    return *tree_;
+    checkIdle();
+    json::WriterExtra& cache = extra();
+    if (!treeMode_ && cache.picturedAt != out_->text.size()) {
+        ptree tree = parsedTree();
+        cache.tree.swap(tree);
+        cache.picturedAt = out_->text.size();
+    }
+    return cache.tree;
 }
 
 JSONWriter::ptree& JSONWriter::getOtherTree(JSONWriter& other) const {
@@ -106,147 +146,294 @@ const JSONWriter::ptree& JSONWriter::getOtherTree(const JSONWriter& other) const
     return other.getTree();
 }
 
-bool JSONWriter::empty() const {
-    return inTree_ ? tree_->empty() : count_ == 0;
-}
+// ---- text ----
 
-template <class Take>
-void JSONWriter::render_(Take take) const {
-    if (inTree_ || kind_ == Kind::LIST || own_ == nullptr) {
-        detail::TextBuffer text;
-        json::renderDocument(getTree(), text);
-        take(text.view(0), std::string_view());
-    } else {
-        take(buffer_->view(begin_ - 2), std::string_view(count_ == 0 ? "}\n" : "\n}\n"));
+std::string_view JSONWriter::textView() const {
+    checkIdle();
+    constexpr std::string_view TAIL = "\n}\n";
+    if (!treeMode_ && !list_ && depth_ == 0 && ownsText_) {
+        // The tail lies behind the text, where the next member overwrites it.
+        char* const tail = out_->text.room(TAIL.size());
+        TAIL.copy(tail, TAIL.size());
+        return {out_->text.data(), out_->text.size() + TAIL.size()};
     }
-}
-
-void JSONWriter::write(std::ostream& out) const {
-    render_([&](std::string_view text, std::string_view end) {
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.write(end.data(), static_cast<std::streamsize>(end.size()));
-        out.flush();
-    });
-    if (!out.good())
-        throw boost::property_tree::json_parser::json_parser_error("write error", "", 0);
+    json::TextBuffer& rendered = extra().rendered;
+    rendered.truncate(0);
+    json::renderDocument(rendered, getTree());
+    return rendered.view();
 }
 
 std::string JSONWriter::text() const {
-    std::string result;
-    render_([&](std::string_view text, std::string_view end) {
-        result.reserve(text.size() + end.size());
-        result.append(text).append(end);
-    });
+    return std::string(textView());
+}
+
+void JSONWriter::write(std::ostream& out) const {
+    const std::string_view text = textView();
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    out.flush();
+    if (!out.good()) {
+        throw boost::property_tree::json_parser::json_parser_error("write error", "", 0);
+    }
+}
+
+std::unique_ptr<char[]> JSONWriter::newText() {
+    const std::string_view text = textView();
+    const std::size_t size = text.size();
+    std::unique_ptr<char[]> result(new char[size + 1]);
+    // Made up front, so that nothing can fail once the text is given away.
+    const std::unique_ptr<json::SharedText> fresh(begunText(list_));
+    if (text.data() == out_->text.data()) {
+        out_->text.commit(text.data() + size);
+        out_->text.drainTo(result.get());
+        std::swap(out_->text, fresh->text);
+    } else {
+        extra_->rendered.drainTo(result.get());
+    }
+    if (treeMode_) extra_->tree.clear();
+    clear();
+    treeMode_ = false;
+    result[size] = '\0';
     return result;
 }
 
-std::unique_ptr<char[]> JSONWriter::newText() const {
-    std::unique_ptr<char[]> result;
-    render_([&](std::string_view text, std::string_view end) {
-        result.reset(new char[text.size() + end.size() + 1]);
-        std::memcpy(result.get(), text.data(), text.size());
-        std::memcpy(result.get() + text.size(), end.data(), end.size());
-        result[text.size() + end.size()] = '\0';
-    });
-    return result;
+// ---- children ----
+
+void JSONWriter::finish() {
+    if (treeMode_ || ownsText_) {
+        finishTree();
+    } else {
+        finishText();
+    }
 }
 
-JSONWriter::Mark JSONWriter::mark_() const {
-    return {buffer_->size(), count_, buffer_->keys.size(), bloom_};
-}
-
-void JSONWriter::goBack_(const Mark& mark) {
-    buffer_->truncate(mark.size);
-    buffer_->keys.resize(mark.keys);
-    count_ = mark.count;
-    bloom_ = mark.bloom;
-}
-
-void JSONWriter::beginMember_(std::string_view key) {
-    if (count_++ != 0) buffer_->append(",\n");
-    buffer_->appendBlanks(INDENT * levels_());
-    if (kind_ == Kind::LIST) return;
-    const std::uint32_t hash = hashOf(key);
-    bloom_ |= bitOf(hash);
-    buffer_->keys.push_back(hash);
-    buffer_->appendQuoted(key);
-    buffer_->append(": ");
-}
-
-bool JSONWriter::mayHave_(std::string_view key) const {
-    const std::uint32_t hash = hashOf(key);
-    if ((bloom_ & bitOf(hash)) == 0) return false;
-    const auto& keys = buffer_->keys;
-    return std::find(keys.begin() + static_cast<std::ptrdiff_t>(keysBegin_), keys.end(), hash) !=
-           keys.end();
-}
-
-void JSONWriter::addText_(std::string_view value) {
-    buffer_->appendQuoted(value);
-}
-
-bool JSONWriter::appendWriter_(std::string_view key, const JSONWriter& sub) {
-    if (sub.inTree_) return appendTree_(key, *sub.tree_);
-    const bool isList = sub.kind_ == Kind::LIST;
-    const std::string_view content = sub.content_();
-    beginMember_(key);
-    buffer_->append(isList ? "[\n" : "{\n");
-    appendIndented(*buffer_, content, INDENT * levels_());
-    buffer_->append('\n');
-    buffer_->appendBlanks(INDENT * levels_());
-    buffer_->append(isList ? ']' : '}');
-    return true;
-}
-
-bool JSONWriter::appendTree_(std::string_view key, const ptree& sub) {
-    if (!json::isRepresentable(sub)) return false;
-    beginMember_(key);
-    json::render(sub, levels_(), *buffer_);
-    return true;
-}
-
-template <class Child>
-void JSONWriter::addChild_(std::string_view key, FillCall<Child> fill) {
-    if (inTree_ || (kind_ == Kind::OBJECT && key.empty())) {
-        Child alone;
-        fill.call(fill.function, alone);
-        if (!alone.empty()) addToTree_(key, alone.getTree());
+void JSONWriter::finishText() {
+    json::TextBuffer& text = out_->text;
+    if (text.size() == start_) {
+        rollBack();
         return;
     }
-    const Mark before = mark_();
-    beginMember_(key);
-    buffer_->append(std::is_same_v<Child, JSONListWriter> ? "[\n" : "{\n");
+    char* out = putLineStart(text.room(INDENT * depth_ + 2), depth_);
+    *out++ = list_ ? ']' : '}';
+    text.commit(out);
+    out_->keys.resize(firstKey_);
+    parent_->keyMask_ |= maskBit(keyHash_);
+    leaveParent();
+}
+
+void JSONWriter::finishTree() {
+    useTree();
+    JSONWriter& parent = *parent_;
+    rollBack();
+    if (!extra_->tree.empty()) parent.appendChild(key_, extra_->tree);
+}
+
+void JSONWriter::rollBack() noexcept {
+    if (!ownsText_) {
+        out_->text.truncate(mark_);
+        out_->keys.resize(parent_->list_ ? firstKey_ : firstKey_ - 1);
+    }
+    leaveParent();
+}
+
+void JSONWriter::leaveParent() noexcept {
+    parent_->out_->active = parent_;
+    parent_ = nullptr;
+}
+
+// ---- members ----
+
+void JSONWriter::addText(std::string_view key, std::string_view value) {
+    if (value.empty()) return;
+    checkIdle();
+    if (takes(key) && appendScalar(key, value, Existing::REPLACED)) return;
+    useTree();
+    ptree* node = list_ ? nullptr : json::findPath(extra_->tree, key);
+    if (node == nullptr) node = &addNodeAtPath(key);
+    node->data().assign(value);
+}
+
+void JSONWriter::addLiteralText(std::string_view key, std::string_view value) {
+    if (value.empty()) return;
+    checkIdle();
+    if (!treeMode_ && !key.empty() && appendScalar(key, value, Existing::KEPT)) return;
+    useTree();
+    addNode(key).data().assign(value);
+}
+
+void JSONWriter::addWriter(std::string_view key, const JSONWriter& sub) {
+    if (sub.empty()) return;
+    checkIdle();
+    if (takes(key) && !sub.treeMode_ && sub.out_ != out_) {
+        appendCopy(key, sub);
+    } else if (sub.treeMode_) {
+        addTree(key, sub.extra_->tree);
+    } else {
+        addTree(key, sub.parsedTree());
+    }
+}
+
+void JSONWriter::addTree(std::string_view key, const ptree& sub) {
+    if (sub.empty()) return;
+    checkIdle();
+    if (takes(key) && appendRendered(key, sub)) return;
+    ptree copy(sub);
+    useTree();
+    addNodeAtPath(key).swap(copy);
+}
+
+void JSONWriter::addObjectAt(std::string_view key, const JSONSerializable* object) {
+    if (object == nullptr) return;
+    if (takes(key)) {
+        addFilled<JSONObjectWriter>(key,
+                                    [object](JSONObjectWriter& child) { object->toJSON(child); });
+    } else {
+        JSONObjectWriter apart;
+        object->toJSON(apart);
+        addWriter(key, apart);
+    }
+}
+
+void JSONWriter::addTexts(std::string_view key, const HSTVector<std::string>& values) {
+    const auto fill = [&values](JSONListWriter& list) {
+        for (const std::string& value : values) list.addItem(value);
+    };
+    if (takes(key)) {
+        addFilled<JSONListWriter>(key, fill);
+    } else {
+        JSONListWriter apart;
+        fill(apart);
+        addWriter(key, apart);
+    }
+}
+
+/// True when a member of that path can go straight into the text.
+bool JSONWriter::takes(std::string_view path) const {
+    return !treeMode_ && (list_ || json::isPlainKey(path));
+}
+
+std::uint64_t JSONWriter::hashOf(std::string_view key) const {
+    return list_ ? 0 : json::hashKey(key);
+}
+
+/// Begins a member in room that is there; `place` learns where the key stands.
+char* JSONWriter::putMemberStart(char* out, std::string_view key, KeyPlace& place) const {
+    if (out_->text.size() != start_) *out++ = ',';
+    out = putLineStart(out, depth_ + 1);
+    if (list_) return out;
+    *out++ = '"';
+    const char* const begin = out;
+    out = json::escape(out, key);
+    place.offset = static_cast<std::size_t>(begin - out_->text.data());
+    place.size = static_cast<std::size_t>(out - begin);
+    *out++ = '"';
+    *out++ = ':';
+    *out++ = ' ';
+    return out;
+}
+
+std::size_t JSONWriter::memberRoom(std::string_view key) const {
+    return json::escapeRoom(key) + INDENT * (std::size_t{depth_} + 1) + 8;
+}
+
+/// False, with nothing written, when the key is there already and its value must be replaced.
+bool JSONWriter::appendScalar(std::string_view key, std::string_view value, Existing existing) {
+    makeRoomForKey();
+    KeyPlace place{hashOf(key)};
+    char* out = out_->text.room(memberRoom(key) + json::escapeRoom(value));
+    out = putMemberStart(out, key, place);
+    if (existing == Existing::REPLACED && knows(place)) return false;
+    *out++ = '"';
+    out = json::escape(out, value);
+    *out++ = '"';
+    out_->text.commit(out);
+    remember(place);
+    return true;
+}
+
+/// Copies the text of a writer that stands alone, moved to the depth it gets here.
+void JSONWriter::appendCopy(std::string_view key, const JSONWriter& sub) {
+    makeRoomForKey();
+    const std::string_view body = sub.out_->text.view().substr(sub.start_);
+    const std::size_t to = INDENT * (std::size_t{depth_} + 1);
+    const std::size_t from = INDENT * std::size_t{sub.depth_};
+    const auto lines = static_cast<std::size_t>(std::count(body.begin(), body.end(), '\n')) + 1;
+    KeyPlace place{hashOf(key)};
+    char* out = out_->text.room(memberRoom(key) + body.size() + lines * to + 2);
+    out = putMemberStart(out, key, place);
+    *out++ = sub.list_ ? '[' : '{';
+    for (std::size_t begin = 0; begin < body.size();) {
+        const std::size_t end = std::min(body.find('\n', begin + 1), body.size());
+        *out++ = '\n';
+        out = json::putSpaces(out, to);
+        const std::string_view line = body.substr(begin + 1 + from, end - begin - 1 - from);
+        out += line.copy(out, line.size());
+        begin = end;
+    }
+    out = putLineStart(out, depth_ + 1);
+    *out++ = sub.list_ ? ']' : '}';
+    out_->text.commit(out);
+    remember(place);
+}
+
+/// False, with nothing written, when only a tree can hold the sub-tree.
+bool JSONWriter::appendRendered(std::string_view key, const ptree& sub) {
+    makeRoomForKey();
+    json::TextBuffer& text = out_->text;
+    const std::size_t before = text.size();
+    KeyPlace place{hashOf(key)};
+    text.commit(putMemberStart(text.room(memberRoom(key)), key, place));
+    bool done = false;
     try {
-        Child child(*this);
-        fill.call(fill.function, child);
-        closeChild_(child, key, before);
+        done = json::renderValue(text, sub, std::size_t{depth_} + 1);
     } catch (...) {
-        goBack_(before);
+        text.truncate(before);
         throw;
     }
+    if (done) {
+        remember(place);
+    } else {
+        text.truncate(before);
+    }
+    return done;
 }
 
-template void JSONWriter::addChild_(std::string_view, FillCall<JSONObjectWriter>);
-template void JSONWriter::addChild_(std::string_view, FillCall<JSONListWriter>);
-
-void JSONWriter::closeChild_(JSONWriter& child, std::string_view key, const Mark& before) {
-    if (child.empty()) {
-        goBack_(before);
-        return;
-    }
-    if (child.inTree_) {
-        goBack_(before);
-        if (!appendTree_(key, *child.tree_)) addToTree_(key, *child.tree_);
-        return;
-    }
-    buffer_->keys.resize(child.keysBegin_);
-    buffer_->append('\n');
-    buffer_->appendBlanks(INDENT * levels_());
-    buffer_->append(child.kind_ == Kind::LIST ? ']' : '}');
+/// Attaches the tree of a child, which is used up.
+void JSONWriter::appendChild(std::string_view key, ptree& sub) {
+    if (!treeMode_ && (list_ || !key.empty()) && appendRendered(key, sub)) return;
+    useTree();
+    addNode(key).swap(sub);
 }
 
-void JSONWriter::addToTree_(std::string_view key, const ptree& sub) {
-    useTree_().push_back({std::string(key), sub});
+JSONWriter::ptree& JSONWriter::addNode(std::string_view key) {
+    return extra_->tree.push_back({std::string(key), ptree()})->second;
+}
+
+JSONWriter::ptree& JSONWriter::addNodeAtPath(std::string_view path) {
+    return list_ ? addNode({}) : json::addPath(extra_->tree, path);
+}
+
+// ---- keys ----
+
+/// After this `remember` cannot fail.
+void JSONWriter::makeRoomForKey() {
+    auto& keys = out_->keys;
+    if (keys.size() == keys.capacity()) keys.reserve(std::max<std::size_t>(64, keys.size() * 2));
+}
+
+bool JSONWriter::knows(const KeyPlace& place) const {
+    if (list_ || (keyMask_ & maskBit(place.hash)) == 0) return false;
+    const KeyPlace* const keys = out_->keys.data() + firstKey_;
+    const std::size_t count = out_->keys.size() - firstKey_;
+    if (count > FEW_KEYS) return extra().manyKeys.holds(place, out_->text, keys, count);
+    return std::any_of(keys, keys + count, [&](const KeyPlace& other) {
+        return json::sameKey(out_->text, place, other);
+    });
+}
+
+void JSONWriter::remember(const KeyPlace& place) noexcept {
+    if (list_) return;
+    out_->keys.push_back(place);
+    keyMask_ |= maskBit(place.hash);
 }
 
 }  // namespace mav_platform

@@ -2,64 +2,41 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <string_view>
-#include <vector>
 
-namespace mav_platform::detail {
+#include "json/GrowingMemory.h"
 
-/// Growing text. Large blocks grow by remapping pages, so that growth costs no second copy in
-/// memory. Also keeps the key hashes of the open objects, innermost last.
+namespace mav_platform::json {
+
+/// Text that grows at its end. Writers ask for room, write without further checks, then commit.
 class TextBuffer {
   public:
-    TextBuffer() = default;
-    ~TextBuffer() { std::free(data_); }
-    TextBuffer(const TextBuffer&) = delete;
-    TextBuffer& operator=(const TextBuffer&) = delete;
+    /// Behind all room that is asked for, this much may be overwritten as well.
+    static constexpr std::size_t SLACK = 32;
 
-    const char* data() const { return data_; }
     std::size_t size() const { return size_; }
-    std::string_view view(std::size_t from) const { return {data_ + from, size_ - from}; }
+    const char* data() const { return memory_.data(); }
+    std::string_view view() const { return {memory_.data(), size_}; }
 
-    void append(char c) {
-        *room(1) = c;
-        ++size_;
+    /// Where the next byte goes, with room for `count` bytes. Throws std::bad_alloc.
+    char* room(std::size_t count) {
+        const std::size_t needed = size_ + count + SLACK;
+        if (needed > memory_.capacity()) memory_.grow(needed);
+        return memory_.data() + size_;
     }
-    void append(std::string_view text) {
-        if (text.empty()) return;
-        std::memcpy(room(text.size()), text.data(), text.size());
-        size_ += text.size();
-    }
-    void appendBlanks(std::size_t count) {
-        std::memset(room(count), ' ', count);
-        size_ += count;
-    }
-    /// The text as JSON writes it between quotes.
-    void appendEscaped(std::string_view text);
-    /// The quotes, too.
-    void appendQuoted(std::string_view text) {
-        append('"');
-        appendEscaped(text);
-        append('"');
-    }
+    /// Takes over what was written up to `end`.
+    void commit(const char* end) { size_ = static_cast<std::size_t>(end - memory_.data()); }
     void truncate(std::size_t size) { size_ = size; }
 
-    std::vector<std::uint32_t> keys;
+    /// Copies the text to `out` and leaves the buffer empty and without memory.
+    void drainTo(char* out) noexcept {
+        memory_.drainTo(out, size_);
+        size_ = 0;
+    }
 
   private:
-    /// Room for `more` bytes behind the text.
-    char* room(std::size_t more) {
-        if (capacity_ - size_ < more) grow(more);
-        return data_ + size_;
-    }
-    void grow(std::size_t more);
-
-    char* data_ = nullptr;
+    GrowingMemory memory_;
     std::size_t size_ = 0;
-    std::size_t capacity_ = 0;
 };
 
-}  // namespace mav_platform::detail
+}  // namespace mav_platform::json

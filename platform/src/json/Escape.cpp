@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "json/Escape.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace mav_platform::json {
+
+namespace {
+
+/// For each byte: 0 as it stands, 'u' as \u00XX, else the letter behind the reverse solidus.
+constexpr std::array<char, 256> makeEscapes() {
+    std::array<char, 256> escapes{};
+    for (std::size_t c = 0; c < 0x20; ++c) escapes[c] = 'u';
+    escapes['\b'] = 'b';
+    escapes['\f'] = 'f';
+    escapes['\n'] = 'n';
+    escapes['\r'] = 'r';
+    escapes['\t'] = 't';
+    escapes['/'] = '/';
+    escapes['"'] = '"';
+    escapes['\\'] = '\\';
+    return escapes;
+}
+constexpr std::array<char, 256> ESCAPES = makeEscapes();
+constexpr std::size_t LONGEST_ESCAPE = 6;
+
+char* putByte(char* out, char c) {
+    const char letter = ESCAPES[static_cast<unsigned char>(c)];
+    if (letter == 0) {
+        *out++ = c;
+        return out;
+    }
+    *out++ = '\\';
+    *out++ = letter;
+    if (letter == 'u') {
+        constexpr std::string_view DIGITS = "0123456789ABCDEF";
+        const auto code = static_cast<unsigned char>(c);
+        *out++ = '0';
+        *out++ = '0';
+        *out++ = DIGITS[code >> 4];
+        *out++ = DIGITS[code & 15U];
+    }
+    return out;
+}
+
+char* putBytes(char* out, const char* cur, const char* end) {
+    for (; cur != end; ++cur) out = putByte(out, *cur);
+    return out;
+}
+
+#if defined(__SSE2__)
+
+unsigned specials(__m128i bytes) {
+    const __m128i control = _mm_set1_epi8(0x1F);
+    const __m128i hits =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')),
+                                  _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\'))),
+                     _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('/')),
+                                  _mm_cmpeq_epi8(_mm_min_epu8(bytes, control), bytes)));
+    return static_cast<unsigned>(_mm_movemask_epi8(hits));
+}
+
+template <class Word>
+Word load(const char* from) {
+    Word word;
+    std::memcpy(&word, from, sizeof(word));
+    return word;
+}
+
+/// Fewer than 16 bytes: two words that overlap when nothing needs an escape.
+char* putShort(char* out, const char* cur, const char* end) {
+    const auto size = static_cast<std::size_t>(end - cur);
+    if (size >= 8) {
+        const auto head = load<long long>(cur);
+        const auto tail = load<long long>(end - 8);
+        if (specials(_mm_set_epi64x(tail, head)) != 0) return putBytes(out, cur, end);
+        std::memcpy(out, &head, 8);
+        std::memcpy(out + size - 8, &tail, 8);
+        return out + size;
+    }
+    if (size >= 4) {
+        const auto head = load<int>(cur);
+        const auto tail = load<int>(end - 4);
+        if (specials(_mm_set_epi32(tail, head, tail, head)) != 0) return putBytes(out, cur, end);
+        std::memcpy(out, &head, 4);
+        std::memcpy(out + size - 4, &tail, 4);
+        return out + size;
+    }
+    return putBytes(out, cur, end);
+}
+
+#endif
+
+}  // namespace
+
+char* escape(char* out, std::string_view text) {
+    const char* cur = text.data();
+    const char* const end = cur + text.size();
+#if defined(__SSE2__)
+    while (end - cur >= 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(cur));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
+        const unsigned mask = specials(bytes);
+        if (mask == 0) {
+            cur += 16;
+            out += 16;
+        } else {
+            const int plain = __builtin_ctz(mask);
+            out = putByte(out + plain, cur[plain]);
+            cur += plain + 1;
+        }
+    }
+    return putShort(out, cur, end);
+#else
+    return putBytes(out, cur, end);
+#endif
+}
+
+std::size_t escapeRoom(std::string_view text) {
+    constexpr std::size_t SHORT = 4096;
+    if (text.size() <= SHORT) return LONGEST_ESCAPE * text.size();
+    std::size_t room = text.size();
+    for (const char c : text) {
+        const char letter = ESCAPES[static_cast<unsigned char>(c)];
+        if (letter != 0) room += letter == 'u' ? LONGEST_ESCAPE - 1 : 1;
+    }
+    return room;
+}
+
+const char* unescape(const char* cur, std::string& out) {
+    for (;;) {
+        const char* const plain = cur;
+        while (*cur != '"' && *cur != '\\') ++cur;
+        out.append(plain, cur);
+        if (*cur == '"') return cur + 1;
+        const char letter = cur[1];
+        cur += 2;
+        if (letter == 'u') {
+            const auto digit = [](char c) { return c <= '9' ? c - '0' : c - 'A' + 10; };
+            out += static_cast<char>(digit(cur[2]) * 16 + digit(cur[3]));
+            cur += 4;
+        } else {
+            constexpr std::string_view LETTERS = "bfnrt";
+            constexpr std::string_view MEANING = "\b\f\n\r\t";
+            const std::size_t index = LETTERS.find(letter);
+            out += index == std::string_view::npos ? letter : MEANING[index];
+        }
+    }
+}
+
+char* putSpaces(char* out, std::size_t count) {
+    constexpr std::string_view SPACES = "                ";
+    char* const end = out + count;
+    for (; out < end; out += SPACES.size()) std::memcpy(out, SPACES.data(), SPACES.size());
+    return end;
+}
+
+}  // namespace mav_platform::json

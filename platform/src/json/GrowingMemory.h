@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+namespace mav_platform::json {
+
+/// Raw memory that grows. Small blocks come from the heap; large ones are pages of their own that
+/// move without being copied, so that growing never holds two copies and untouched room costs
+/// nothing.
+class GrowingMemory {
+  public:
+    GrowingMemory() = default;
+    GrowingMemory(GrowingMemory&& other) noexcept
+        : data_(std::exchange(other.data_, nullptr)),
+          capacity_(std::exchange(other.capacity_, 0)) {}
+    GrowingMemory& operator=(GrowingMemory&& other) noexcept {
+        std::swap(data_, other.data_);
+        std::swap(capacity_, other.capacity_);
+        return *this;
+    }
+    ~GrowingMemory() { release(); }
+
+    /// Null until the first growth.
+    char* data() const { return data_; }
+    std::size_t capacity() const { return capacity_; }
+
+    /// Makes the capacity at least `needed`, at least doubling it; the content is kept. Throws
+    /// std::bad_alloc and leaves everything as it was.
+    void grow(std::size_t needed);
+    /// Gives all memory back.
+    void release() noexcept;
+
+    /// Copies the first `size` bytes to `out` and gives the pages back while going, so that the
+    /// content is never held twice. The content is lost.
+    void drainTo(char* out, std::size_t size) noexcept;
+
+  private:
+    bool paged() const { return capacity_ >= PAGED_FROM; }
+    static constexpr std::size_t PAGED_FROM = std::size_t{1} << 20;
+
+    char* data_ = nullptr;
+    std::size_t capacity_ = 0;
+};
+
+}  // namespace mav_platform::json

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "json/Document.h"
+
+namespace mav_platform::json {
+
+/// One run over a text: fills the cells and decodes strings in place. Grammar, leniencies and error
+/// texts are those of Boost.PropertyTree's reader; see docs/json.md.
+class Parser {
+  public:
+    Parser(char* text, std::size_t size, std::string_view fileName, GrowingMemory& cells)
+        : text_(text), cur_(text), end_(text + size), fileName_(fileName), cells_(cells) {}
+
+    /// Throws json_parser_error at the first fault; the cells are then of no use.
+    void run();
+
+  private:
+    struct Level {
+        std::uint32_t cell;
+        bool object;
+    };
+
+    [[noreturn]] void fail(const char* message) const;
+    bool have(char c) {
+        if (cur_ == end_ || *cur_ != c) return false;
+        ++cur_;
+        return true;
+    }
+    void expect(char c, const char* message) {
+        if (!have(c)) fail(message);
+    }
+    void skipWhiteSpace() {
+        if (cur_ != end_ && static_cast<unsigned char>(*cur_) > ' ') return;
+        skipWhiteSpaceRun();
+    }
+    void skipWhiteSpaceRun();
+    void skipByteOrderMark();
+    Cell& cell(std::uint32_t index) { return data()[index]; }
+    Cell* data() { return static_cast<Cell*>(static_cast<void*>(cells_.data())); }
+    Cell& addCell();
+    void growCells();
+
+    /// Reads the start of a value; true when the next thing is another value below it.
+    bool value();
+    bool open(bool object, char close);
+    /// Behind a value: closes what ends here; false when the whole text is read.
+    bool nextValue();
+    void key();
+    void string(std::uint32_t& offset, std::uint32_t& size);
+    char* specialCharacters(char* out);
+    char* multiByte(char* out);
+    char* escape(char* out);
+    char* codepointReference(char* out);
+    unsigned hexQuad();
+    void word(Cell& cell, const char* rest, const char* message);
+    void number(Cell& cell);
+    void digits(const char* message);
+
+    char* text_;
+    char* cur_;
+    char* end_;
+    std::string_view fileName_;
+    GrowingMemory& cells_;
+    std::uint32_t count_ = 0;
+    std::uint32_t room_ = 0;
+    unsigned depth_ = 0;
+    unsigned long line_ = 1;
+    std::uint32_t key_ = 0;
+    std::uint32_t keySize_ = 0;
+    std::array<Level, Document::MAX_DEPTH> levels_;
+};
+
+}  // namespace mav_platform::json

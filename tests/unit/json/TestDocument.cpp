@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "json/Document.h"
+#include "json/Gather.h"
+#include "unit/json/JsonReference.h"
+
+using mav_platform::json::dataOf;
+using mav_platform::json::Document;
+using mav_platform::json::gather;
+using mav_platform::json::Node;
+using namespace std::string_view_literals;
+
+namespace {
+
+std::string show(std::string_view text) {
+    std::string shown;
+    for (const char c : text) {
+        constexpr std::string_view HEX = "0123456789abcdef";
+        const auto code = static_cast<unsigned char>(c);
+        if (code >= ' ' && code < 0x7F) {
+            shown += c;
+        } else {
+            shown.append({'<', HEX[code >> 4U], HEX[code & 15U], '>'});
+        }
+    }
+    return shown;
+}
+
+/// Accepted with the same tree, or refused with the same words, as Boost does. True when accepted.
+bool agreesWithBoost(std::string_view text) {
+    const BoostRead expected{std::string(text)};
+    std::string error;
+    try {
+        const Document document{std::string(text)};
+        EXPECT_EQ(expected.error, "") << "only we accept " << show(text);
+        EXPECT_EQ(document.tree(), expected.tree) << show(text);
+    } catch (const json_parser_error& failure) {
+        error = failure.what();
+        EXPECT_EQ(error, expected.error) << show(text);
+    }
+    return error.empty();
+}
+
+/// A random text that is mostly well-formed; `depth` bounds the nesting.
+std::string randomValue(Dice& dice, int depth) {
+    static constexpr std::string_view SCALARS[] = {"true",
+                                                   "false",
+                                                   "null",
+                                                   "0",
+                                                   "-0",
+                                                   "12",
+                                                   "-3.25e+7",
+                                                   "1E400",
+                                                   "\"\"",
+                                                   "\"a b\"",
+                                                   "\"\\u00e9\\n\\/\"",
+                                                   "\"\\ud83d\\ude00\"",
+                                                   "\"caf\xC3\xA9\"",
+                                                   "\"long enough for a block\"",
+                                                   "\"sixteen bytes ++\\\\ and more\""};
+    static constexpr std::string_view SPACES[] = {"",   "",       " ",
+                                                  "\n", "\r\n\t", "\n                  "};
+    if (depth == 0 || dice.roll(3) == 0) return std::string(dice.pick(SCALARS));
+    const bool object = dice.roll(2) == 0;
+    std::string text(object ? "{" : "[");
+    for (std::size_t left = dice.roll(4); left > 0; --left) {
+        text += dice.pick(SPACES);
+        if (object) text.append("\"k").append(std::to_string(dice.roll(3))).append("\":");
+        text += dice.pick(SPACES);
+        text += randomValue(dice, depth - 1);
+        text += dice.pick(SPACES);
+        if (left > 1) text += ',';
+    }
+    return text + (object ? "}" : "]");
+}
+
+std::string nested(std::size_t depth, char open, char close) {
+    return std::string(depth, open) + std::string(depth, close);
+}
+
+}  // namespace
+
+TEST(Document, ReadsAndRefusesTrickyTextsAsBoostDoes) {
+    static constexpr std::string_view TEXTS[] = {
+        // scalars at the root, white space, what follows
+        "", " ", "\n\n", "{}", "[]", " { } ", "\"x\"", "12", "true", "nullx", "{} {}", "[1]\n\n]",
+        "{}\0"sv, "\0{}"sv, "\v{}", "{}\f", "// c\n{}", "{\"a\":1}\n\n  garbage",
+        // literals and numbers
+        "tru", "truE", "f", "falsy", "n", "nul", "nil", "True", "-", "-a", "--1", "+1", "01", "00",
+        "0", "-0", "0.", "0.0", ".5", "1.", "1.e3", "1e", "1e+", "1e-07", "1E5", "1e999", "1.5.2",
+        "0x10", "123456789012345678901234567890", "[-]", "[1 2]", "NaN", "Infinity", "1e5x",
+        // structure
+        "[", "[1", "[1,", "[1,]", "[,1]", "[}", "{", "{\"a\"", "{\"a\":", "{\"a\":1", "{\"a\":1,",
+        "{,}", "{\"a\":1,}", "{\"a\" 1}", "{a:1}", "{1:1}", "{\"a\":}", "{\"a\"::1}", "{\"a\":1]",
+        "[1}", "]", "{\"a\":1\n\n\"b\":2}", "{\"a\":{\"b\":[[],{},[{}]]}}", "[[[]],[]]",
+        "{\"a\":{},\"b\":\"\"}", "{\"a\":1,\"b\":2,\"a\":3}", "{\"\":1,\"\":2}", "{\"\":{\"\":[]}}",
+        "{\"a.b\":{\".\":1}}",
+        // strings and escapes
+        "\"", "\"abc", "\"\\", "\"\\\"", "\"\\\"\"", "\"\\x\"", "\"\\a\"", "\"\\'\"", "\"\\0\"",
+        "\"\\b\\f\\n\\r\\t\\/\\\\\\\"\"", "\"\\u\"", "\"\\u12\"", "\"\\u12", "\"\\u12G4\"",
+        "\"\\u0041\"", "\"\\u0000\"", "\"\\u007f\\u0080\\u07FF\\u0800\\uffff\"", "\"\\uD800\"",
+        "\"\\uD800x\"", "\"\\uD800\\n\"", "\"\\uD800\\u0041\"", "\"\\uD800\\uD800\"", "\"\\uDC00\"",
+        "\"\\uDBFF\\uDFFF\"", "\"\\ud83d\\ude0\"", "\"\\ud83d\\", "\"line\nbreak\"", "[\n\"a\tb\"]",
+        "\"\x1f\"", "\"\x7f\"", "\"nul\0inside\""sv, "\"0123456789abcdef\"",
+        "\"0123456789abcde\\n0123456789abcdef\"", "\"0123456789abcdef\x01\"",
+        "{\"key\\u0041\\ud83d\\ude00\":\"v\"}", "{\"k\n\":1}",
+        // bytes above ASCII: lead and trail bytes are checked, overlong forms and surrogates are
+        // not
+        "\"\xC3\xA9\"", "\"\xE2\x82\xAC\"", "\"\xF0\x9F\x98\x80\"", "\"\xC0\x80\"",
+        "\"\xED\xA0\x80\"", "\"\xF7\xBF\xBF\xBF\"", "\"\xF8\x88\x80\x80\x80\"", "\"\x80\"",
+        "\"\xBF\"", "\"\xC3\"", "\"\xC3\x28\"", "\"\xE2\x82\"", "\"\xE2\x28\xA1\"",
+        "\"\xF0\x9F\x98\"", "\"\xC3", "\"\xFF\"", "\xC3\xA9",
+        "\"0123456789abcdef\xC3\xA9 and \\u00e9 \xE2\x82\xAC\"", "\"\\n\xF0\x9F\x98\x80\\n\"",
+        // byte-order marks
+        "\xEF\xBB\xBF{}", "\xEF\xBB\xBF", "\xEF\xBB", "\xEF", "\xEFxx[1]", "\xEF\n\n?",
+        "\xFE\xFF{}", " \xEF\xBB\xBF{}"};
+    std::size_t accepted = 0;
+    for (const std::string_view text : TEXTS) accepted += agreesWithBoost(text) ? 1U : 0U;
+    EXPECT_GT(accepted, 30U);
+    EXPECT_LT(accepted, std::size(TEXTS) - 40);
+}
+
+TEST(Document, ReadsAndRefusesGeneratedTextsAsBoostDoes) {
+    static constexpr std::string_view PIECES[] = {
+        "\"", "\\", "{", "}",    "[",    "]",   ",",       ":",    "\n", "0",
+        "e",  "-",  ".", "\x80", "\xC3", "\\u", "\\ud800", "\x01", " ",  "t"};
+    Dice dice(41);
+    std::size_t accepted = 0;
+    std::size_t refused = 0;
+    for (int round = 0; round < 4000; ++round) {
+        std::string text = randomValue(dice, 4);
+        ASSERT_TRUE(agreesWithBoost(text)) << show(text);
+        for (int change = 0; change < 3; ++change) {
+            const std::size_t at = dice.roll(text.size() + 1);
+            text.replace(at, dice.roll(3), dice.pick(PIECES));
+            ++(agreesWithBoost(text) ? accepted : refused);
+        }
+        ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_GT(accepted, 500U);
+    EXPECT_GT(refused, 4000U);
+}
+
+TEST(Document, EveryTruncationIsRefusedAsBoostRefusesIt) {
+    const std::string text =
+        "{\n  \"name\": \"caf\xC3\xA9 \\u00e9\\ud83d\\ude00 0123456789abcdef\",\n  \"list\": "
+        "[1.5e-7, "
+        "true, null, {\"a\": []}]\n}";
+    for (std::size_t size = 0; size < text.size(); ++size) {
+        EXPECT_FALSE(agreesWithBoost(std::string_view(text).substr(0, size)));
+    }
+    EXPECT_TRUE(agreesWithBoost(text));
+}
+
+TEST(Document, NestingIsBounded) {
+    EXPECT_TRUE(agreesWithBoost(nested(512, '[', ']')));
+    for (const std::string& text :
+         {nested(513, '[', ']'), std::string(100000, '['), "\n" + nested(513, '[', ']')}) {
+        try {
+            const Document document{text};
+            FAIL() << "accepted " << text.size() << " bytes";
+        } catch (const json_parser_error& error) {
+            EXPECT_EQ(error.message(), "nesting deeper than 512 levels");
+            EXPECT_EQ(error.line(), text[0] == '\n' ? 2U : 1U);
+        }
+    }
+    std::string objects;
+    for (int i = 0; i < 513; ++i) objects += "{\"k\":";
+    EXPECT_THROW(Document{objects}, json_parser_error);
+    // What is closed again does not count.
+    std::string row = "[";
+    for (int i = 0; i < 2000; ++i) row += "[[]],";
+    EXPECT_TRUE(agreesWithBoost(row + "1]"));
+}
+
+TEST(Document, FileNameAppearsInErrors) {
+    try {
+        const Document document(std::string("{\n?"), "dir/meta.json");
+        FAIL();
+    } catch (const json_parser_error& error) {
+        EXPECT_STREQ(error.what(), "dir/meta.json(2): expected key string");
+        EXPECT_EQ(error.filename(), "dir/meta.json");
+    }
+}
+
+TEST(Document, NodesGiveKeysDataAndChildrenInOrder) {
+    Document first{R"({"a":"1","n":null,"deep":{"x":[10,{"y":"z"}],"e":{}},"a":"2"})"};
+    // A short text lies inside its string object; nodes must survive that object's move.
+    Document small{R"([7])"};
+    const Document document = std::move(first);
+    const Document moved = std::move(small);
+    EXPECT_EQ(moved.root().begin()->data(), "7");
+
+    const Node root = document.root();
+    std::string seen;
+    for (const Node& child : root) {
+        seen.append(child.key()).append("=").append(child.data()).append(";");
+    }
+    EXPECT_EQ(seen, "a=1;n=null;deep=;a=2;");
+    EXPECT_EQ(root.find("a")->data(), "1");
+    EXPECT_FALSE(root.find("deep.x"));
+    const Node deep = *root.find("deep");
+    EXPECT_TRUE(deep.hasChildren());
+    EXPECT_FALSE(deep.find("e")->hasChildren());
+    EXPECT_EQ(deep.find("x")->begin()->data(), "10");
+    EXPECT_EQ(deep.tree(), BoostRead(R"({"x":[10,{"y":"z"}],"e":{}})").tree);
+}
+
+TEST(Gather, FillsOneSlotPerNameWithTheFirstOfEqualKeys) {
+    static constexpr std::array<std::string_view, 4> NAMES{"name", "type", "size", "mode"};
+    const Document ordered{R"({"name":"n","type":"t","size":"s","mode":"m"})"};
+    const Document mixed{
+        R"({"mode":"m","other":1,"size":"","name":"n","mode":"again","name":"again","x.type":2})"};
+    const auto all = gather(ordered.root(), NAMES);
+    EXPECT_EQ(dataOf(all[0]), "n");
+    EXPECT_EQ(dataOf(all[3]), "m");
+    const auto some = gather(mixed.root(), NAMES);
+    EXPECT_EQ(dataOf(some[0]), "n");
+    EXPECT_FALSE(some[1].has_value());
+    EXPECT_TRUE(some[2].has_value());
+    EXPECT_EQ(dataOf(some[2]), "");
+    EXPECT_EQ(dataOf(some[3]), "m");
+    EXPECT_EQ(dataOf(some[1]), "");
+}
