@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "mav_host/Export.h"
+
+class HMAVPlatform;
+class HMAVReconfigurablePartition;
+
+namespace mav_platform {
+
+class OpenArchives;
+
+/// Turns the path of one platform file into one platform. The extension alone, exact and
+/// case-sensitive, tells the kind: ".dsa" and ".pka" are hardware archives, ".spfm" is a software
+/// platform, anything else a platform description.
+///
+/// A description is parsed in the constructor; what it refers to is read by the first `load`. Used
+/// by one thread at a time.
+class MAV_API PlatformLoader {
+  public:
+    /// How the metadata of hardware archives is read.
+    enum HwMetadataMode : int {
+        HW_METADATA_AUTO = 0,          ///< JSON, the "alt_" member before the primary one, else XML
+        HW_METADATA_PRIMARY_JSON = 1,  ///< JSON only when the primary member is there, else XML
+        HW_METADATA_XML = 2            ///< always the device support XML reader
+    };
+
+    enum PlatformFileKind : int {
+        HARDWARE_ARCHIVE = 0,
+        SOFTWARE_PLATFORM = 1,
+        PLATFORM_DESCRIPTION = 2
+    };
+
+    /// Throws HEXFileNotFoundException for a description that does not exist and
+    /// PlatformParseException "failed to parse the QPFM file" for one that does not parse. An empty
+    /// path is accepted here and refused by `load`.
+    PlatformLoader(const std::string& path, HwMetadataMode mode);
+    ~PlatformLoader();
+    PlatformLoader(const PlatformLoader&) = delete;
+    PlatformLoader& operator=(const PlatformLoader&) = delete;
+
+    /// The platform with everything it refers to; the same object at every call after a success,
+    /// without reading anything again. Empty when a file is missing or does not parse: the reason
+    /// is reported through "@74-60@%s" and every later call answers empty too. Other exceptions
+    /// pass.
+    std::shared_ptr<HMAVPlatform> load();
+
+    /// What the platform says of itself; empty texts after a failed `load`.
+    std::string getName() const;
+    std::string getVendor() const;
+    std::string getDescription() const;
+    std::string getVersion() const;
+    /// The platform's own file, which for an archive is known only after `load`.
+    std::string getFilePath() const;
+    std::string getBaseName() const;
+    std::string getHardwarePlatformFile() const;
+    std::string getHardwareEmuPlatformFile() const;
+    std::string getSoftwarePlatformFile() const;
+
+  private:
+    void parseDescription_();
+    void attachAll_();
+    void attachHardwarePlatform();
+    void attachHardwareEmulationPlatform();
+    void attachMergedHardwareEmulationPlatform_();
+    void attachSoftwarePlatform();
+    void loadReconfigurablePartitions_();
+    void attachHardwarePlatform_(HMAVReconfigurablePartition* partition);
+    void attachHardwareEmulationPlatform_(HMAVReconfigurablePartition* partition);
+
+    std::shared_ptr<HMAVPlatform> platform_;
+    std::string filePath_;
+    PlatformFileKind fileKind_ = PLATFORM_DESCRIPTION;
+    bool loaded_ = false;
+    HwMetadataMode hwMetadataMode_;
+    std::unique_ptr<OpenArchives> archives_;
+};
+
+}  // namespace mav_platform

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "formats/metadata/Fields.h"
+
+namespace mav_platform::metadata {
+namespace {
+
+/// True when a childless value stands for "nothing here".
+bool isNothing(const json::Node& node) {
+    return node.data().empty() || node.data() == "null";
+}
+
+/// True for a list, false for an object; both have children.
+bool isList(const json::Node& node) {
+    return (*node.begin()).key().empty();
+}
+
+std::string shown(std::string_view text) {
+    constexpr std::size_t LONGEST = 60;
+    std::string quoted = "'";
+    quoted.append(text.substr(0, LONGEST)).append(text.size() > LONGEST ? "…'" : "'");
+    return quoted;
+}
+
+bool requireChildren(const json::Node& node, bool list) {
+    const std::string expected = list ? "a list" : "an object";
+    if (node.hasChildren()) {
+        if (isList(node) == list) return true;
+        throw ConversionError("holds " + std::string(list ? "an object" : "a list") + " where " +
+                              expected + " is expected");
+    }
+    if (isNothing(node)) return false;
+    throw ConversionError("holds the text " + shown(node.data()) + " where " + expected +
+                          " is expected");
+}
+
+}  // namespace
+
+std::string Trail::text() const {
+    std::string text;
+    for (const Step& step : steps_) {
+        if (step.index != NONE) {
+            text.append("[").append(std::to_string(step.index)).append("]");
+        } else {
+            if (!text.empty()) text += ".";
+            text += step.key;
+        }
+    }
+    return text;
+}
+
+void Trail::noteDuplicate(std::string_view key) {
+    if (duplicates_.size() >= MAX_DUPLICATES) return;
+    const std::string place = text();
+    duplicates_.push_back(place.empty() ? std::string(key) : place + "." + std::string(key));
+}
+
+void requireText(const json::Node& node) {
+    if (!node.hasChildren()) return;
+    throw ConversionError(std::string("holds ") + (isList(node) ? "a list" : "an object") +
+                          " where a text is expected");
+}
+
+bool requireList(const json::Node& node) {
+    return requireChildren(node, true);
+}
+
+bool requireObject(const json::Node& node) {
+    return requireChildren(node, false);
+}
+
+unsigned long long decimalOrHex(const json::Node& node) {
+    requireText(node);
+    if (node.data().empty()) return 0;
+    if (const auto value = json::toDecimalOrHex(node.data())) return *value;
+    throw ConversionError(shown(node.data()) +
+                          " is no decimal number and no hexadecimal one with "
+                          "0x");
+}
+
+}  // namespace mav_platform::metadata

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "formats/metadata/HMAVDsaJsonReader.h"
+
+#include <boost/property_tree/json_parser/error.hpp>
+#include <exception>
+#include <fstream>
+#include <sstream>
+#include <utility>
+
+#include "archive/OpenArchives.h"
+#include "formats/metadata/Fields.h"
+#include "json/Document.h"
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HI18N.h"
+#include "mav_host/HUTFile.h"
+#include "mav_platform/HPLPlatform.h"
+
+namespace {
+
+using Mode = HMAVDsaJsonReader::Mode;
+
+void reportParse(const std::string& path, const std::string& text) {
+    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-63@%s%s", {path, text});
+}
+
+void reportMember(std::uint32_t mask, const std::string& path, const std::string& member,
+                  const std::string& text) {
+    ComMsgMgr::sendMsg(1, "platform", mask, "@74-64@%s%s%s", {path, member, text});
+}
+
+}  // namespace
+
+HMAVDsaJsonReader::HMAVDsaJsonReader(HPLPlatform* platform, mav_platform::OpenArchives* archives)
+    : platform_(platform), archives_(archives) {
+    if (archives_ != nullptr) return;
+    own_ = std::make_unique<mav_platform::OpenArchives>();
+    archives_ = own_.get();
+}
+
+HMAVDsaJsonReader::~HMAVDsaJsonReader() = default;
+
+bool HMAVDsaJsonReader::canParse_(const std::string& path, Mode mode, const std::string& primary,
+                                  const std::string& alternative, std::string& member) {
+    bool hasPrimary = false;
+    bool hasAlternative = false;
+    try {
+        const mav_host::ZipArchive& archive = archives_->open(path);
+        hasPrimary = archive.contains(primary);
+        hasAlternative = archive.contains(alternative);
+    } catch (const HEXError&) {
+        // What cannot be opened holds neither member; whoever reads on reports the reason.
+        return false;
+    }
+    member = hasAlternative ? alternative : primary;
+    return mode == Mode::HW_METADATA_PRIMARY_JSON ? hasPrimary : hasPrimary || hasAlternative;
+}
+
+bool HMAVDsaJsonReader::canParse(const std::string& path, Mode mode, std::string& member) {
+    if (!HUTPathUtils::exists(path)) {
+        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-66@%s", {path});
+        return false;
+    }
+    if (mode == Mode::HW_METADATA_XML) return false;
+    platform_->setPlatformFile(HUTFile::getCanonicalName(path));
+    return canParse_(path, mode, platform_->getJsonFileName(), platform_->getAltJsonFileName(),
+                     member);
+}
+
+bool HMAVDsaJsonReader::canParseHwEmu(const std::string& path, Mode mode, std::string& member) {
+    if (!HUTPathUtils::exists(path)) {
+        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-66@%s", {path});
+        return false;
+    }
+    if (mode == Mode::HW_METADATA_XML) return false;
+    platform_->setPlatformFile(HUTFile::getCanonicalName(path));
+    return canParse_(path, mode, platform_->getHwEmuJsonFileName(),
+                     platform_->getAltHwEmuJsonFileName(), member);
+}
+
+bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
+    std::string member;
+    if (canParse(path, mode, member)) return parseMember_(path, member);
+    reportDeclined_(path, mode);
+    return false;
+}
+
+bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
+    std::string member;
+    return canParseHwEmu(path, mode, member) && parseMember_(path, member);
+}
+
+void HMAVDsaJsonReader::reportDeclined_(const std::string& path, Mode mode) {
+    if (!HUTPathUtils::exists(path)) return;  // canParse has reported it
+    if (mode == Mode::HW_METADATA_XML) {
+        reportParse(path, "the metadata mode asks for device support XML, which is not read");
+        return;
+    }
+    try {
+        archives_->open(path);
+        reportParse(path, "no JSON metadata member ('" + platform_->getAltJsonFileName() +
+                              "' or '" + platform_->getJsonFileName() +
+                              "') that the metadata mode admits is in the archive");
+    } catch (const HEXError& error) {
+        reportParse(path, error.what());
+    }
+}
+
+bool HMAVDsaJsonReader::parseMember_(const std::string& path, const std::string& member) {
+    std::string text;
+    try {
+        text = archives_->open(path).read(member, HUTZip::MAX_METADATA_SIZE);
+    } catch (const HEXError& error) {
+        reportMember(ComMsgMgr::ERROR, path, member, error.what());
+        return false;
+    }
+    return parseDocument_(std::move(text), path, member);
+}
+
+bool HMAVDsaJsonReader::parseFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (!HUTFile::isFile(path) || !(text << file.rdbuf())) {
+        reportParse(path, "the file cannot be read or is empty");
+        return false;
+    }
+    return parseDocument_(std::move(text).str(), path, HUTPathUtils::stem(path));
+}
+
+bool HMAVDsaJsonReader::parseJsonString(const std::string& text) {
+    return parseDocument_(text, "text", platform_->getJsonFileName());
+}
+
+bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path,
+                                       const std::string& member) {
+    namespace json_parser = boost::property_tree::json_parser;
+    if (text.empty()) {
+        reportMember(ComMsgMgr::ERROR, path, member, "the member is empty");
+        return false;
+    }
+    if (!HI18N_isAscii(text)) text = HI18N_convertToUTF8(text);
+    Trail trail;
+    try {
+        const mav_platform::json::Document document(std::move(text));
+        parseRoot_(*platform_, document.root(), trail);
+    } catch (const json_parser::json_parser_error& error) {
+        reportMember(ComMsgMgr::ERROR, path, member,
+                     "line " + std::to_string(error.line()) + ": " + error.message());
+        return false;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        const std::string place = trail.text();
+        reportParse(path,
+                    member + ": " + (place.empty() ? "" : "'" + place + "': ") + error.what());
+        return false;
+    }
+    for (const std::string& key : trail.duplicates()) {
+        reportMember(ComMsgMgr::WARNING, path, member,
+                     "the key '" + key + "' stands more than once; the first one counts");
+    }
+    return true;
+}
