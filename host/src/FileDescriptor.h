@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <string>
@@ -38,5 +39,12 @@ inline bool syncPath(const std::string& path) {
     const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     return fd.isOpen() && ::fsync(fd.get()) == 0;
 }
+
+/// The mode of a new file: what the process's mask leaves of 0666. Read without changing the mask
+/// where the system shows it, because the tool's other threads may be making files.
+mode_t newFileMode();
+
+/// The file that a link leads to; the path itself when it is no link or leads nowhere.
+std::string behindLinks(const std::string& path);
 
 }  // namespace mav_host

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
 
@@ -28,8 +29,10 @@ HHSMHwManager::~HHSMHwManager() = default;
 
 std::shared_ptr<HHSMHwDb> HHSMHwManager::open(const std::string& archive,
                                               const std::string& module) {
-    if (!HUTZip::containsFile(archive, "hwdef.xml") &&
-        !HUTZip::containsFile(archive, "sysdef.xml")) {
+    try {
+        const mav_host::ZipArchive zip(archive);
+        if (!zip.contains("hwdef.xml") && !zip.contains("sysdef.xml")) return nullptr;
+    } catch (const HEXError&) {
         return nullptr;
     }
     return std::make_shared<NamedHwDb>(HUTPathUtils::stem(archive) + "_" + module);

@@ -10,11 +10,24 @@ bool isTrail(char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }
 
-/// Bytes of the well-formed sequence at the front; 0 when it is not well-formed.
+/// Bytes before the first one that is not ASCII, looked at eight at a time.
+std::size_t asciiRun(std::string_view text) {
+    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080U;
+    std::size_t at = 0;
+    for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data() + at, sizeof(bytes));
+        if ((bytes & HIGH_BITS) != 0) break;
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+    return at;
+}
+
+/// Bytes of the well-formed sequence at the front, which is not ASCII; 0 when it is not
+/// well-formed.
 std::size_t sequence(std::string_view text) {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned lead = at(0);
-    if (lead < 0x80) return 1;
     const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
     if (lead < 0xC2 || lead > 0xF4 || text.size() < size) return 0;
     for (std::size_t i = 1; i < size; ++i) {
@@ -29,21 +42,11 @@ std::size_t sequence(std::string_view text) {
 }  // namespace
 
 bool HI18N_isAscii(std::string_view text) {
-    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080U;
-    std::size_t at = 0;
-    for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text.data() + at, sizeof(bytes));
-        if ((bytes & HIGH_BITS) != 0) return false;
-    }
-    for (; at < text.size(); ++at) {
-        if (static_cast<unsigned char>(text[at]) >= 0x80) return false;
-    }
-    return true;
+    return asciiRun(text) == text.size();
 }
 
 bool HI18N_isUTF8(std::string_view text) {
-    while (!text.empty()) {
+    for (text.remove_prefix(asciiRun(text)); !text.empty(); text.remove_prefix(asciiRun(text))) {
         const std::size_t size = sequence(text);
         if (size == 0) return false;
         text.remove_prefix(size);

@@ -2,13 +2,18 @@
 #include "mav_host/HUTEnv.h"
 
 #include <dlfcn.h>
+#include <stdlib.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
@@ -33,11 +38,23 @@ struct TmpDir {
     }
 };
 
-/// The share directory beside the library that this code is in.
-std::string installedShareDir() {
-    Dl_info info;
-    if (::dladdr(reinterpret_cast<const void*>(&installedShareDir), &info) == 0) return "";
-    const fs::path library = HUTFile::getCanonicalName(info.dli_fname);
+/// The file that this code was loaded from, links followed; empty when the system does not tell.
+fs::path ownFile() {
+    Dl_info own;
+    Dl_info program;
+    std::error_code error;
+    if (::dladdr(reinterpret_cast<const void*>(&ownFile), &own) == 0) return {};
+    // Linked into a program, the name would be argv[0], which need not be a path.
+    const bool linkedIn =
+        ::dladdr(reinterpret_cast<const void*>(::getauxval(AT_PHDR)), &program) != 0 &&
+        program.dli_fbase == own.dli_fbase;
+    return fs::canonical(linkedIn ? "/proc/self/exe" : own.dli_fname, error);
+}
+
+/// The share directory beside the library that this code is in; empty when that is not known.
+std::string findShareDir() {
+    const fs::path library = ownFile();
+    if (library.empty()) return "";
     const fs::path beside = library.parent_path().parent_path() / "share" / "mav";
     // A library directory may have one level more, such as lib/x86_64-linux-gnu.
     const fs::path above = library.parent_path().parent_path().parent_path() / "share" / "mav";
@@ -59,7 +76,9 @@ class DefaultProvider final : public HUTEnvProvider {
     void getAppRootList(HSTVector<std::string>& out) const override {
         const char* const roots = std::getenv("MAV_APP_ROOT");
         if (roots == nullptr || *roots == '\0') {
-            out.push_back(installedShareDir());
+            // Kept, because a relative library path no longer holds once the tool changes folders.
+            static const std::string SHARE_DIR = findShareDir();
+            if (!SHARE_DIR.empty()) out.push_back(SHARE_DIR);
             return;
         }
         std::string_view rest = roots;
@@ -72,7 +91,8 @@ class DefaultProvider final : public HUTEnvProvider {
 
     std::string getTmpDir() const override {
         static TmpDir dir;
-        if (dir.path.empty() || dir.owner != ::getpid()) {
+        // A cleaner of old temporary files may have removed it from a tool that runs for days.
+        if (dir.owner != ::getpid() || !HUTFile::isDir(dir.path)) {
             dir.path = makeTmpDir();
             dir.owner = ::getpid();
         }
@@ -84,14 +104,15 @@ class DefaultProvider final : public HUTEnvProvider {
 
   private:
     static std::string makeTmpDir() {
-        const char* const parent = std::getenv("TMPDIR");
-        std::string name = parent != nullptr && *parent != '\0' ? parent : "/tmp";
-        name += "/mav-XXXXXX";
+        const char* const variable = std::getenv("TMPDIR");
+        const std::string parent =
+            HUTFile::getCanonicalName(variable != nullptr && *variable != '\0' ? variable : "/tmp");
+        std::string name = parent + "/mav-XXXXXX";
         if (::mkdtemp(name.data()) == nullptr) {
             const std::error_code error(errno, std::generic_category());
-            throw HEXUserException("HUTEnv::getHDITmpDir() - no temporary directory '" + name +
-                                   "' can be made: " + error.message() +
-                                   "; set TMPDIR to a directory that can be written");
+            throw HEXUserException(
+                "HUTEnv::getHDITmpDir() - no temporary directory can be made in '" + parent +
+                "': " + error.message() + "; set TMPDIR to a directory that can be written");
         }
         return name;
     }
@@ -99,7 +120,7 @@ class DefaultProvider final : public HUTEnvProvider {
     static std::pair<unsigned, unsigned> release() {
         std::pair<unsigned, unsigned> result(COMPILED_MAJOR, COMPILED_MINOR);
         const char* const text = std::getenv("MAV_TOOL_RELEASE");
-        if (text != nullptr) splitRelease(text, result.first, result.second);
+        if (text != nullptr && *text != '\0') splitRelease(text, result.first, result.second);
         return result;
     }
 };

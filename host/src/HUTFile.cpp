@@ -67,7 +67,7 @@ const std::string& HUTFile::getDirSeparator() {
 bool HUTFile::rm(const std::string& path) {
     std::error_code error;
     if (!fs::is_directory(fs::symlink_status(path, error))) fs::remove(path, error);
-    return !fs::exists(fs::symlink_status(path, error));
+    return fs::symlink_status(path, error).type() == fs::file_type::not_found;
 }
 
 bool HUTPathUtils::exists(const std::string& path) {

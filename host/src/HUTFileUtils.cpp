@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 #include <system_error>
 
 #include "FileDescriptor.h"
@@ -23,6 +26,17 @@ using mav_host::FileDescriptor;
                            "): " + error.message() + "; it is as it was");
 }
 
+/// The mode of the file that will be replaced, else that of a new one. Refuses what is no file,
+/// because the rename would put a file in the place of a device or a pipe.
+mode_t modeFor(const std::string& path, const std::string& target) {
+    struct stat status;
+    if (::stat(target.c_str(), &status) != 0) return mav_host::newFileMode();
+    if (S_ISREG(status.st_mode)) return status.st_mode & 07777U;
+    throw HEXUserException("The file '" + path +
+                           "' cannot be written (looking at it): it is a directory or a device; it "
+                           "is as it was");
+}
+
 bool writeAll(int fd, const std::string& content) {
     std::size_t done = 0;
     while (done < content.size()) {
@@ -34,16 +48,27 @@ bool writeAll(int fd, const std::string& content) {
     return true;
 }
 
-/// The mode of the file that will be replaced, else what the process's mask leaves of 0666.
-mode_t modeFor(const std::string& path) {
-    struct stat status;
-    if (::stat(path.c_str(), &status) == 0) return status.st_mode & 07777U;
+}  // namespace
+
+mode_t mav_host::newFileMode() {
+    std::ifstream status("/proc/self/status");
+    constexpr std::string_view LABEL = "Umask:";
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, LABEL.size(), LABEL) != 0) continue;
+        const auto shown = std::strtoul(line.c_str() + LABEL.size(), nullptr, 8);
+        return 0666U & ~static_cast<mode_t>(shown);
+    }
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666U & ~mask;
 }
 
-}  // namespace
+std::string mav_host::behindLinks(const std::string& path) {
+    std::error_code error;
+    if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
+    const fs::path target = fs::canonical(path, error);
+    return error ? path : target.string();
+}
 
 bool HUTFileUtils::makeDirs(const std::string& path) {
     std::error_code error;
@@ -54,7 +79,7 @@ bool HUTFileUtils::makeDirs(const std::string& path) {
 bool HUTFileUtils::removeDirs(const std::string& path) {
     std::error_code error;
     fs::remove_all(path, error);
-    return !fs::exists(fs::symlink_status(path, error));
+    return fs::symlink_status(path, error).type() == fs::file_type::not_found;
 }
 
 std::string HUTFileUtils::makeUniqueName(const std::string& dir, const std::string& name) {
@@ -77,13 +102,15 @@ void HUTFileUtils::list(const std::string& dir, HSTVector<std::string>& out) {
 }
 
 void HUTFileUtils::writeWhole(const std::string& path, const std::string& content) {
-    std::string temporary = path + ".new-XXXXXX";
+    const std::string target = mav_host::behindLinks(path);
+    const mode_t mode = modeFor(path, target);
+    std::string temporary = target + ".new-XXXXXX";
     FileDescriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!file.isOpen()) refuse(path, "making a file beside it", "");
     if (!writeAll(file.get(), content)) refuse(path, "writing", temporary);
-    if (::fchmod(file.get(), modeFor(path)) != 0) refuse(path, "setting permissions", temporary);
+    if (::fchmod(file.get(), mode) != 0) refuse(path, "setting permissions", temporary);
     if (::fsync(file.get()) != 0 || !file.close()) refuse(path, "syncing", temporary);
-    if (::rename(temporary.c_str(), path.c_str()) != 0) refuse(path, "renaming", temporary);
-    const std::string parent = HUTFile::getParent(path);
+    if (::rename(temporary.c_str(), target.c_str()) != 0) refuse(path, "renaming", temporary);
+    const std::string parent = HUTFile::getParent(target);
     mav_host::syncPath(parent.empty() ? "." : parent);
 }

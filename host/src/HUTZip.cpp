@@ -53,7 +53,7 @@ std::string systemText() {
 /// Replaces an archive as a whole. The new one is built beside the old one and renamed over it.
 class ArchiveWriter {
   public:
-    explicit ArchiveWriter(const std::string& archive) : archive_(archive) {}
+    explicit ArchiveWriter(const std::string& archive) : archive_(behindLinks(archive)) {}
     ~ArchiveWriter() {
         if (!temporary_.empty()) ::unlink(temporary_.c_str());
     }
@@ -136,11 +136,7 @@ class ArchiveWriter {
 
     void commit() {
         step(WriteStep::PERMISSIONS, "setting permissions");
-        if (!exists_) {
-            const mode_t mask = ::umask(0);
-            ::umask(mask);
-            mode_ = 0666U & ~mask;
-        }
+        if (!exists_) mode_ = newFileMode();
         if (::chmod(temporary_.c_str(), mode_) != 0) refuse(systemText());
         step(WriteStep::SYNC, "syncing");
         if (!syncPath(temporary_)) refuse(systemText());

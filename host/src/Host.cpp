@@ -31,10 +31,14 @@ std::optional<std::string> keyFromFile() {
                                "' that MAV_KEY_FILE names cannot be read; correct the variable or "
                                "the file's permissions");
     }
-    std::string key(MAX_KEY_SIZE, '\0');
+    std::string key(MAX_KEY_SIZE + 1, '\0');
     file.read(key.data(), static_cast<std::streamsize>(key.size()));
     key.resize(static_cast<std::size_t>(file.gcount()));
-    if (key.empty() || key.size() == MAX_KEY_SIZE) {
+    if (file.bad()) {
+        throw HEXUserException(std::string("The key file '") + path +
+                               "' cannot be read to its end; copy it afresh");
+    }
+    if (key.empty() || key.size() > MAX_KEY_SIZE) {
         throw HEXUserException(std::string("The key file '") + path +
                                "' is empty or larger than 64 KiB; give a file that holds a key");
     }

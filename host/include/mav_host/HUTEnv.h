@@ -14,7 +14,8 @@ class MAV_API HUTEnvProvider {
     virtual const char* getEnv(const std::string& name) const = 0;
     /// Application roots in the host's order; the first is the application root. Appends.
     virtual void getAppRootList(HSTVector<std::string>& out) const = 0;
-    /// The private temporary directory of this process (mode 0700), made on first use.
+    /// The private temporary directory of this process (mode 0700), made on first use and removed
+    /// at normal exit; a forked child gets its own. Throws HEXUserException when none can be made.
     virtual std::string getTmpDir() const = 0;
     /// The tool release, such as 2026 and 1. Major 0 means a versionless tool.
     virtual unsigned getMajor() const = 0;

@@ -14,8 +14,9 @@ class MAV_API HUTFile {
     static bool exists(const std::string& path);
     static bool isFile(const std::string& path);
     static bool isDir(const std::string& path);
-    /// Absolute, dots resolved, links among the directories followed; the last component keeps its
-    /// name even where it is a link. Works for paths that do not exist. Empty for an empty path.
+    /// Absolute, dots resolved, links among the directories followed. The last component of a file
+    /// keeps its name even where it is a link; of a directory it is followed too. Works for paths
+    /// that do not exist, as far as they do. Empty for an empty path.
     static std::string getCanonicalName(const std::string& path);
     /// The parent directory as a file system path computes it; empty when there is none.
     static std::string getParent(const std::string& path);
@@ -23,7 +24,7 @@ class MAV_API HUTFile {
     static std::string getExt(const std::string& path);
     /// "/" on this system.
     static const std::string& getDirSeparator();
-    /// Removes one file. True when it is gone afterwards.
+    /// Removes one file or link, never a directory. True when nothing is there afterwards.
     static bool rm(const std::string& path);
 };
 
@@ -52,7 +53,8 @@ class MAV_API HUTFileUtils {
     /// Appends the names inside `dir`, sorted by bytes, without "." and "..".
     static void list(const std::string& dir, HSTVector<std::string>& out);
     /// Writes the file as a whole: beside it, synced, then renamed, so that readers see the old or
-    /// the new content and never a part. Keeps the permissions of a file that is replaced. Throws
-    /// HEXUserException naming the path and the system's reason; the old file is then untouched.
+    /// the new content and never a part. Through a link the file behind it is replaced. Keeps the
+    /// permissions of a file that is replaced. Throws HEXUserException "The file 'PATH' cannot be
+    /// written (STEP): REASON; it is as it was"; the old file is then untouched.
     static void writeWhole(const std::string& path, const std::string& content);
 };

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
+#include "mav_host/HUTFile.h"
+#include "support/Doubles.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Changes the working directory for the time of a test.
+class WorkingDir {
+  public:
+    explicit WorkingDir(const fs::path& dir) : before_(fs::current_path()) {
+        fs::current_path(dir);
+    }
+    ~WorkingDir() { fs::current_path(before_); }
+    WorkingDir(const WorkingDir&) = delete;
+    WorkingDir& operator=(const WorkingDir&) = delete;
+
+  private:
+    fs::path before_;
+};
+
+TEST(HUTFile, TellsFilesFromDirectories) {
+    const TempDir dir;
+    const std::string file = dir.write("a.txt", "");
+    const std::string dangling = dir.path("dangling");
+    fs::create_symlink("nowhere", dangling);
+    fs::create_symlink("loop", dir.path("loop"));
+    EXPECT_TRUE(HUTFile::exists(file) && HUTFile::isFile(file) && !HUTFile::isDir(file));
+    EXPECT_TRUE(HUTFile::exists(dir.path()) && !HUTFile::isFile(dir.path()));
+    EXPECT_TRUE(HUTFile::isDir(dir.path()) && HUTPathUtils::exists(dir.path()));
+    for (const std::string& none : {std::string(), dangling, dir.path("loop"), dir.path("none"),
+                                    file + "/below", std::string(5000, 'x')}) {
+        SCOPED_TRACE(none);
+        EXPECT_FALSE(HUTFile::exists(none) || HUTPathUtils::exists(none));
+        EXPECT_FALSE(HUTFile::isFile(none) || HUTFile::isDir(none));
+    }
+}
+
+TEST(HUTFile, CanonicalNameFollowsDirectoriesAndKeepsTheFileName) {
+    const TempDir dir;
+    dir.write("real/sub/a.zip", "");
+    fs::create_directory_symlink("real", dir.path("link"));
+    fs::create_symlink("sub/a.zip", dir.path("real/b.pka"));
+    fs::create_symlink("nowhere", dir.path("real/dangling.pka"));
+    const auto canonical = [&](const std::string& name) {
+        return HUTFile::getCanonicalName(dir.path(name));
+    };
+    EXPECT_EQ(canonical("link/b.pka"), dir.path("real/b.pka"));
+    EXPECT_EQ(canonical("link/dangling.pka"), dir.path("real/dangling.pka"));
+    EXPECT_EQ(canonical("real/./sub/../b.pka"), dir.path("real/b.pka"));
+    EXPECT_EQ(canonical("link"), dir.path("real"));
+    EXPECT_EQ(canonical("link/"), dir.path("real"));
+    EXPECT_EQ(canonical("link/sub/.."), dir.path("real"));
+    EXPECT_EQ(canonical("link/."), dir.path("real"));
+    EXPECT_EQ(canonical("link/none/../other.pka"), dir.path("real/other.pka"));
+    EXPECT_EQ(canonical("link/none/"), dir.path("real/none"));
+}
+
+TEST(HUTFile, CanonicalNameOfWhatNeedsNoDirectory) {
+    const TempDir dir;
+    const WorkingDir inside(dir.path());
+    EXPECT_EQ(HUTFile::getCanonicalName(""), "");
+    EXPECT_EQ(HUTFile::getCanonicalName("/"), "/");
+    EXPECT_EQ(HUTFile::getCanonicalName("."), dir.path());
+    EXPECT_EQ(HUTFile::getCanonicalName("a.pka"), dir.path("a.pka"));
+    EXPECT_EQ(HUTFile::getCanonicalName("./x/../a.pka"), dir.path("a.pka"));
+    EXPECT_EQ(HUTFile::getCanonicalName("/../a.pka"), "/a.pka");
+    fs::create_symlink("loop", dir.path("loop"));
+    EXPECT_EQ(HUTFile::getCanonicalName("loop/../loop/a.pka"), dir.path("loop/a.pka"));
+}
+
+TEST(HUTFile, PartsOfNames) {
+    struct Case {
+        const char* path;
+        const char* extension;
+        const char* stem;
+        const char* parent;
+    };
+    for (const Case& c :
+         {Case{"d/a.pka", ".pka", "a", "d"}, Case{"a.tar.gz", ".gz", "a.tar", ""},
+          Case{"/.pka", ".pka", "", "/"}, Case{"d.x/a", "", "a", "d.x"}, Case{"a.", ".", "a", ""},
+          Case{".", "", ".", ""}, Case{"d/..", "", "..", "d"}, Case{"a.pka/", "", "", "a.pka"},
+          Case{"...", ".", "..", ""}, Case{"", "", "", ""}}) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(HUTPathUtils::extension(c.path), c.extension);
+        EXPECT_EQ(HUTPathUtils::stem(c.path), c.stem);
+        EXPECT_EQ(HUTFile::getParent(c.path), c.parent);
+        EXPECT_EQ(HUTFile::getExt(c.path), *c.extension == '\0' ? "" : c.extension + 1);
+    }
+    EXPECT_EQ(HUTFile::getDirSeparator(), "/");
+}
+
+TEST(HUTFile, RemovesFilesAndLinksButNoDirectories) {
+    const TempDir dir;
+    const std::string file = dir.write("a", "x");
+    fs::create_symlink("a", dir.path("link"));
+    fs::create_directory(dir.path("empty"));
+    EXPECT_TRUE(HUTFile::rm(dir.path("link")));
+    EXPECT_TRUE(HUTFile::isFile(file));
+    EXPECT_TRUE(HUTFile::rm(file));
+    EXPECT_TRUE(HUTFile::rm(file));
+    EXPECT_FALSE(HUTFile::rm(dir.path("empty")));
+    EXPECT_EQ(dir.list(), "empty\n");
+    // What cannot be looked at is not known to be gone.
+    EXPECT_FALSE(HUTFile::rm(dir.path(std::string(300, 'x'))));
+}
+
+}  // namespace
