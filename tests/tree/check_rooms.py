@@ -43,7 +43,7 @@ class Tree:
         for quote, name in INCLUDE.findall(self.text[path]):
             folders = [path.parent] if quote == '"' else []
             folders += [self.root / "host/include", self.root / "platform/include"]
-            folders += [self.root / ("host/src" if self.name(path).startswith("host/") else "platform/src")]
+            folders.append(self.root / path.relative_to(self.root).parts[0] / "src")
             hits = (folder / name for folder in folders if (folder / name) in self.text)
             found.append((name, next(hits, None)))
         return found
