@@ -5,7 +5,6 @@
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/property_tree/ptree.hpp>
-#include <boost/regex.hpp>
 #include <locale>
 
 #include "mav_host/ComMsgMgr.h"
@@ -31,10 +30,14 @@ std::string join(const HSTVector<std::string>& parts, const char* separator) {
     return text;
 }
 
-/// The number before "GB"; a text of another form keeps its leading number.
+/// Replaces "([0-9]+).*GB" by its digits and reads the leading number of what results, so that a
+/// text of another form keeps its leading number.
 int sizeInGb(const std::string& text) {
-    static const boost::regex SIZE("([0-9]+).*GB");
-    return std::stoi(boost::regex_replace(text, SIZE, "$1"));
+    const std::size_t first = text.find_first_of("0123456789");
+    const std::size_t unit = text.rfind("GB");
+    if (first == std::string::npos || unit == std::string::npos) return std::stoi(text);
+    const std::size_t end = std::min(text.find_first_not_of("0123456789", first), text.size());
+    return std::stoi(unit < end ? text : text.substr(0, end) + text.substr(unit + 2));
 }
 
 }  // namespace

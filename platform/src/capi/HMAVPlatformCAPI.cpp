@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "mav_host/ComMsgMgr.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/PlatformLoader.h"
+#include "mav_platform/mav_platform_c.h"
+
+namespace {
+
+using mav_platform::JSONObjectWriter;
+using mav_platform::PlatformLoader;
+
+using Fill = void (*)(const HMAVPlatform&, JSONObjectWriter&);
+
+void fillWhole(const HMAVPlatform& platform, JSONObjectWriter& writer) {
+    writer.writeObject(platform);
+}
+
+void fillShort(const HMAVPlatform& platform, JSONObjectWriter& writer) {
+    writer.addKey("uniqueName", platform.getUniqueName());
+    writer.addKey("file", platform.getPlatformFile());
+    writer.addKey("description", platform.getDescription());
+}
+
+char* newText(std::string_view text) {
+    char* copy = new char[text.size() + 1];
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+char* getJson(const char* path, Fill fill) {
+    const std::string file(path);
+    JSONObjectWriter writer;
+    {
+        // The platform goes before the text is copied: the two need not be in memory together.
+        PlatformLoader loader(file, PlatformLoader::HW_METADATA_AUTO);
+        const std::shared_ptr<HMAVPlatform> platform = loader.load();
+        if (!platform) return nullptr;
+        fill(*platform, writer);
+    }
+    return writer.newText().release();
+}
+
+/// Keeps the reports of one call while passing them on to the sink that was in force.
+class ReportKeeper final : public ComMsgSink {
+  public:
+    ReportKeeper() : before_(ComMsgMgr::setSink(this)) {}
+    ~ReportKeeper() override { ComMsgMgr::setSink(before_); }
+    ReportKeeper(const ReportKeeper&) = delete;
+    ReportKeeper& operator=(const ReportKeeper&) = delete;
+
+    void send(const ComMsg& message) override {
+        ComMsgMgr::setSink(before_);
+        ComMsgMgr::sendMsg(message.level, message.group, message.mask, message.id, message.args);
+        ComMsgMgr::setSink(this);
+        text_ += ComMsgMgr::format(message) + "\n";
+    }
+
+    const std::string& text() const { return text_; }
+
+  private:
+    ComMsgSink* before_;
+    std::string text_;
+};
+
+void setText(char** target, std::string_view text) noexcept {
+    if (target == nullptr) return;
+    try {
+        *target = newText(text);
+    } catch (const std::bad_alloc&) {
+        *target = nullptr;
+    }
+}
+
+int tryGetJson(const char* path, char** json, char** error, Fill fill) noexcept {
+    if (json != nullptr) *json = nullptr;
+    if (error != nullptr) *error = nullptr;
+    try {
+        if (path == nullptr) {
+            setText(error, "The path is null: give the path of a platform file.");
+            return 1;
+        }
+        ReportKeeper reports;
+        char* text = nullptr;
+        try {
+            text = getJson(path, fill);
+        } catch (const std::exception& failure) {
+            setText(error, reports.text() + failure.what());
+            return 1;
+        }
+        if (text == nullptr) {
+            setText(error, reports.text());
+            return 1;
+        }
+        if (json != nullptr) {
+            *json = text;
+        } else {
+            hmav_free_json_string(text);
+        }
+        return 0;
+    } catch (...) {
+        setText(error, "Unknown failure while the platform was loaded.");
+        return 1;
+    }
+}
+
+}  // namespace
+
+char* hmav_get_platform_json(const char* path) {
+    return getJson(path, fillWhole);
+}
+
+char* hmav_get_short_platform_json(const char* path) {
+    return getJson(path, fillShort);
+}
+
+void hmav_free_json_string(char* text) {
+    delete[] text;
+}
+
+int hmav_try_get_platform_json(const char* path, char** json, char** error) {
+    return tryGetJson(path, json, error, fillWhole);
+}
+
+int hmav_try_get_short_platform_json(const char* path, char** json, char** error) {
+    return tryGetJson(path, json, error, fillShort);
+}
+
+const char* hmav_get_version() {
+    return MAV_VERSION;
+}

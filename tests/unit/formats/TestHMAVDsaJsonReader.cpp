@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/ptree.hpp>
+
+#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "mav_platform/HPLPlatform.h"
+#include "support/Archives.h"
+
+namespace {
+
+using Mode = HMAVDsaJsonReader::Mode;
+constexpr Mode AUTO = Mode::HW_METADATA_AUTO;
+constexpr Mode PRIMARY = Mode::HW_METADATA_PRIMARY_JSON;
+constexpr Mode XML = Mode::HW_METADATA_XML;
+
+/// Parses one text and keeps the platform and the reports.
+struct Parsed {
+    explicit Parsed(const std::string& text) {
+        platform.setPlatformFile("/somewhere/card.pka");
+        ok = HMAVDsaJsonReader(&platform).parseJsonString(text);
+    }
+    CapturedMessages messages;
+    HPLPlatform platform;
+    bool ok = false;
+};
+
+TEST(HMAVDsaJsonReader, ChoosesTheMemberByMode) {
+    const TempDir dir;
+    const std::string both = packArchive(
+        dir, "both.pka",
+        {{"pka.json", metadata("", "primary")}, {"alt_pka.json", metadata("", "alternative")}});
+    const std::string alternative = packArchive(dir, "alt.pka", {{"alt_pka.json", metadata()}});
+    const std::string older = packArchive(dir, "older.dsa", {{"dsa.json", metadata()}});
+    const CapturedMessages messages;
+    const auto choice = [](const std::string& path, Mode mode) {
+        HPLPlatform platform;
+        std::string member;
+        const bool can = HMAVDsaJsonReader(&platform).canParse(path, mode, member);
+        return (can ? "yes " : "no ") + member;
+    };
+    EXPECT_EQ(choice(both, AUTO), "yes alt_pka.json");
+    // The primary member must be there, but the alternative one is still what is read.
+    EXPECT_EQ(choice(both, PRIMARY), "yes alt_pka.json");
+    EXPECT_EQ(choice(alternative, AUTO), "yes alt_pka.json");
+    EXPECT_EQ(choice(alternative, PRIMARY), "no alt_pka.json");
+    EXPECT_EQ(choice(older, AUTO), "yes dsa.json");
+    EXPECT_EQ(choice(both, XML), "no ");
+    EXPECT_EQ(messages.text(), "");
+
+    HPLPlatform platform;
+    ASSERT_TRUE(HMAVDsaJsonReader(&platform).parseDSA(both, AUTO));
+    EXPECT_EQ(platform.getName(), "alternative");
+    EXPECT_EQ(platform.getPlatformFile(), both);
+}
+
+TEST(HMAVDsaJsonReader, ReportsAMissingArchiveOnce) {
+    const CapturedMessages messages;
+    HPLPlatform platform;
+    HMAVDsaJsonReader reader(&platform);
+    EXPECT_FALSE(reader.parseDSA("", AUTO));
+    EXPECT_FALSE(reader.parseDSA("/nowhere/x.pka", AUTO));
+    EXPECT_EQ(messages.text(), "@74-66@%s|\n@74-66@%s|/nowhere/x.pka\n");
+    EXPECT_EQ(platform.getPlatformFile(), "");
+}
+
+TEST(HMAVDsaJsonReader, ReadsTheMergedEmulationPlatformSilently) {
+    const TempDir dir;
+    const std::string merged = packArchive(
+        dir, "m.pka", {{"pka.json", metadata("", "hw")}, {"hw_emu/pka.json", metadata("", "emu")}});
+    const std::string plain = packArchive(dir, "p.pka", {{"pka.json", metadata()}});
+    const CapturedMessages messages;
+    HPLPlatform platform;
+    EXPECT_TRUE(HMAVDsaJsonReader(&platform).parseHwEmuPKA(merged, AUTO));
+    EXPECT_EQ(platform.getName(), "emu");
+    EXPECT_FALSE(HMAVDsaJsonReader(&platform).parseHwEmuPKA(plain, AUTO));
+    EXPECT_EQ(messages.text(), "");
+}
+
+TEST(HMAVDsaJsonReader, DefaultsStandWhereKeysAreAbsent) {
+    const Parsed parsed(metadata());
+    ASSERT_TRUE(parsed.ok);
+    EXPECT_EQ(parsed.platform.getHostArch(), "unknown");
+    EXPECT_EQ(parsed.platform.getAcceleratorBinaryFormat(), "qclbin2");
+    EXPECT_EQ(parsed.platform.getAcceleratorBinaryContent(), "bitstream");
+    EXPECT_EQ(parsed.platform.getVersion(), "3.1");
+    EXPECT_EQ(parsed.platform.getDesignIDs(), nullptr);
+}
+
+TEST(HMAVDsaJsonReader, NamesTheFirstMissingIdentityKey) {
+    const Parsed none("{}");
+    EXPECT_FALSE(none.ok);
+    EXPECT_EQ(none.messages.text(),
+              "@74-63@%s%s|text|pka.json: 'vendor': the required key is missing\n");
+    const Parsed late(R"({"vendor":"v","boardId":"","name":"n","versionMajor":"1"})");
+    EXPECT_FALSE(late.ok);
+    EXPECT_TRUE(late.messages.has("'versionMinor'"));
+    EXPECT_EQ(late.platform.getVendor(), "v") << "what was read before stays";
+    // An identity key with an empty text counts as present.
+    EXPECT_TRUE(
+        Parsed(R"({"vendor":"","boardId":"","name":"","versionMajor":"","versionMinor":""})").ok);
+}
+
+TEST(HMAVDsaJsonReader, ScalarsMayBeBareAndTheFirstOfEqualKeysCounts) {
+    const Parsed parsed(R"({"vendor": "v", "boardId": null, "name": "n", "versionMajor": 7,
+        "versionMinor": 0, "usesNIFD": TRUE})");
+    EXPECT_FALSE(parsed.ok) << "TRUE is no JSON";
+    const Parsed bare(R"({"vendor": "v", "boardId": null, "name": "n", "versionMajor": 7,
+        "versionMinor": 0, "usesNIFD": true, "name": "second"})");
+    ASSERT_TRUE(bare.ok);
+    EXPECT_EQ(bare.platform.getBoardId(), "null");
+    EXPECT_EQ(bare.platform.getVersion(), "7.0");
+    EXPECT_TRUE(bare.platform.usesNIFD());
+    EXPECT_EQ(bare.platform.getName(), "n");
+    EXPECT_EQ(bare.messages.text(),
+              "@74-64@%s%s%s|text|pka.json|the key 'name' stands more than once; the first one "
+              "counts\n");
+}
+
+TEST(HMAVDsaJsonReader, ExpandableDecidesThoughItStandsBehind) {
+    const Parsed expandable(metadata(
+        R"(, "segmentedConfiguration": "true", "dynamicReload": "true", "expandablePlatform": "true")"));
+    EXPECT_TRUE(expandable.platform.supportsSegmentedConfiguration());
+    EXPECT_FALSE(expandable.platform.supportsDynamicReload());
+    const Parsed fixed(metadata(R"(, "segmentedConfiguration": "true", "dynamicReload": "true")"));
+    EXPECT_FALSE(fixed.platform.supportsSegmentedConfiguration());
+    EXPECT_TRUE(fixed.platform.supportsDynamicReload());
+}
+
+TEST(HMAVDsaJsonReader, SmallRules) {
+    const Parsed parsed(metadata(R"(, "usesPR": "true",
+        "designIntent": {"usesPR": "false", "embedded": {"value": "true", "explicit": "true"}},
+        "validAcceleratorBinaryContentValues": "bitstream, pdi,,dcp",
+        "reconfigModuleName": "",
+        "systemClocks": [{"name": "a", "id": "4", "default": "true"}, {"name": "b", "id": "4"}],
+        "designIpInstances": [{"vlnv": "v:l:ddr:1", "instance": "i", "configuration": {"A.B": "1"}}],
+        "featureRoms": [{"ipBuildID": "18446744073709551615", "featureBitMap": "0x80000001",
+                         "cdmaBaseAddress3": "16", "uuid": "00112233-4455-6677-8899-AABBCCDDEEFF"}],
+        "memories": [{"name": "m", "lowAddress": "0x10", "highAddress": "31"}],
+        "extensions": {"a.b": {"c": "1"}})"));
+    ASSERT_TRUE(parsed.ok) << parsed.messages.text();
+    const HPLPlatform& platform = parsed.platform;
+    EXPECT_FALSE(platform.usesPR()) << "the inner one wins";
+    EXPECT_TRUE(platform.getDesignIntent().getEmbedded());
+    EXPECT_EQ(platform.getValidBinaryContentValuesAsStr(), "bitstream,pdi,dcp");
+    EXPECT_TRUE(platform.isRM()) << "presence counts, not the text";
+    EXPECT_EQ(platform.getDefaultClockName(), "b") << "the last clock with the default id";
+    HSTVector<HMAVDesignIPInstance*> ips;
+    platform.getDesignIPInstances(ips);
+    EXPECT_EQ(ips.at(0)->getName(), "ddr");
+    EXPECT_EQ(ips.at(0)->getConfigParams().at(0).first, "A.B");
+    HSTVector<HMAVHardwareFeatureRom*> roms;
+    platform.getFeatureRoms(roms);
+    EXPECT_EQ(roms.at(0)->getIpBuildID(), 18446744073709551615U);
+    EXPECT_EQ(roms.at(0)->getFeatureBitMap(), 0x80000001U);
+    EXPECT_EQ(roms.at(0)->getCDMABaseAddress(3), 16U);
+    EXPECT_EQ(roms.at(0)->getUUID(), "00112233-4455-6677-8899-aabbccddeeff");
+    EXPECT_EQ(platform.getMemories().at(0)->getLowAddress(), 16U);
+    EXPECT_EQ(platform.getMemories().at(0)->getHighAddress(), 31U);
+    EXPECT_EQ(platform.getExtMetaJsonAsPtree().front().first, "a.b");
+}
+
+TEST(HMAVDsaJsonReader, ArrayEnginePartitionsHaveTwoLevels) {
+    const Parsed parsed(metadata(R"(, "dpeHardware": {"arch": "dpe", "npiBaseAddress": "12",
+            "shimRows": {"start": "4294967295", "num": "1"}},
+        "dpePartitions": [
+            {"dpeInst": "none", "numColumns": "0", "partitions": [{"numColumns": "4"}]},
+            {"dpeInst": "p", "startColumn": "2", "numColumns": "8", "partitions": [
+                {"plInterfaceID": "9", "numColumns": "3", "partitions": [{"numColumns": "1"}]},
+                {"numColumns": "0"}]}])"));
+    ASSERT_TRUE(parsed.ok) << parsed.messages.text();
+    EXPECT_EQ(parsed.platform.getDpeHardware().getArch(), HMAVDpeHardware::DPE_A);
+    EXPECT_EQ(parsed.platform.getDpeHardware().getStartShimRow(), -1);
+    ASSERT_EQ(parsed.platform.getDpePartitions().size(), 1U);
+    const HMAVDpePartition& root = parsed.platform.findDpePartition("p");
+    EXPECT_TRUE(root.isRoot());
+    ASSERT_EQ(root.partitions().size(), 1U);
+    EXPECT_FALSE(root.partitions().front().hasPartitions());
+    EXPECT_TRUE(parsed.platform.hasDpePartition("9"));
+    EXPECT_FALSE(parsed.platform.hasDpePartition("p")) << "names and interface ids are two things";
+}
+
+TEST(HMAVDsaJsonReader, RefusalsNameThePlace) {
+    const struct {
+        const char* more;
+        const char* report;
+    } cases[] = {
+        {R"(, "systemClocks": "abc")", "'systemClocks': holds the text 'abc' where a list"},
+        {R"(, "systemClocks": {"a": "b"})", "'systemClocks': holds an object where a list"},
+        {R"(, "board": ["x"])", "'board': holds a list where an object"},
+        {R"(, "idCode": {"a": "b"})", "'idCode': holds an object where a text"},
+        {R"(, "memories": [{}, {"lowAddress": "12z"}])", "'memories[1].lowAddress': '12z' is no"},
+        {R"(, "featureRoms": [{"uuid": "12"}])",
+         "'featureRoms[0].uuid': Unable to convert string to Feature ROM UUID: '12'"},
+        {R"(, "featureRoms": [{"featureBitMap": "0x100000000"}])", "does not fit into 32 bits"},
+        {R"(, "files": [{"type": "HPFM"}])", "'files[0].name': the required key is missing"},
+        {R"(, "dpeHardware": {"arch": "DPE_Z"})",
+         "'dpeHardware.arch': HMAVDpeHardware::setArch() - Invalid dpe architecture specified: "
+         "DPE_Z"},
+        {R"(, "designIpInstances": [{"configuration": {"k": "1", "k": "2"}}])",
+         "'designIpInstances[0].configuration': Attempt to readd Design IP Instance Config Param "
+         "key: 'k' is not allowed!"},
+    };
+    for (const auto& test : cases) {
+        const Parsed parsed(metadata(test.more));
+        EXPECT_FALSE(parsed.ok) << test.more;
+        EXPECT_TRUE(parsed.messages.has("@74-63@%s%s|text|pka.json: ")) << parsed.messages.text();
+        EXPECT_TRUE(parsed.messages.has(test.report)) << parsed.messages.text();
+    }
+    const std::string longName(64, 'x');
+    const Parsed tooLong(metadata(R"(, "featureRoms": [{"fpgaPartName": ")" + longName + "\"}]"));
+    EXPECT_TRUE(
+        tooLong.messages.has("is not a 64 char null terminated string: '" + longName + "'"));
+    EXPECT_TRUE(
+        Parsed(metadata(R"(, "featureRoms": [{"fpgaPartName": ")" + longName.substr(1) + "\"}]"))
+            .ok);
+}
+
+TEST(HMAVDsaJsonReader, ConversionsThatFallBackAreReportedAndGoOn) {
+    const Parsed parsed(metadata(R"(, "generatedChangeList": "99999999999",
+        "busInterfaces": [{"name": "b", "dataWidth": "12abc", "numIdBits": "x"}],
+        "files": [{"name": "n", "type": "EMU_HPFM"}], "systemClocks": null, "flash": "")"));
+    ASSERT_TRUE(parsed.ok);
+    EXPECT_EQ(parsed.messages.text(),
+              "@74-268@%s|99999999999\n@74-271@%s|EMU_HPFM\n@74-268@%s|x\n");
+    EXPECT_EQ(parsed.platform.getBusInterfaceByName("b")->getDataWidth(), 12);
+    EXPECT_TRUE(parsed.platform.hasFile("EMU_HPFM"));
+}
+
+TEST(HMAVDsaJsonReader, JsonErrorsNameTheLine) {
+    const struct {
+        std::string text;
+        const char* report;
+    } cases[] = {
+        {"", "the member is empty"},
+        {"no json", "line 1: expected 'null'"},
+        {"{\n\"a\": 1,\n]", "line 3: expected key string"},
+        {metadata() + "x", "line 1: garbage after data"},
+        {"{\"a\":" + std::string(100000, '['), "nesting deeper than 512 levels"},
+    };
+    for (const auto& test : cases) {
+        const Parsed parsed(test.text);
+        EXPECT_FALSE(parsed.ok);
+        EXPECT_EQ(parsed.messages.all.size(), 1U);
+        EXPECT_TRUE(parsed.messages.has("@74-64@%s%s%s|text|pka.json|")) << parsed.messages.text();
+        EXPECT_TRUE(parsed.messages.has(test.report)) << parsed.messages.text();
+    }
+}
+
+TEST(HMAVDsaJsonReader, TextThatIsNotUtf8IsTakenAsLatin1) {
+    const Parsed parsed(metadata(", \"hostInterface\": \"caf\xE9\""));
+    ASSERT_TRUE(parsed.ok);
+    EXPECT_EQ(parsed.platform.getHostInterface(), "caf\xC3\xA9");
+}
+
+TEST(HMAVDsaJsonReader, EveryTruncationIsRefused) {
+    const std::string whole = metadata(R"(, "systemClocks": [{"name": "a\u00e9", "id": 1.5e3}])");
+    ASSERT_TRUE(Parsed(whole).ok);
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(Parsed(whole.substr(0, size)).ok) << size;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "mav_host/HEXError.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/PlatformLoader.h"
+#include "mav_platform/PlatformParseException.h"
+#include "support/Archives.h"
+
+namespace {
+
+using mav_platform::PlatformLoader;
+using mav_platform::PlatformParseException;
+constexpr auto AUTO = PlatformLoader::HW_METADATA_AUTO;
+
+std::string description(const std::string& hardwarePlatforms) {
+    return R"(<?xml version="1.0"?>
+<mav:platform xmlns:mav="urn:mav:platform:1" mav:vendor="v" mav:library="l" mav:name="n"
+    mav:version="1.0"><mav:hardwarePlatforms )" +
+           hardwarePlatforms + "</mav:hardwarePlatforms></mav:platform>";
+}
+
+std::string reference(const char* element, const std::string& file) {
+    return std::string("<mav:") + element + R"( mav:path="." mav:name=")" + file + "\"/>";
+}
+
+/// Loads and answers the reports; "ok" when the load succeeded without any.
+std::string reportsOf(const std::string& path) {
+    const CapturedMessages messages;
+    PlatformLoader loader(path, AUTO);
+    const bool loaded = loader.load() != nullptr;
+    EXPECT_EQ(loader.load() != nullptr, loaded) << "later calls answer the same";
+    return loaded && messages.all.empty() ? "ok" : messages.text();
+}
+
+TEST(PlatformLoader, AnArchiveGivesAPartialPlatform) {
+    const TempDir dir;
+    const std::string path = packArchive(dir, "card.pka", {{"pka.json", metadata()}});
+    PlatformLoader loader(dir.path() + "/./card.pka", AUTO);
+    EXPECT_EQ(loader.getFilePath(), "") << "known only after loading";
+    const auto platform = loader.load();
+    ASSERT_NE(platform, nullptr);
+    EXPECT_TRUE(platform->isPartial());
+    EXPECT_FALSE(platform->isQpfm());
+    EXPECT_EQ(loader.getFilePath(), path) << "canonical";
+    EXPECT_EQ(platform->getHardwarePlatform()->getName(), "card");
+    EXPECT_EQ(platform->getHardwareEmulationPlatform(), nullptr);
+    EXPECT_EQ(platform->getSoftwarePlatform(), nullptr);
+
+    std::filesystem::remove(path);
+    EXPECT_EQ(loader.load(), platform) << "a second call reads nothing";
+}
+
+TEST(PlatformLoader, AMergedArchiveBringsItsEmulationPlatform) {
+    const TempDir dir;
+    const std::string path = packArchive(
+        dir, "m.pka", {{"pka.json", metadata("", "hw")}, {"hw_emu/pka.json", metadata("", "emu")}});
+    PlatformLoader loader(path, AUTO);
+    const auto platform = loader.load();
+    ASSERT_NE(platform, nullptr);
+    const HMAVHardwarePlatform* const emulation = platform->getHardwareEmulationPlatform();
+    ASSERT_NE(emulation, nullptr);
+    EXPECT_EQ(emulation->getName(), "emu");
+    EXPECT_TRUE(emulation->isChildHardwareEmuPlatform());
+    EXPECT_TRUE(platform->supportsHWEmulation());
+    // Merged, so not distinct: the document shows it under no key of its own.
+    EXPECT_EQ(platform->toJSONString().find("hwEmuPlatform\""), std::string::npos);
+}
+
+TEST(PlatformLoader, EachFailureOfAnArchiveIsReported) {
+    const TempDir dir;
+    std::filesystem::create_directory(dir.path("dir.pka"));
+    dir.write("text.pka", "this is no archive");
+    const std::string good = packArchive(dir, "good.pka", {{"pka.json", metadata()}});
+    const std::string content = dir.read("good.pka");
+    dir.write("cut.pka", content.substr(0, content.size() / 2));
+    packArchive(dir, "empty.pka", {{"other", "x"}});
+    packArchive(dir, "nojson.pka", {{"pka.json", "hello"}});
+    packArchive(dir, "void.pka", {{"pka.json", ""}});
+    packArchive(dir, "noid.pka", {{"pka.json", "{}"}});
+    const struct {
+        const char* file;
+        const char* report;
+    } cases[] = {
+        {"dir.pka", "is not a file"},
+        {"text.pka", "is not a zip archive"},
+        {"cut.pka", "is cut off or damaged"},
+        {"empty.pka", "no JSON metadata member"},
+        {"nojson.pka", "|pka.json|line 1: expected value"},
+        {"void.pka", "|pka.json|the member is empty"},
+        {"noid.pka", "pka.json: 'vendor': the required key is missing"},
+    };
+    for (const auto& test : cases) {
+        const std::string reports = reportsOf(dir.path(test.file));
+        EXPECT_NE(reports.find(test.report), std::string::npos) << reports;
+        EXPECT_NE(reports.find(dir.path(test.file)), std::string::npos) << reports;
+        EXPECT_NE(reports.find("@74-60@%s|Failed to parse Hardware Platform metadata file"),
+                  std::string::npos)
+            << reports;
+    }
+    EXPECT_EQ(reportsOf(good), "ok");
+    EXPECT_EQ(reportsOf(""), "@74-60@%s|hardware platform file '' does not exist\n");
+    EXPECT_EQ(reportsOf("/nowhere/a.pka"),
+              "@74-60@%s|hardware platform file '/nowhere/a.pka' does not exist\n");
+}
+
+TEST(PlatformLoader, AnUnreadableArchiveIsReported) {
+    if (::geteuid() == 0) GTEST_SKIP() << "root reads everything";
+    const TempDir dir;
+    const std::string path = packArchive(dir, "a.pka", {{"pka.json", metadata()}});
+    ::chmod(path.c_str(), 0);
+    EXPECT_NE(reportsOf(path).find("cannot be read"), std::string::npos);
+}
+
+TEST(PlatformLoader, EveryTruncationOfAnArchiveIsRefused) {
+    const TempDir dir;
+    packArchive(dir, "whole.pka", {{"pka.json", metadata()}, {"a", "b"}});
+    const std::string whole = dir.read("whole.pka");
+    // The digest stands in the comment at the end, which zip readers may miss a part of.
+    const std::size_t directoryEnd = whole.rfind("PK\5\6") + 22;
+    for (std::size_t size = 0; size < directoryEnd; ++size) {
+        EXPECT_NE(reportsOf(dir.write("cut.pka", whole.substr(0, size))), "ok") << size;
+    }
+}
+
+TEST(PlatformLoader, OnlyExactExtensionsAreArchives) {
+    const TempDir dir;
+    const std::string archive = packArchive(dir, "a.pka", {{"pka.json", metadata()}});
+    const CapturedMessages messages;
+    const CapturedConsole console;
+    for (const char* name : {"a.PKA", "a", "a.xml"}) {
+        std::filesystem::copy(archive, dir.path(name));
+        EXPECT_THROW_MSG(PlatformLoader(dir.path(name), AUTO), PlatformParseException,
+                         "failed to parse the QPFM file");
+    }
+    EXPECT_THROW(PlatformLoader("/nowhere/a.qpfm", AUTO), HEXFileNotFoundException);
+    packArchive(dir, ".pka", {{"pka.json", metadata()}});
+    EXPECT_NE(PlatformLoader(dir.path(".pka"), AUTO).load(), nullptr);
+}
+
+TEST(PlatformLoader, ADescriptionBringsItsArchives) {
+    const TempDir dir;
+    packArchive(dir, "hw.pka", {{"pka.json", metadata("", "hw")}});
+    packArchive(dir, "emu.pka", {{"pka.json", metadata("", "emu")}});
+    const std::string path =
+        dir.write("p.qpfm", description(">" + reference("hardwarePlatform", "hw.pka") +
+                                        reference("hwEmuPlatform", "emu.pka")));
+    const auto platform = PlatformLoader(path, AUTO).load();
+    ASSERT_NE(platform, nullptr);
+    EXPECT_TRUE(platform->isComplete());
+    EXPECT_EQ(platform->getHardwarePlatform()->getName(), "hw");
+    EXPECT_EQ(platform->getHardwareEmulationPlatform()->getName(), "emu");
+    EXPECT_NE(platform->toJSONString().find("\"hwEmuPlatform\""), std::string::npos);
+}
+
+TEST(PlatformLoader, ReferencesThatFail) {
+    const TempDir dir;
+    packArchive(dir, "hw.pka", {{"pka.json", metadata()}});
+    dir.write("hw.zip", "x");
+    const std::string hardware = reference("hardwarePlatform", "hw.pka");
+    const auto reports = [&](const std::string& platforms) {
+        return reportsOf(dir.write("p.qpfm", description(platforms)));
+    };
+    EXPECT_EQ(reports(">" + reference("hardwarePlatform", "no.pka")),
+              "@74-60@%s|hardware platform file '" + dir.path("no.pka") + "' does not exist\n");
+    EXPECT_EQ(reports(">" + reference("hardwarePlatform", "hw.zip")),
+              "@74-60@%s|incorrect file extension - only DSA and PKA files are supported\n");
+    // A missing emulation archive is reported by its reader and does not fail the load.
+    const std::string missing = reports(">" + hardware + reference("hwEmuPlatform", "no.pka"));
+    EXPECT_EQ(missing, "@74-66@%s|" + dir.path("no.pka") + "\n");
+    EXPECT_NE(PlatformLoader(dir.path("p.qpfm"), AUTO).load(), nullptr);
+}
+
+TEST(PlatformLoader, PartitionsReplaceThePlatformLevelArchives) {
+    const TempDir dir;
+    packArchive(dir, "r1.pka", {{"pka.json", metadata("", "r1")}});
+    packArchive(dir, "r2.pka", {{"pka.json", metadata("", "r2")}});
+    packArchive(dir, "e2.pka", {{"pka.json", metadata("", "e2")}});
+    const auto partition = [](const char* id, const std::string& content) {
+        return std::string("<mav:reconfigurablePartition mav:id=\"") + id + "\">" + content +
+               "</mav:reconfigurablePartition>";
+    };
+    const std::string first = partition("1", reference("hardwarePlatform", "r1.pka"));
+    const std::string second = partition(
+        "2", reference("hardwarePlatform", "r2.pka") + reference("hwEmuPlatform", "e2.pka"));
+    const std::string path =
+        dir.write("p.qpfm", description("mav:defaultRP=\"2\">" + first + second));
+    const auto platform = PlatformLoader(path, AUTO).load();
+    ASSERT_NE(platform, nullptr);
+    EXPECT_EQ(platform->getHardwarePlatform()->getName(), "r2") << "the default partition's";
+    EXPECT_EQ(platform->getHardwareEmulationPlatform()->getName(), "e2");
+    EXPECT_EQ(platform->getRPHardwarePlatform(1)->getName(), "r1");
+    EXPECT_FALSE(platform->supportsTwoHwEmuBd());
+    const std::string json = platform->toJSONString();
+    EXPECT_LT(json.find("\"defaultRPId\": \"2\""), json.find("\"hardwarePlatforms\""));
+
+    // Once named, a partition's emulation archive is mandatory.
+    dir.write("bad.qpfm", description(">" + first +
+                                      partition("2", reference("hardwarePlatform", "r2.pka") +
+                                                         reference("hwEmuPlatform", "no.pka"))));
+    EXPECT_EQ(reportsOf(dir.path("bad.qpfm")),
+              "@74-66@%s|" + dir.path("no.pka") +
+                  "\n@74-60@%s|Failed to parse Hardware Emulation Platform metadata file\n");
+    // An emulation-only partition has no archive of its own to load.
+    dir.write("only.qpfm", description(">" + partition("1", reference("hwEmuPlatform", "e2.pka"))));
+    EXPECT_EQ(reportsOf(dir.path("only.qpfm")),
+              "@74-66@%s|\n@74-60@%s|Failed to parse Hardware Platform metadata file\n");
+}
+
+TEST(PlatformLoader, ModesReachTheReader) {
+    const TempDir dir;
+    const std::string path = packArchive(dir, "a.pka", {{"alt_pka.json", metadata()}});
+    const CapturedMessages messages;
+    EXPECT_NE(PlatformLoader(path, AUTO).load(), nullptr);
+    EXPECT_TRUE(messages.all.empty());
+    EXPECT_EQ(PlatformLoader(path, PlatformLoader::HW_METADATA_PRIMARY_JSON).load(), nullptr);
+    EXPECT_EQ(PlatformLoader(path, PlatformLoader::HW_METADATA_XML).load(), nullptr);
+    EXPECT_TRUE(messages.has("device support XML is not read"));
+}
+
+TEST(PlatformLoader, AccessorsOfAFailedLoaderAreEmpty) {
+    const CapturedMessages messages;
+    PlatformLoader loader("/nowhere/a.pka", AUTO);
+    EXPECT_EQ(loader.load(), nullptr);
+    EXPECT_EQ(loader.getName() + loader.getVendor() + loader.getDescription() +
+                  loader.getVersion() + loader.getFilePath() + loader.getBaseName() +
+                  loader.getHardwarePlatformFile() + loader.getHardwareEmuPlatformFile() +
+                  loader.getSoftwarePlatformFile(),
+              "");
+}
+
+}  // namespace
