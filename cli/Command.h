@@ -33,6 +33,14 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+struct JsonOptions {
+    std::string file;
+    std::string metadata = "auto";  ///< auto, json or xml
+    bool shortForm = false;
+};
+/// Writes the platform's description to standard output. Throws UsageError, Failure.
+void runJson(const JsonOptions& options);
+
 struct PackOptions {
     std::string directory;
     std::string archive;

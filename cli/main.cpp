@@ -18,6 +18,11 @@ constexpr const char* EXIT_CODES =
     "  2  wrong use\n"
     "  3  the platform cannot be loaded, or the result cannot be written\n";
 
+constexpr const char* JSON_NOTES =
+    "A FILE ending in .pka or .dsa is read as a hardware archive, one ending in .spfm as a\n"
+    "software platform, any other as a platform description (.qpfm).\n"
+    "Standard output carries the JSON text alone; messages go to standard error.\n";
+
 constexpr const char* PACK_NOTES =
     "Every regular file below DIR becomes a member, named by its path inside DIR: the metadata\n"
     "members first, the others sorted by name. The archive carries a digest; the same files give\n"
@@ -64,10 +69,17 @@ UsageError explain(const CLI::App& app, const CLI::ParseError& error) {
     return UsageError(cli::clause(error.what()) + ".", command.get_name());
 }
 
-void describe(CLI::App& app, cli::PackOptions& pack) {
+void describe(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pack) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(EXIT_CODES);
+    CLI::App* toJson = app.add_subcommand("json", "Print the description of a platform as JSON");
+    toJson->add_option("FILE", json.file, "Platform file")->required();
+    toJson->add_flag("--short", json.shortForm, "Only uniqueName, file and description");
+    toJson->add_option("--metadata", json.metadata,
+                       "Metadata of hardware archives: auto (JSON, else XML), json (JSON when the "
+                       "primary member is there, else XML), xml");
+    toJson->footer(JSON_NOTES);
     CLI::App* toArchive = app.add_subcommand("pack", "Pack a folder into a platform archive");
     toArchive->add_option("DIR", pack.directory, "Folder with the files")->required();
     toArchive->add_option("ARCHIVE", pack.archive, "Archive to write")->required();
@@ -77,8 +89,9 @@ void describe(CLI::App& app, cli::PackOptions& pack) {
 
 int run(int argc, char** argv) {
     CLI::App app("Reads and makes platforms of the accelerated-application toolchain.", "mav");
+    cli::JsonOptions json;
     cli::PackOptions pack;
-    describe(app, pack);
+    describe(app, json, pack);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -90,6 +103,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw explain(app, error);
     }
+    if (app.got_subcommand("json")) cli::runJson(json);
     if (app.got_subcommand("pack")) cli::runPack(pack);
     return cli::DONE;
 }
