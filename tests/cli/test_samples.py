@@ -57,7 +57,7 @@ class Samples(unittest.TestCase):
         self.assertEqual(sorted(used - listed), [], "keys that no reader knows")
 
     def test_every_file_type_is_used(self):
-        source = (SOURCE / "platform/src/archive/HMAVPfmFileTypes.cpp").read_text()
+        source = (SOURCE / "platform/src/model/HMAVPfmFileTypes.cpp").read_text()
         types = set(re.findall(r'^ +"([A-Z0-9_]+)",$', source, re.MULTILINE))
         self.assertEqual(len(types), 72)
         used = {item["type"] for _, document in metadata() for item in document.get("files", [])}
