@@ -93,10 +93,11 @@ class MAV_API JSONWriter {
     void rollBack() noexcept;
     void finishText();
     void finishTree();
-    std::uint64_t hashOf(std::string_view key) const;
+    static std::uint64_t hashOf(std::string_view key);
     std::size_t memberRoom(std::string_view key) const;
     char* putMemberStart(char* out, std::string_view key, json::KeyPlace& place) const;
-    bool appendScalar(std::string_view key, std::string_view value, Existing existing);
+    bool appendScalar(std::string_view key, std::uint64_t hash, std::string_view value,
+                      Existing existing);
     void appendCopy(std::string_view key, const JSONWriter& sub);
     bool appendRendered(std::string_view key, const ptree& sub);
     bool takes(std::string_view key) const;

@@ -122,15 +122,13 @@ char* escape(char* out, std::string_view text) {
 #endif
 }
 
-std::size_t escapeRoom(std::string_view text) {
-    constexpr std::size_t SHORT = 4096;
-    if (text.size() <= SHORT) return LONGEST_ESCAPE * text.size();
-    std::size_t room = text.size();
+std::size_t escapedSize(std::string_view text) {
+    std::size_t size = text.size();
     for (const char c : text) {
         const char letter = ESCAPES[static_cast<unsigned char>(c)];
-        if (letter != 0) room += letter == 'u' ? LONGEST_ESCAPE - 1 : 1;
+        if (letter != 0) size += letter == 'u' ? LONGEST_ESCAPE - 1 : 1;
     }
-    return room;
+    return size;
 }
 
 const char* unescape(const char* cur, std::string& out) {
@@ -152,13 +150,6 @@ const char* unescape(const char* cur, std::string& out) {
             out += index == std::string_view::npos ? letter : MEANING[index];
         }
     }
-}
-
-char* putSpaces(char* out, std::size_t count) {
-    constexpr std::string_view SPACES = "                ";
-    char* const end = out + count;
-    for (; out < end; out += SPACES.size()) std::memcpy(out, SPACES.data(), SPACES.size());
-    return end;
 }
 
 }  // namespace mav_platform::json

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -11,14 +12,26 @@ namespace mav_platform::json {
 /// needs `escapeRoom(text)` bytes and may be overwritten up to TextBuffer::SLACK bytes behind.
 char* escape(char* out, std::string_view text);
 
+/// The size of the escaped text.
+std::size_t escapedSize(std::string_view text);
+
 /// Room for the escaped text: a quick bound for short texts, exact for long ones.
-std::size_t escapeRoom(std::string_view text);
+inline std::size_t escapeRoom(std::string_view text) {
+    constexpr std::size_t SHORT = 4096;
+    constexpr std::size_t LONGEST_ESCAPE = 6;
+    return text.size() <= SHORT ? LONGEST_ESCAPE * text.size() : escapedSize(text);
+}
 
 /// Reads an escaped text up to its closing quotation mark, appends it to `out` decoded and answers
 /// the place behind the mark. Only for text that `escape` made.
 const char* unescape(const char* cur, std::string& out);
 
 /// Writes `count` spaces and answers their end; may overwrite up to TextBuffer::SLACK bytes behind.
-char* putSpaces(char* out, std::size_t count);
+inline char* putSpaces(char* out, std::size_t count) {
+    constexpr std::string_view SPACES = "                ";
+    char* const end = out + count;
+    for (; out < end; out += SPACES.size()) std::memcpy(out, SPACES.data(), SPACES.size());
+    return end;
+}
 
 }  // namespace mav_platform::json

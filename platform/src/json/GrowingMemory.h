@@ -6,9 +6,9 @@
 
 namespace mav_platform::json {
 
-/// Raw memory that grows. Small blocks come from the heap; large ones are pages of their own that
-/// move without being copied, so that growing never holds two copies and untouched room costs
-/// nothing.
+/// Raw memory that grows. Small blocks come from the heap. Large ones are pages of their own, huge
+/// ones where the system has them: they have room to grow into that costs nothing until it is
+/// touched, and move without being copied.
 class GrowingMemory {
   public:
     GrowingMemory() = default;
@@ -32,13 +32,15 @@ class GrowingMemory {
     /// Gives all memory back.
     void release() noexcept;
 
-    /// Copies the first `size` bytes to `out` and gives the pages back while going, so that the
+    /// Copies the first `size` bytes to `out` and gives the pages back while going, so that a large
     /// content is never held twice. The content is lost.
     void drainTo(char* out, std::size_t size) noexcept;
 
   private:
+    static constexpr std::size_t PAGED_FROM = std::size_t{1} << 18;
     bool paged() const { return capacity_ >= PAGED_FROM; }
-    static constexpr std::size_t PAGED_FROM = std::size_t{1} << 20;
+    void growHeap(std::size_t size);
+    void growPages(std::size_t size);
 
     char* data_ = nullptr;
     std::size_t capacity_ = 0;

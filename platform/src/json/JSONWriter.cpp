@@ -59,7 +59,7 @@ JSONWriter::JSONWriter(JSONWriter& parent, std::string_view key, bool list)
         return;
     }
     ownsText_ = false;
-    keyHash_ = parent.hashOf(key);
+    keyHash_ = hashOf(key);
     mark_ = out_->text.size();
     depth_ = parent.depth_ + 1;
     parent.makeRoomForKey();
@@ -245,7 +245,11 @@ void JSONWriter::leaveParent() noexcept {
 void JSONWriter::addText(std::string_view key, std::string_view value) {
     if (value.empty()) return;
     checkIdle();
-    if (takes(key) && appendScalar(key, value, Existing::REPLACED)) return;
+    if (!treeMode_) {
+        const json::KeyLook look = json::lookAtKey(key);
+        if ((look.plain || list_) && appendScalar(key, look.hash, value, Existing::REPLACED))
+            return;
+    }
     useTree();
     ptree* node = list_ ? nullptr : json::findPath(extra_->tree, key);
     if (node == nullptr) node = &addNodeAtPath(key);
@@ -255,7 +259,7 @@ void JSONWriter::addText(std::string_view key, std::string_view value) {
 void JSONWriter::addLiteralText(std::string_view key, std::string_view value) {
     if (value.empty()) return;
     checkIdle();
-    if (!treeMode_ && !key.empty() && appendScalar(key, value, Existing::KEPT)) return;
+    if (!treeMode_ && !key.empty() && appendScalar(key, hashOf(key), value, Existing::KEPT)) return;
     useTree();
     addNode(key).data().assign(value);
 }
@@ -308,11 +312,11 @@ void JSONWriter::addTexts(std::string_view key, const HSTVector<std::string>& va
 
 /// True when a member of that path can go straight into the text.
 bool JSONWriter::takes(std::string_view path) const {
-    return !treeMode_ && (list_ || json::isPlainKey(path));
+    return !treeMode_ && (list_ || json::lookAtKey(path).plain);
 }
 
-std::uint64_t JSONWriter::hashOf(std::string_view key) const {
-    return list_ ? 0 : json::hashKey(key);
+std::uint64_t JSONWriter::hashOf(std::string_view key) {
+    return json::lookAtKey(key).hash;
 }
 
 /// Begins a member in room that is there; `place` learns where the key stands.
@@ -336,9 +340,10 @@ std::size_t JSONWriter::memberRoom(std::string_view key) const {
 }
 
 /// False, with nothing written, when the key is there already and its value must be replaced.
-bool JSONWriter::appendScalar(std::string_view key, std::string_view value, Existing existing) {
+bool JSONWriter::appendScalar(std::string_view key, std::uint64_t hash, std::string_view value,
+                              Existing existing) {
     makeRoomForKey();
-    KeyPlace place{hashOf(key)};
+    KeyPlace place{hash};
     char* out = out_->text.room(memberRoom(key) + json::escapeRoom(value));
     out = putMemberStart(out, key, place);
     if (existing == Existing::REPLACED && knows(place)) return false;

@@ -12,54 +12,47 @@
 
 namespace mav_platform::json {
 
-/// Eight bytes at a time; equal keys have equal hashes.
-inline std::uint64_t hashKey(std::string_view key) {
-    constexpr std::uint64_t FACTOR = 0x9E3779B97F4A7C15;
-    const char* cur = key.data();
-    std::size_t left = key.size();
-    std::uint64_t hash = left * FACTOR;
-    const auto take = [&](std::uint64_t word) {
-        hash = (hash ^ word) * FACTOR;
-        hash ^= hash >> 29;
-    };
-    for (; left >= 8; cur += 8, left -= 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, cur, 8);
-        take(word);
-    }
-    if (left >= 4) {
-        std::uint32_t head = 0;
-        std::uint32_t tail = 0;
-        std::memcpy(&head, cur, 4);
-        std::memcpy(&tail, cur + left - 4, 4);
-        take(head | std::uint64_t{tail} << 32);
-    } else if (left > 0) {
-        std::uint64_t word = 0;
-        for (std::size_t i = 0; i < left; ++i) {
-            word = word << 8 | static_cast<unsigned char>(cur[i]);
-        }
-        take(word);
-    }
-    return hash * FACTOR;
+/// What one look at a key tells.
+struct KeyLook {
+    std::uint64_t hash;  ///< equal keys have equal hashes; of long keys only both ends count
+    bool plain;          ///< neither empty nor a path of several parts
+};
+
+inline bool hasDot(std::uint64_t bytes) {
+    constexpr std::uint64_t ONES = 0x0101010101010101;
+    bytes ^= ONES * '.';
+    return ((bytes - ONES) & ~bytes & (ONES << 7)) != 0;
 }
 
-/// False for the keys that only a tree can hold as members: paths of several parts, and the empty
-/// one.
-inline bool isPlainKey(std::string_view key) {
-    if (key.empty()) return false;
-    constexpr std::uint64_t ONES = 0x0101010101010101;
-    const char* cur = key.data();
-    std::size_t left = key.size();
-    for (; left >= 8; cur += 8, left -= 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, cur, 8);
-        word ^= ONES * '.';
-        if (((word - ONES) & ~word & (ONES << 7)) != 0) return false;
+template <class Word>
+Word loadWord(const char* from) {
+    Word word;
+    std::memcpy(&word, from, sizeof(word));
+    return word;
+}
+
+inline KeyLook lookAtKey(std::string_view key) {
+    constexpr std::uint64_t FACTOR = 0x9E3779B97F4A7C15;
+    const char* const text = key.data();
+    const std::size_t size = key.size();
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+    if (size >= 8) {
+        head = loadWord<std::uint64_t>(text);
+        tail = loadWord<std::uint64_t>(text + size - 8);
+    } else if (size >= 4) {
+        head = loadWord<std::uint32_t>(text);
+        tail = loadWord<std::uint32_t>(text + size - 4);
+    } else {
+        for (const char c : key) head = head << 8 | static_cast<unsigned char>(c);
     }
-    for (; left > 0; --left) {
-        if (*cur++ == '.') return false;
+    bool dot = hasDot(head) || hasDot(tail);
+    for (std::size_t at = 8; at + 8 < size; at += 8) {
+        dot = dot || hasDot(loadWord<std::uint64_t>(text + at));
     }
-    return true;
+    std::uint64_t hash = (head ^ size) * FACTOR;
+    hash = (hash ^ hash >> 32 ^ tail) * FACTOR;
+    return {hash, size != 0 && !dot};
 }
 
 /// Where a key stands, escaped, in a text.
