@@ -5,11 +5,11 @@
 #include <mav_platform/HMAVJSONUtils.h>
 #include <mav_platform/HMAVPlatform.h>
 #include <mav_platform/JSONObjectWriter.h>
-#include <mav_platform/JSONWriter.h>
 #include <mav_platform/PlatformLoader.h>
 #include <mav_platform/PlatformParseException.h>
 #include <mav_platform/mav_platform_c.h>
 
+#include <boost/property_tree/ptree.hpp>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -19,7 +19,6 @@
 namespace {
 
 using mav_platform::JSONObjectWriter;
-using mav_platform::JSONWriter;
 using mav_platform::PlatformLoader;
 
 int failures = 0;
@@ -39,7 +38,7 @@ std::string viaObjects(const std::string& archive) {
     JSONObjectWriter writer;
     writer.writeObject(*platform);
     std::ostringstream text;
-    JSONWriter::write(writer, text);
+    writer.write(text);
     return text.str();
 }
 
