@@ -51,9 +51,11 @@ fs::path ownFile() {
     return fs::canonical(linkedIn ? "/proc/self/exe" : own.dli_fname, error);
 }
 
+// Asked when the library is loaded: a relative name no longer holds once the tool changes folders.
+const fs::path theLibrary = ownFile();
+
 /// The share directory beside the library that this code is in; empty when that is not known.
-std::string findShareDir() {
-    const fs::path library = ownFile();
+std::string shareDir(const fs::path& library) {
     if (library.empty()) return "";
     const fs::path beside = library.parent_path().parent_path() / "share" / "mav";
     // A library directory may have one level more, such as lib/x86_64-linux-gnu.
@@ -76,9 +78,8 @@ class DefaultProvider final : public HUTEnvProvider {
     void getAppRootList(HSTVector<std::string>& out) const override {
         const char* const roots = std::getenv("MAV_APP_ROOT");
         if (roots == nullptr || *roots == '\0') {
-            // Kept, because a relative library path no longer holds once the tool changes folders.
-            static const std::string SHARE_DIR = findShareDir();
-            if (!SHARE_DIR.empty()) out.push_back(SHARE_DIR);
+            const std::string share = shareDir(theLibrary);
+            if (!share.empty()) out.push_back(share);
             return;
         }
         std::string_view rest = roots;
