@@ -9,7 +9,6 @@
 #include <iterator>
 #include <map>
 #include <optional>
-#include <regex>
 #include <string>
 #include <string_view>
 
@@ -66,25 +65,45 @@ std::optional<std::size_t> countElements(std::string_view text, std::size_t at) 
     return std::nullopt;
 }
 
+std::size_t skip(std::string_view text, std::size_t at, std::string_view characters) {
+    return std::min(text.find_first_not_of(characters, at), text.size());
+}
+
 /// The number of arguments that stand behind an id literal in a call: `"id", {a, b})` or `"id")`.
 std::optional<std::size_t> countArguments(std::string_view text, std::size_t behindId) {
-    static const std::regex LIST(R"re("\s*,\s*\{)re");
-    static const std::regex NONE(R"re("\s*\)\s*;)re");
-    const std::string_view rest = text.substr(behindId);
-    std::match_results<std::string_view::const_iterator> match;
-    constexpr auto HERE = std::regex_constants::match_continuous;
-    if (std::regex_search(rest.begin(), rest.end(), match, NONE, HERE)) return 0;
-    if (!std::regex_search(rest.begin(), rest.end(), match, LIST, HERE)) return std::nullopt;
-    return countElements(text, behindId + static_cast<std::size_t>(match.length()) - 1);
+    constexpr std::string_view BLANKS = " \n";
+    if (text.substr(behindId, 1) != "\"") return std::nullopt;
+    std::size_t at = skip(text, behindId + 1, BLANKS);
+    const char separator = at < text.size() ? text[at] : ' ';
+    at = skip(text, at + 1, BLANKS);
+    const char next = at < text.size() ? text[at] : ' ';
+    if (separator == ')' && next == ';') return 0;
+    if (separator == ',' && next == '{') return countElements(text, at);
+    return std::nullopt;
+}
+
+/// The message id that begins at `at`, such as "@74-14@%s%s"; empty when none does.
+std::string idAt(std::string_view text, std::size_t at) {
+    constexpr std::string_view DIGITS = "0123456789";
+    const std::size_t dash = skip(text, at + 1, DIGITS);
+    const std::size_t close = skip(text, dash + 1, DIGITS);
+    const bool numbers = dash > at + 1 && close > dash + 1;
+    if (!numbers || text.substr(dash, 1) != "-" || text.substr(close, 1) != "@") return "";
+    std::size_t end = close + 1;
+    while (end + 1 < text.size() && text[end] == '%' && text[end + 1] >= 'a' &&
+           text[end + 1] <= 'z') {
+        end += 2;
+    }
+    return std::string(text.substr(at, end - at));
 }
 
 Findings check(const std::string& text, const std::string& file) {
-    static const std::regex ID(R"(@(\d+-\d+)@((?:%[a-z])*))");
     Findings found;
-    for (std::sregex_iterator at(text.begin(), text.end(), ID), end; at != end; ++at) {
+    for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@', at + 1)) {
+        const std::string id = idAt(text, at);
+        if (id.empty()) continue;
         ++found.uses;
-        const std::string id = at->str();
-        const mav_host::CatalogueEntry* const entry = find(at->str(1));
+        const mav_host::CatalogueEntry* const entry = find(id.substr(1, id.rfind('@') - 1));
         if (entry == nullptr) {
             found.faults += file + ": the catalogue has no " + id + "\n";
             continue;
@@ -92,8 +111,7 @@ Findings check(const std::string& text, const std::string& file) {
         if (entry->id != id) {
             found.faults += file + ": " + id + " is " + std::string(entry->id) + "\n";
         }
-        const auto behind = static_cast<std::size_t>(at->position() + at->length());
-        const std::optional<std::size_t> given = countArguments(text, behind);
+        const std::optional<std::size_t> given = countArguments(text, at + id.size());
         if (!given) continue;
         ++found.calls;
         if (*given != placeholders(entry->id)) {
