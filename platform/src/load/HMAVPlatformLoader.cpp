@@ -7,6 +7,7 @@
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "mav_platform/HMAVReconfigurablePartition.h"
+#include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
 #include "mav_platform/HPLPlatform.h"
 #include "mav_platform/PlatformLoader.h"
 #include "mav_platform/PlatformParseException.h"
@@ -139,6 +140,13 @@ void PlatformLoader::attachSoftwarePlatform() {
     if (!HUTFile::exists(path)) {
         throw PlatformParseException("the software platform file does not exist");
     }
+    const std::shared_ptr<HMAVSoftwarePlatform> software =
+        platform_->createMutableSoftwarePlatform();
+    // The text is the one for a missing file also where the file is there and does not parse.
+    if (!HMAVSoftwarePlatformXMLReader(path, software).parseFile()) {
+        throw PlatformParseException("software platform file does not exist");
+    }
+    platform_->addSoftwarePlatform(software.get());
 }
 
 void PlatformLoader::loadReconfigurablePartitions_() {

@@ -212,6 +212,39 @@ TEST(PlatformLoader, PartitionsReplaceThePlatformLevelArchives) {
               "@74-66@%s|\n@74-60@%s|Failed to parse Hardware Platform metadata file\n");
 }
 
+TEST(PlatformLoader, SoftwarePlatforms) {
+    const TempDir dir;
+    const std::string software =
+        "<mav:platform><mav:systemConfigurations>"
+        "<mav:configuration mav:name='linux'/>"
+        "</mav:systemConfigurations></mav:platform>";
+    const auto bare = PlatformLoader(dir.write("s.spfm", software), AUTO).load();
+    ASSERT_NE(bare, nullptr);
+    EXPECT_TRUE(bare->isPartial());
+    EXPECT_EQ(bare->getHardwarePlatform(), nullptr);
+    EXPECT_EQ(bare->getSoftwarePlatform()->getSystemConfig()->getName(), "linux");
+
+    packArchive(dir, "hw.pka", {{"pka.json", metadata()}});
+    const auto write = [&](const char* name) {
+        return dir.write(
+            "p.qpfm",
+            "<mav:platform mav:vendor='v' mav:library='l' mav:name='n' mav:version='1'>"
+            "<mav:hardwarePlatforms><mav:hardwarePlatform mav:path='.' mav:name='hw.pka'/>"
+            "</mav:hardwarePlatforms><mav:softwarePlatforms><mav:softwarePlatform mav:path='.' "
+            "mav:name='" +
+                std::string(name) + "'/></mav:softwarePlatforms></mav:platform>");
+    };
+    const auto whole = PlatformLoader(write("s.spfm"), AUTO).load();
+    ASSERT_NE(whole, nullptr);
+    EXPECT_NE(whole->toJSONString().find("\"softwarePlatform\""), std::string::npos);
+    EXPECT_EQ(reportsOf(write("no.spfm")), "@74-60@%s|the software platform file does not exist\n");
+    const CapturedConsole console;
+    dir.write("bad.spfm", "<x/>");
+    EXPECT_NE(
+        reportsOf(write("bad.spfm")).find("\n@74-60@%s|software platform file does not exist\n"),
+        std::string::npos);
+}
+
 TEST(PlatformLoader, ModesReachTheReader) {
     const TempDir dir;
     const std::string path = packArchive(dir, "a.pka", {{"alt_pka.json", metadata()}});
