@@ -69,10 +69,8 @@ std::string hashMembers(zip_t* zip, const std::string& path,
     const zip_int64_t count = zip_get_num_entries(zip, 0);
     for (zip_int64_t i = 0; i < count; ++i) {
         const auto index = static_cast<zip_uint64_t>(i);
-        const std::string name = zip_get_name(zip, index, 0);
-        zip_stat_t status;
-        zip_stat_init(&status);
-        zip_stat_index(zip, index, 0, &status);
+        const std::string name = memberName(zip, index);
+        const zip_stat_t status = statMember(zip, index);
         hash.add(name.size());
         hash.add(name.data(), name.size());
         hash.add(status.size);
@@ -80,10 +78,6 @@ std::string hashMembers(zip_t* zip, const std::string& path,
                      [&](const char* data, std::size_t size) { hash.add(data, size); });
     }
     return hash.hex();
-}
-
-bool beginsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
 }
 
 }  // namespace
@@ -102,16 +96,19 @@ mav_host::DigestState HUTZip::verifyDigest(const std::string& archive) {
     const char* const comment = zip_get_archive_comment(zip.get(), &size, ZIP_FL_ENC_RAW);
     const std::string_view stored(comment != nullptr ? comment : "",
                                   static_cast<std::size_t>(size));
-    const bool keyed = mav_host::beginsWith(stored, mav_host::KEYED);
-    if (!keyed && !mav_host::beginsWith(stored, mav_host::PLAIN)) return DigestState::MISSING;
-    const std::optional<std::string> secret = keyed ? mav_host::key() : std::nullopt;
+    if (!stored.starts_with(mav_host::DIGEST_START)) return DigestState::MISSING;
+    const bool keyed = stored.starts_with(mav_host::KEYED);
+    if (!keyed && !stored.starts_with(mav_host::PLAIN)) return DigestState::MISMATCH;
+    const std::optional<std::string> secret = mav_host::key();
     if (keyed && !secret) return DigestState::NO_KEY;
     try {
-        const std::string expected = std::string(keyed ? mav_host::KEYED : mav_host::PLAIN) +
-                                     mav_host::hashMembers(zip.get(), archive, secret);
+        const std::string expected =
+            std::string(keyed ? mav_host::KEYED : mav_host::PLAIN) +
+            mav_host::hashMembers(zip.get(), archive, keyed ? secret : std::nullopt);
         const bool equal = expected.size() == stored.size() &&
                            sodium_memcmp(expected.data(), stored.data(), stored.size()) == 0;
-        return equal ? DigestState::VALID : DigestState::MISMATCH;
+        if (!equal) return DigestState::MISMATCH;
+        return secret && !keyed ? DigestState::UNKEYED : DigestState::VALID;
     } catch (const HEXDataException&) {
         // A member that cannot be read whole is not what the digest was made over.
         return DigestState::MISMATCH;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace mav_host {
@@ -39,6 +40,9 @@ inline bool syncPath(const std::string& path) {
     const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     return fd.isOpen() && ::fsync(fd.get()) == 0;
 }
+
+/// Writes all of the content. False with errno set when that fails.
+bool writeAll(int fd, std::string_view content);
 
 /// The mode of a new file: what the process's mask leaves of 0666. Read without changing the mask
 /// where the system shows it, because the tool's other threads may be making files.

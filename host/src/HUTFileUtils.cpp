@@ -37,7 +37,9 @@ mode_t modeFor(const std::string& path, const std::string& target) {
                            "is as it was");
 }
 
-bool writeAll(int fd, const std::string& content) {
+}  // namespace
+
+bool mav_host::writeAll(int fd, std::string_view content) {
     std::size_t done = 0;
     while (done < content.size()) {
         const ssize_t count = ::write(fd, content.data() + done, content.size() - done);
@@ -47,8 +49,6 @@ bool writeAll(int fd, const std::string& content) {
     }
     return true;
 }
-
-}  // namespace
 
 mode_t mav_host::newFileMode() {
     std::ifstream status("/proc/self/status");
@@ -107,7 +107,7 @@ void HUTFileUtils::writeWhole(const std::string& path, const std::string& conten
     std::string temporary = target + ".new-XXXXXX";
     FileDescriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!file.isOpen()) refuse(path, "making a file beside it", "");
-    if (!writeAll(file.get(), content)) refuse(path, "writing", temporary);
+    if (!mav_host::writeAll(file.get(), content)) refuse(path, "writing", temporary);
     if (::fchmod(file.get(), mode) != 0) refuse(path, "setting permissions", temporary);
     if (::fsync(file.get()) != 0 || !file.close()) refuse(path, "syncing", temporary);
     if (::rename(temporary.c_str(), target.c_str()) != 0) refuse(path, "renaming", temporary);

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <libdeflate.h>
+#include <sys/mman.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
-#include <utility>
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
@@ -18,14 +17,6 @@ namespace {
 
 /// The most that one packed byte can inflate to under deflate (RFC 1951: 258 bytes for 2 bits).
 constexpr std::uint64_t MAX_RATIO = 1032;
-
-bool beginsLikeZip(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::array<char, 4> magic{};
-    file.read(magic.data(), magic.size());
-    return file && magic[0] == 'P' && magic[1] == 'K' &&
-           ((magic[2] == 3 && magic[3] == 4) || (magic[2] == 5 && magic[3] == 6));
-}
 
 [[noreturn]] void refuseArchive(const std::string& path, const std::string& reason) {
     throw HEXUserException("The archive '" + path + "' " + reason);
@@ -43,60 +34,69 @@ std::string limitText(std::uint64_t limit) {
 constexpr const char* WRONG_SIZE =
     "holds another number of bytes than its header claims; the archive is damaged";
 constexpr const char* DAMAGED = "is damaged: its checksum or its packed data is wrong";
-
-zip_stat_t statMember(zip_t* zip, zip_uint64_t index) {
-    zip_stat_t status;
-    zip_stat_init(&status);
-    zip_stat_index(zip, index, 0, &status);
-    return status;
-}
+constexpr const char* CUT_OFF = "is cut off; the archive is damaged";
 
 struct FreeDecompressor {
     void operator()(libdeflate_decompressor* it) const { libdeflate_free_decompressor(it); }
 };
 
-/// The member's bytes as they stand in the archive.
-std::string readPacked(zip_t* zip, zip_uint64_t index, const zip_stat_t& status,
-                       const std::string& path) {
-    const ZipFileHandle file(zip_fopen_index(zip, index, ZIP_FL_COMPRESSED));
-    if (!file) refuseMember(path, status.name, std::string("cannot be read: ") + zip_strerror(zip));
-    std::string packed(status.comp_size, '\0');
-    std::size_t done = 0;
-    while (done < packed.size()) {
-        const zip_int64_t count = zip_fread(file.get(), packed.data() + done, packed.size() - done);
-        if (count <= 0) refuseMember(path, status.name, "is cut off; the archive is damaged");
-        done += static_cast<std::size_t>(count);
-    }
-    return packed;
+/// Room for `size` bytes. Large texts are asked of the system in large pages: taking them page by
+/// page costs more than inflating them.
+std::string makeRoom(std::size_t size) {
+    constexpr std::uintptr_t PAGE = std::uintptr_t{2} << 20;
+    std::string room;
+    room.reserve(size);
+    const auto start = reinterpret_cast<std::uintptr_t>(room.data());
+    const std::uintptr_t first = (start + PAGE - 1) / PAGE * PAGE;
+    const std::uintptr_t end = (start + size) / PAGE * PAGE;
+    if (first < end) ::madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    room.resize(size);
+    return room;
 }
 
-/// Inflates a whole member at once. The memory taken is bounded by what the packed bytes can hold.
-std::string inflateMember(zip_t* zip, zip_uint64_t index, const zip_stat_t& status,
-                          const std::string& path, std::uint64_t fileSize) {
-    if (status.comp_size > fileSize) {
-        refuseMember(path, status.name, "is cut off; the archive is damaged");
+/// Fills `to` with the member's bytes as they stand in the archive.
+void readPacked(zip_t* zip, zip_uint64_t index, const zip_stat_t& status, const std::string& path,
+                char* to) {
+    const ZipFileHandle file(zip_fopen_index(zip, index, ZIP_FL_COMPRESSED));
+    if (!file) refuseMember(path, status.name, CUT_OFF);
+    std::uint64_t done = 0;
+    while (done < status.comp_size) {
+        const zip_int64_t count = zip_fread(file.get(), to + done, status.comp_size - done);
+        if (count <= 0) refuseMember(path, status.name, CUT_OFF);
+        done += static_cast<std::uint64_t>(count);
     }
+}
+
+std::string inflateMember(zip_t* zip, zip_uint64_t index, const zip_stat_t& status,
+                          const std::string& path) {
     if (status.size > status.comp_size * MAX_RATIO) refuseMember(path, status.name, WRONG_SIZE);
-    const std::string packed = readPacked(zip, index, status, path);
+    const auto packed = std::make_unique_for_overwrite<char[]>(status.comp_size);
+    readPacked(zip, index, status, path, packed.get());
     const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> decompressor(
         libdeflate_alloc_decompressor());
     if (!decompressor) throw std::bad_alloc();
-    std::string content(status.size, '\0');
+    std::string content = makeRoom(status.size);
     std::size_t size = 0;
-    switch (libdeflate_deflate_decompress(decompressor.get(), packed.data(), packed.size(),
-                                          content.data(), content.size(), &size)) {
-        case LIBDEFLATE_SUCCESS:
-            break;
-        case LIBDEFLATE_INSUFFICIENT_SPACE:
-            refuseMember(path, status.name, WRONG_SIZE);
-        default:
-            refuseMember(path, status.name, DAMAGED);
-    }
+    const libdeflate_result result = libdeflate_deflate_decompress(
+        decompressor.get(), packed.get(), status.comp_size, content.data(), content.size(), &size);
+    if (result == LIBDEFLATE_INSUFFICIENT_SPACE) refuseMember(path, status.name, WRONG_SIZE);
+    if (result != LIBDEFLATE_SUCCESS) refuseMember(path, status.name, DAMAGED);
     if (size != status.size) refuseMember(path, status.name, WRONG_SIZE);
-    if (libdeflate_crc32(0, content.data(), size) != status.crc) {
-        refuseMember(path, status.name, DAMAGED);
-    }
     return content;
+}
+
+std::string copyStored(zip_t* zip, zip_uint64_t index, const zip_stat_t& status,
+                       const std::string& path) {
+    if (status.size != status.comp_size) refuseMember(path, status.name, WRONG_SIZE);
+    std::string content = makeRoom(status.size);
+    readPacked(zip, index, status, path, content.data());
+    return content;
+}
+
+/// Packed data far larger than the content does not come from a packer; it is not taken into
+/// memory.
+bool isOverlong(const zip_stat_t& status) {
+    return status.comp_size > status.size + status.size / 8 + 1024;
 }
 
 }  // namespace
@@ -107,34 +107,68 @@ ZipHandle openZip(const std::string& path) {
     int code = 0;
     errno = 0;
     ZipHandle zip(zip_open(path.c_str(), ZIP_RDONLY, &code));
-    if (zip) return zip;
     const std::error_code system(errno, std::generic_category());
-    if (code == ZIP_ER_OPEN || code == ZIP_ER_READ) {
+    if (!zip && (code == ZIP_ER_OPEN || code == ZIP_ER_READ)) {
         refuseArchive(path, "cannot be read: " + system.message() + "; check its permissions");
     }
-    if (!beginsLikeZip(path)) {
+    if (zip && (zip_get_num_entries(zip.get(), 0) > 0 || HUTZip::isZip(path))) return zip;
+    if (!HUTZip::isZip(path)) {
         refuseArchive(path, "is not a zip archive; check that it is the file you mean");
     }
     refuseArchive(path, "is cut off or damaged: its directory cannot be read; copy it afresh");
 }
 
+std::string memberName(zip_t* zip, zip_uint64_t index) {
+    const char* const name = zip_get_name(zip, index, 0);
+    return name != nullptr ? name : "";
+}
+
+zip_stat_t statMember(zip_t* zip, zip_uint64_t index) {
+    zip_stat_t status;
+    zip_stat_init(&status);
+    zip_stat_index(zip, index, 0, &status);
+    if (status.name == nullptr) status.name = "";
+    return status;
+}
+
+zip_int64_t findMember(zip_t* zip, const std::string& name) {
+    if (name.find('\0') != std::string::npos) return -1;
+    return zip_name_locate(zip, name.c_str(), 0);
+}
+
+ZipFileHandle openMember(zip_t* zip, zip_uint64_t index, const std::string& path) {
+    const zip_stat_t status = statMember(zip, index);
+    if (status.encryption_method != ZIP_EM_NONE) {
+        refuseMember(path, status.name, "is encrypted, which is not supported; pack it plain");
+    }
+    if (zip_compression_method_supported(status.comp_method, 0) == 0) {
+        refuseMember(path, status.name,
+                     "is packed by method " + std::to_string(status.comp_method) +
+                         ", which is not supported; pack it with deflate");
+    }
+    ZipFileHandle file(zip_fopen_index(zip, index, 0));
+    if (!file) {
+        refuseMember(path, status.name, std::string("cannot be read: ") + zip_strerror(zip));
+    }
+    return file;
+}
+
 void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::uint64_t limit,
                   const std::function<void(const char*, std::size_t)>& sink) {
     const zip_stat_t status = statMember(zip, index);
-    const ZipFileHandle file(zip_fopen_index(zip, index, 0));
-    if (!file) refuseMember(path, status.name, std::string("cannot be read: ") + zip_strerror(zip));
+    if (status.size > limit) refuseMember(path, status.name, limitText(limit));
+    const ZipFileHandle file = openMember(zip, index, path);
     std::array<char, 1U << 16U> piece;
-    std::uint64_t done = 0;
+    std::uint64_t left = status.size;
     for (;;) {
         const zip_int64_t count = zip_fread(file.get(), piece.data(), piece.size());
         if (count < 0) refuseMember(path, status.name, DAMAGED);
         if (count == 0) break;
-        done += static_cast<std::uint64_t>(count);
-        if (done > limit) refuseMember(path, status.name, limitText(limit));
-        if (done > status.size) refuseMember(path, status.name, WRONG_SIZE);
+        if (static_cast<std::uint64_t>(count) > left) refuseMember(path, status.name, WRONG_SIZE);
+        left -= static_cast<std::uint64_t>(count);
         sink(piece.data(), static_cast<std::size_t>(count));
     }
-    if (done != status.size) refuseMember(path, status.name, WRONG_SIZE);
+    if (left != 0) refuseMember(path, status.name, WRONG_SIZE);
 }
 
 struct ZipArchive::Impl {
@@ -143,7 +177,7 @@ struct ZipArchive::Impl {
     std::uint64_t fileSize;
 
     zip_uint64_t find(const std::string& member) const {
-        const zip_int64_t index = zip_name_locate(zip.get(), member.c_str(), 0);
+        const zip_int64_t index = findMember(zip.get(), member);
         if (index < 0) refuseMember(path, member, "does not exist");
         return static_cast<zip_uint64_t>(index);
     }
@@ -157,7 +191,7 @@ const std::string& ZipArchive::path() const {
 }
 
 bool ZipArchive::contains(const std::string& member) const {
-    return zip_name_locate(impl_->zip.get(), member.c_str(), 0) >= 0;
+    return findMember(impl_->zip.get(), member) >= 0;
 }
 
 HSTVector<ZipMember> ZipArchive::members() const {
@@ -166,8 +200,7 @@ HSTVector<ZipMember> ZipArchive::members() const {
     for (zip_int64_t i = 0; i < count; ++i) {
         const auto index = static_cast<zip_uint64_t>(i);
         const zip_stat_t status = statMember(impl_->zip.get(), index);
-        const char* const name = zip_get_name(impl_->zip.get(), index, 0);
-        members.push_back({name != nullptr ? name : "", status.size, status.comp_size});
+        members.push_back({memberName(impl_->zip.get(), index), status.size, status.comp_size});
     }
     return members;
 }
@@ -177,12 +210,21 @@ std::string ZipArchive::read(const std::string& member, std::uint64_t limit) con
     const zip_uint64_t index = impl_->find(member);
     const zip_stat_t status = statMember(zip, index);
     if (status.size > limit) refuseMember(impl_->path, member, limitText(limit));
-    if (status.comp_method == ZIP_CM_DEFLATE && status.encryption_method == ZIP_EM_NONE) {
-        return inflateMember(zip, index, status, impl_->path, impl_->fileSize);
-    }
+    const bool plain = status.encryption_method == ZIP_EM_NONE && !isOverlong(status);
+    if (plain && status.comp_size > impl_->fileSize) refuseMember(impl_->path, member, CUT_OFF);
     std::string content;
-    streamMember(zip, index, impl_->path, limit,
-                 [&](const char* data, std::size_t size) { content.append(data, size); });
+    if (plain && status.comp_method == ZIP_CM_DEFLATE) {
+        content = inflateMember(zip, index, status, impl_->path);
+    } else if (plain && status.comp_method == ZIP_CM_STORE) {
+        content = copyStored(zip, index, status, impl_->path);
+    } else {
+        streamMember(zip, index, impl_->path, limit,
+                     [&](const char* data, std::size_t size) { content.append(data, size); });
+        return content;
+    }
+    if (libdeflate_crc32(0, content.data(), content.size()) != status.crc) {
+        refuseMember(impl_->path, member, DAMAGED);
+    }
     return content;
 }
 
@@ -190,6 +232,24 @@ void ZipArchive::read(const std::string& member, std::uint64_t limit,
                       const std::function<void(const char*, std::size_t)>& sink) const {
     const zip_uint64_t index = impl_->find(member);
     streamMember(impl_->zip.get(), index, impl_->path, limit, sink);
+}
+
+MemberBuffer::MemberBuffer(const ZipArchive& archive, const std::string& member)
+    : archive_(archive.impl_), piece_(1U << 16U) {
+    const zip_uint64_t index = archive_->find(member);
+    file_ = openMember(archive_->zip.get(), index, archive_->path);
+    left_ = statMember(archive_->zip.get(), index).size;
+}
+
+MemberBuffer::int_type MemberBuffer::underflow() {
+    const zip_int64_t count = zip_fread(file_.get(), piece_.data(), piece_.size());
+    if (count < 0) throw std::ios_base::failure(DAMAGED);
+    const auto size = static_cast<std::uint64_t>(count);
+    if (size > left_ || (size == 0 && left_ > 0)) throw std::ios_base::failure(WRONG_SIZE);
+    if (size == 0) return traits_type::eof();
+    left_ -= size;
+    setg(piece_.data(), piece_.data(), piece_.data() + size);
+    return traits_type::to_int_type(piece_.front());
 }
 
 }  // namespace mav_host

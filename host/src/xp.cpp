@@ -3,10 +3,10 @@
 
 #include <sodium.h>
 
-#include <algorithm>
 #include <array>
-#include <cstring>
+#include <cstdint>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <string_view>
 
@@ -17,11 +17,14 @@
 namespace isl::iostreams::xp {
 namespace {
 
-/// The file: magic, version byte, stream header, then pieces of at most PIECE plain bytes, the last
-/// one tagged final. Everything before the pieces is authenticated with the first piece.
+/// The file: magic, version byte, key check, size of the plain content (eight bytes, lowest first),
+/// stream header, then pieces of PIECE plain bytes each, the last one shorter and tagged final.
+/// Everything before the stream header is authenticated with each piece.
 constexpr std::string_view MAGIC = "MAVXP\r\n\x1a";
 constexpr char VERSION = 1;
-constexpr std::size_t PREFIX = MAGIC.size() + 1;
+constexpr std::size_t CHECK = 16;
+constexpr std::size_t LENGTH = 8;
+constexpr std::size_t PREFIX = MAGIC.size() + 1 + CHECK + LENGTH;
 constexpr std::size_t HEADER = crypto_secretstream_xchacha20poly1305_HEADERBYTES;
 constexpr std::size_t EXTRA = crypto_secretstream_xchacha20poly1305_ABYTES;
 constexpr std::size_t PIECE = 1U << 16U;
@@ -40,21 +43,48 @@ const unsigned char* bytes(const char* data) {
     throw HEXDataException("The protected file '" + path + "' " + reason);
 }
 
-std::string prefix() {
-    return std::string(MAGIC) + VERSION;
-}
+struct WipeKey {
+    Key key{};
+    ~WipeKey() { sodium_memzero(key.data(), key.size()); }
+};
 
 /// The cipher's key from the host's, whatever its length. False when the host has none.
 bool deriveKey(Key& key) {
     if (sodium_init() < 0) return false;
-    const std::optional<std::string> secret = mav_host::key();
+    std::optional<std::string> secret = mav_host::key();
     if (!secret) return false;
     constexpr std::string_view CONTEXT = "mav protected container";
-    crypto_generichash_state state;
-    crypto_generichash_init(&state, bytes(CONTEXT.data()), CONTEXT.size(), key.size());
-    crypto_generichash_update(&state, bytes(secret->data()), secret->size());
-    crypto_generichash_final(&state, key.data(), key.size());
+    crypto_generichash(key.data(), key.size(), bytes(secret->data()), secret->size(),
+                       bytes(CONTEXT.data()), CONTEXT.size());
+    sodium_memzero(secret->data(), secret->size());
     return true;
+}
+
+/// What stands before the stream header. The key check tells a wrong key from changed content.
+std::string makePrefix(const Key& key, std::uint64_t size) {
+    constexpr std::string_view LABEL = "key check";
+    std::array<char, CHECK> check;
+    crypto_generichash(bytes(check.data()), check.size(), bytes(LABEL.data()), LABEL.size(),
+                       key.data(), key.size());
+    std::string prefix(MAGIC);
+    prefix += VERSION;
+    prefix.append(check.data(), check.size());
+    for (unsigned i = 0; i < LENGTH; ++i) prefix += static_cast<char>(size >> (8 * i));
+    return prefix;
+}
+
+std::uint64_t lengthIn(std::string_view content) {
+    std::uint64_t size = 0;
+    for (std::size_t i = LENGTH; i-- > 0;) {
+        size = size << 8 | static_cast<unsigned char>(content[PREFIX - LENGTH + i]);
+    }
+    return size;
+}
+
+/// Size of a whole container; there is always a last piece, which may be empty.
+std::uint64_t containerSize(std::uint64_t plain) {
+    const std::uint64_t pieces = plain == 0 ? 1 : (plain + PIECE - 1) / PIECE;
+    return PREFIX + HEADER + plain + pieces * EXTRA;
 }
 
 std::string readWhole(const std::string& path) {
@@ -69,14 +99,54 @@ std::string readWhole(const std::string& path) {
     return content;
 }
 
-/// Checks what stands before the stream and answers the stream.
-std::string_view streamOf(const std::string& path, std::string_view content) {
+constexpr const char* CUT_OFF = "is cut off; copy it afresh";
+
+/// Checks what can be told without a key.
+void checkForm(const std::string& path, std::string_view content) {
     if (content.substr(0, MAGIC.size()) != MAGIC) refuse(path, "is not in the protected format");
-    if (content.size() < PREFIX + HEADER + EXTRA) refuse(path, "is cut off; copy it afresh");
-    if (content[MAGIC.size()] != VERSION) {
-        refuse(path, "is of another version of the protected format; use a newer release");
+    if (content.size() == MAGIC.size()) refuse(path, CUT_OFF);
+    const int version = static_cast<unsigned char>(content[MAGIC.size()]);
+    if (version != VERSION) {
+        refuse(path, "is of version " + std::to_string(version) +
+                         " of the protected format, and this release reads version " +
+                         std::to_string(VERSION) + "; use a newer release");
     }
-    return content.substr(PREFIX);
+    if (content.size() < PREFIX) refuse(path, CUT_OFF);
+}
+
+/// Compares what stands before the stream header, and the file's size, with what the key expects.
+void checkPrefix(const std::string& path, std::string_view content, const Key& key) {
+    const std::uint64_t length = lengthIn(content);
+    if (content.substr(0, PREFIX) != makePrefix(key, length)) {
+        refuse(path, "was made with another key; give the host the key that it was made with");
+    }
+    const std::uint64_t expected = length > MAX_FILE ? UINT64_MAX : containerSize(length);
+    if (content.size() < expected) refuse(path, CUT_OFF);
+    if (content.size() > expected) refuse(path, "has bytes behind its end; copy it afresh");
+}
+
+/// Deciphers the pieces behind the prefix, whose size has been checked.
+std::string decipher(const std::string& path, std::string_view content, const Key& key) {
+    constexpr const char* CHANGED = "was changed after it was made; get it afresh";
+    const std::string_view prefix = content.substr(0, PREFIX);
+    std::string plain(lengthIn(content), '\0');
+    crypto_secretstream_xchacha20poly1305_state state;
+    crypto_secretstream_xchacha20poly1305_init_pull(&state, bytes(content.data() + PREFIX),
+                                                    key.data());
+    std::string_view rest = content.substr(PREFIX + HEADER);
+    for (std::size_t done = 0; !rest.empty();) {
+        const std::string_view piece = rest.substr(0, PIECE + EXTRA);
+        rest.remove_prefix(piece.size());
+        unsigned char tag = 0;
+        if (crypto_secretstream_xchacha20poly1305_pull(&state, bytes(plain.data() + done), nullptr,
+                                                       &tag, bytes(piece.data()), piece.size(),
+                                                       bytes(prefix.data()), prefix.size()) != 0 ||
+            (tag == crypto_secretstream_xchacha20poly1305_TAG_FINAL) != rest.empty()) {
+            refuse(path, CHANGED);
+        }
+        done += piece.size() - EXTRA;
+    }
+    return plain;
 }
 
 }  // namespace
@@ -91,30 +161,13 @@ bool is_xp_format(const std::string& path) {
 
 std::string read(const std::string& path) {
     const std::string content = readWhole(path);
-    std::string_view rest = streamOf(path, content);
-    Key key;
-    if (!deriveKey(key)) refuse(path, "needs a key, and the host has none; set MAV_KEY_FILE");
-    crypto_secretstream_xchacha20poly1305_state state;
-    crypto_secretstream_xchacha20poly1305_init_pull(&state, bytes(rest.data()), key.data());
-    rest.remove_prefix(HEADER);
-    const std::string associated = prefix();
-    std::string plain;
-    std::array<char, PIECE> piece;
-    unsigned char tag = 0;
-    while (tag != crypto_secretstream_xchacha20poly1305_TAG_FINAL) {
-        if (rest.empty()) refuse(path, "is cut off; copy it afresh");
-        const std::size_t size = std::min(rest.size(), PIECE + EXTRA);
-        unsigned long long got = 0;
-        if (size < EXTRA || crypto_secretstream_xchacha20poly1305_pull(
-                                &state, bytes(piece.data()), &got, &tag, bytes(rest.data()), size,
-                                bytes(associated.data()), associated.size()) != 0) {
-            refuse(path, "was changed, is cut off, or was made with another key");
-        }
-        plain.append(piece.data(), got);
-        rest.remove_prefix(size);
+    checkForm(path, content);
+    WipeKey secret;
+    if (!deriveKey(secret.key)) {
+        refuse(path, "needs a key, and the host has none; set MAV_KEY_FILE");
     }
-    if (!rest.empty()) refuse(path, "has bytes behind its end; copy it afresh");
-    return plain;
+    checkPrefix(path, content, secret.key);
+    return decipher(path, content, secret.key);
 }
 
 std::unique_ptr<std::istream> open(const std::string& path) {
@@ -122,30 +175,30 @@ std::unique_ptr<std::istream> open(const std::string& path) {
 }
 
 void write(const std::string& path, const std::string& content) {
-    Key key;
-    if (!deriveKey(key)) {
-        throw HEXUserException("The protected file '" + path +
-                               "' cannot be written: the host has no key; set MAV_KEY_FILE");
-    }
-    const std::string associated = prefix();
-    std::string out = associated;
+    const auto refuseWrite = [&](const std::string& reason) {
+        throw HEXUserException("The protected file '" + path + "' cannot be written: " + reason);
+    };
+    if (containerSize(content.size()) > MAX_FILE) refuseWrite("it would be larger than 1 GiB");
+    WipeKey secret;
+    if (!deriveKey(secret.key)) refuseWrite("the host has no key; set MAV_KEY_FILE");
+    const std::string prefix = makePrefix(secret.key, content.size());
+    std::string out = prefix;
+    out.reserve(containerSize(content.size()));
     std::array<char, PIECE + EXTRA> piece;
     crypto_secretstream_xchacha20poly1305_state state;
-    crypto_secretstream_xchacha20poly1305_init_push(&state, bytes(piece.data()), key.data());
+    crypto_secretstream_xchacha20poly1305_init_push(&state, bytes(piece.data()), secret.key.data());
     out.append(piece.data(), HEADER);
     std::string_view rest = content;
-    bool last = false;
-    while (!last) {
+    do {
         const std::string_view part = rest.substr(0, PIECE);
         rest.remove_prefix(part.size());
-        last = rest.empty();
         unsigned long long size = 0;
         crypto_secretstream_xchacha20poly1305_push(
             &state, bytes(piece.data()), &size, bytes(part.data()), part.size(),
-            bytes(associated.data()), associated.size(),
-            last ? crypto_secretstream_xchacha20poly1305_TAG_FINAL : 0);
+            bytes(prefix.data()), prefix.size(),
+            rest.empty() ? crypto_secretstream_xchacha20poly1305_TAG_FINAL : 0);
         out.append(piece.data(), size);
-    }
+    } while (!rest.empty());
     HUTFileUtils::writeWhole(path, out);
 }
 

@@ -3,9 +3,12 @@
 
 #include <zip.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <streambuf>
 #include <string>
+#include <vector>
 
 #include "mav_host/HUTZip.h"
 
@@ -25,21 +28,42 @@ using ZipFileHandle = std::unique_ptr<zip_file_t, ZipFileClose>;
 /// Opens an archive for reading; throws as ZipArchive's constructor does.
 ZipHandle openZip(const std::string& path);
 
+/// The member's name; empty when it has none that can be told.
+std::string memberName(zip_t* zip, zip_uint64_t index);
+zip_stat_t statMember(zip_t* zip, zip_uint64_t index);
+/// Index of the first member of exactly this name, negative when there is none.
+zip_int64_t findMember(zip_t* zip, const std::string& name);
+
 /// A member name that stays below the directory it is extracted to: not empty, not absolute, no
 /// ".." part, no null byte, no backslash.
 bool isSafeMemberName(const std::string& name);
+
+/// Opens a member for inflating; throws as ZipArchive::read does.
+ZipFileHandle openMember(zip_t* zip, zip_uint64_t index, const std::string& path);
 
 /// Feeds the inflated bytes of a member to `sink`; throws as ZipArchive::read does.
 void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::uint64_t limit,
                   const std::function<void(const char*, std::size_t)>& sink);
 
-/// The steps of writing an archive, in order.
-enum class WriteStep { LOCK, MAKE, BUILD, DIGEST, PERMISSIONS, SYNC, RENAME, SYNC_DIRECTORY };
+/// Reads one member piece by piece and keeps its archive open as long as it lives. Damage is thrown
+/// as std::ios_base::failure, which a stream turns into its bad state.
+class MemberBuffer final : public std::streambuf {
+  public:
+    /// Throws as ZipArchive::read does when the member cannot be opened.
+    MemberBuffer(const ZipArchive& archive, const std::string& member);
 
-/// Called before each step, when set; what it throws is the step's failure. Tests use it.
-using StepHook = std::function<void(WriteStep)>;
-StepHook& stepHook();
+  protected:
+    int_type underflow() override;
 
+  private:
+    std::shared_ptr<ZipArchive::Impl> archive_;
+    ZipFileHandle file_;
+    std::uint64_t left_ = 0;  ///< of the size that the header claims
+    std::vector<char> piece_;
+};
+
+/// What a digest begins with, of any version.
+constexpr char DIGEST_START[] = "mav-digest:";
 /// Text form of the digest over all members, with the host's key if there is one.
 std::string computeDigest(zip_t* zip, const std::string& path);
 

@@ -27,8 +27,8 @@ struct MAV_API ZipMember {
 class MAV_API ZipArchive {
   public:
     /// Opens the archive. Throws HEXFileNotFoundException when nothing is there, HEXUserException
-    /// when it is a directory, cannot be read, or is no intact zip archive; the text names the path
-    /// and the reason.
+    /// when it is a directory, is empty, cannot be read, is no zip archive, or is cut off; the text
+    /// names the path and the reason.
     explicit ZipArchive(const std::string& path);
 
     const std::string& path() const;
@@ -37,35 +37,51 @@ class MAV_API ZipArchive {
     /// The members in the archive's order.
     HSTVector<ZipMember> members() const;
     /// The member's bytes. Inflation stops at `limit` bytes whatever the header claims, and no
-    /// memory is taken on the header's word. Throws HEXDataException naming archive and member when
-    /// the member is absent, larger than the limit, damaged, or not of the size that it claims.
+    /// memory is taken on the header's word alone. Throws HEXDataException naming archive and
+    /// member when the member is absent, larger than the limit, damaged, not of the size that it
+    /// claims, encrypted, or packed in a way that is not supported.
     std::string read(const std::string& member, std::uint64_t limit) const;
     /// Streams the member in pieces to `sink` in constant memory; throws as `read` does.
     void read(const std::string& member, std::uint64_t limit,
               const std::function<void(const char*, std::size_t)>& sink) const;
 
   private:
+    friend class MemberBuffer;
     struct Impl;
     std::shared_ptr<Impl> impl_;
 };
 
 /// Outcome of `HUTZip::verifyDigest`.
-enum class DigestState { VALID, MISSING, MISMATCH, NO_KEY };
+enum class DigestState {
+    VALID,     ///< the members are those that the digest was made over
+    MISSING,   ///< there is no digest
+    MISMATCH,  ///< a member, the order or the digest was changed, or the host's key is another one
+    NO_KEY,    ///< the digest was made with a key, and the host has none
+    UNKEYED,   ///< the members match, but anyone could have made this digest: it was made without a
+               ///< key, while the host has one
+};
 
 }  // namespace mav_host
 
 /// Zip work on archives named by path.
 ///
 /// Writing operations build the new archive beside the old one, sync it and rename it over the old
-/// one, keeping its permissions; a lock file excludes other writers. When a step fails the old
-/// archive stays byte for byte and HEXUserException is thrown, naming the archive, the step and the
-/// system's reason.
+/// one, keeping its permissions and, where the system lets us, its owner; through a link the file
+/// behind it is replaced. Writers of one archive take turns by the lock file ARCHIVE.lock, waiting
+/// for 30 seconds at most. When a step fails the old archive stays byte for byte, nothing is left
+/// beside it, and HEXUserException is thrown, naming the archive, the step and the reason.
+/// What is written depends on names, contents and their order alone: equal input, equal bytes.
 class MAV_API HUTZip {
   public:
     /// Largest metadata member that is read into memory, in bytes (1 GiB).
     static constexpr std::uint64_t MAX_METADATA_SIZE = std::uint64_t{1} << 30;
 
-    /// True when the file begins with a zip signature.
+    /// An extraction may write this much in one call, in bytes (1 GiB), and beyond it
+    /// MAX_EXTRACT_RATIO times the size of the archive.
+    static constexpr std::uint64_t FREE_EXTRACT_SIZE = std::uint64_t{1} << 30;
+    static constexpr std::uint64_t MAX_EXTRACT_RATIO = 100;
+
+    /// True when the file begins with a zip signature. Never throws.
     static bool isZip(const std::string& path);
     /// True when the archive opens and holds the member. Never throws.
     static bool containsFile(const std::string& archive, const std::string& member);
@@ -77,21 +93,30 @@ class MAV_API HUTZip {
         std::string content;
     };
     /// Adds the members to the archive, replacing those of equal name in place; makes the archive
-    /// when there is none. Member names that are empty, absolute or climb out with ".." are refused
-    /// with HEXUserException before anything is written. An existing digest is dropped, for it no
-    /// longer holds.
+    /// when there is none. Of equal names in `sources` the last counts. The other members are
+    /// copied as they are, without packing them again; of equal names in the old archive the first
+    /// is kept. Member names that are empty, absolute, climb out with ".." or hold a backslash or
+    /// null byte are refused with HEXUserException before anything is written. An existing digest
+    /// is dropped, for it no longer holds. Without sources nothing happens.
     static void add(const std::string& archive, const HSTVector<Source>& sources);
     /// Writes a new archive that holds exactly these members in this order and a digest over them.
+    /// No members and equal names are refused with HEXUserException.
     static void create(const std::string& archive, const HSTVector<Source>& sources);
 
-    /// Attaches a digest to a finished archive (see docs/host.md for its form): HMAC-SHA-256 with
-    /// the host's key, SHA-256 without one. Replaces an older one.
+    /// Attaches a digest to a finished archive (see docs/archives.md for its form): HMAC-SHA-256
+    /// with the host's key, SHA-256 without one. Replaces an older one. Throws as ZipArchive does
+    /// when the archive cannot be opened, HEXDataException when a member is damaged.
     static void addDigest(const std::string& archive);
+    /// Compares the digest with the members, in constant memory. A member that cannot be read whole
+    /// is a mismatch. Throws as ZipArchive does when the archive cannot be opened.
     static mav_host::DigestState verifyDigest(const std::string& archive);
 
     /// Extracts one member to dir/member, or every member below `member` + "/" for the directory
-    /// form, making directories as needed. Names that climb out and links on the way are refused
-    /// with HEXUserException. Answers false when the archive has no such member.
+    /// form, making directories as needed; each file is replaced as a whole. Names that climb out
+    /// and more bytes than an extraction may write are refused with HEXUserException before
+    /// anything is written; so is a link on the way, where it is met. A link in the file's own
+    /// place is replaced and not followed. Answers false when the archive has no such member.
+    /// Throws HEXDataException when a member is damaged.
     static bool extractFile(const std::string& archive, const std::string& member,
                             const std::string& dir);
     static bool extractDir(const std::string& archive, const std::string& member,
@@ -99,7 +124,8 @@ class MAV_API HUTZip {
 };
 
 /// Input stream over one member. Constructed on a missing archive or member it is in the failed
-/// state (`!stream`), as a file stream is.
+/// state (`!stream`), as a file stream is. A member that is damaged or not of the size that its
+/// header claims ends in the bad state. The form over a ZipArchive shares the opened file.
 class MAV_API zip_istream : public std::istream {
   public:
     zip_istream(const std::string& archive, const std::string& member, int option = 3);
@@ -110,9 +136,10 @@ class MAV_API zip_istream : public std::istream {
     std::unique_ptr<std::streambuf> buffer_;
 };
 
-/// Output stream into one member: what is written goes to a file beside the archive, and `close`
-/// (or the destructor) adds it to the archive as `HUTZip::add` does. `close` sets the failed state
-/// when that does not work; the archive is then as it was.
+/// Output stream into one member: what is written goes to a file in the process's temporary
+/// directory, and `close` (or the destructor) adds it to the archive as `HUTZip::add` does. `close`
+/// sets the failed state when that does not work; the archive is then as it was. Starts in the
+/// failed state when the member's name is refused.
 class MAV_API zip_ostream : public std::ostream {
   public:
     zip_ostream(const std::string& archive, const std::string& member, int option = 0);

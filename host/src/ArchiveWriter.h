@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sys/stat.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "FileDescriptor.h"
+#include "zipInternal.h"
+
+namespace mav_host {
+
+/// The steps of writing an archive, in order.
+enum class WriteStep { LOCK, MAKE, BUILD, DIGEST, PERMISSIONS, SYNC, RENAME };
+
+/// Where tests reach into the writing of archives.
+struct WriteHooks {
+    /// Called before each step; a number other than 0 is the system error that the step fails with.
+    std::function<int(WriteStep)> before;
+    /// How long a writer waits for another one.
+    std::chrono::milliseconds patience = std::chrono::seconds(30);
+};
+WriteHooks& writeHooks();
+
+/// Replaces an archive as a whole: the new one is built beside the old one and renamed over it.
+/// Holds the archive's lock as long as it lives. Until `commit` is through, the old archive stays
+/// as it is, and what was made beside it goes with the writer. Failures throw HEXUserException.
+class ArchiveWriter {
+  public:
+    /// Waits for the lock and opens the old archive, if there is one and it is wanted.
+    ArchiveWriter(const std::string& archive, bool openOld);
+    ~ArchiveWriter();
+    ArchiveWriter(const ArchiveWriter&) = delete;
+    ArchiveWriter& operator=(const ArchiveWriter&) = delete;
+
+    /// The archive that is replaced; null when it was not wanted or there is none.
+    zip_t* old() const { return old_.get(); }
+    /// Adds a member at the end. The content must outlive `build`.
+    void add(const HUTZip::Source& source);
+    /// Adds a member of the old archive at the end, packed as it is.
+    void copy(zip_uint64_t index);
+    /// Takes over the old archive's comment, unless it is a digest.
+    void keepComment();
+    /// Writes the members out.
+    void build();
+    /// Puts the digest over what was built into the archive's comment.
+    void attachDigest();
+    void commit();
+
+  private:
+    void step(WriteStep step, const char* name);
+    [[noreturn]] void refuse(const std::string& reason) const;
+    void lock();
+    void make();
+    zip_uint64_t append(const std::string& name, zip_source_t* source);
+    void setRights(int fd) const;
+
+    std::string archive_;
+    std::string temporary_;
+    std::string lockPath_;
+    FileDescriptor lock_;
+    struct stat before_ {};
+    bool exists_ = false;
+    const char* name_ = "";
+    ZipHandle old_;  ///< outlives the new one, which reads from it
+    ZipHandle zip_;
+};
+
+}  // namespace mav_host

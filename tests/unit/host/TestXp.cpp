@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+// The protected container: round trips, and every change detected with its text.
+#include <sys/stat.h>
+
+#include "mav_host/HEXError.h"
+#include "mav_host/xp.h"
+#include "support/Doubles.h"
+#include "support/ZipFixture.h"
+
+namespace {
+
+namespace xp = isl::iostreams::xp;
+
+constexpr std::size_t PREFIX = 8 + 1 + 16 + 8;
+constexpr std::size_t PIECE = 65536 + 17;
+
+std::string refusal(const std::string& path) {
+    const std::string start = "The protected file '" + path + "' ";
+    try {
+        xp::read(path);
+    } catch (const HEXDataException& error) {
+        const std::string text = error.what();
+        EXPECT_EQ(text.substr(0, start.size()), start);
+        return text.substr(start.size());
+    }
+    return "";
+}
+
+TEST(Xp, WhatGoesInComesOut) {
+    const TempDir dir;
+    const HostKey key("some key");
+    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 131072U, 200000U}) {
+        std::string content(size, 'c');
+        for (std::size_t i = 0; i < size; ++i) content[i] = static_cast<char>(i * 31 / 7);
+        const std::string path = dir.path("file");
+        xp::write(path, content);
+        EXPECT_TRUE(xp::is_xp_format(path));
+        EXPECT_EQ(xp::read(path), content) << size;
+        std::ostringstream text;
+        text << xp::open(path)->rdbuf();
+        EXPECT_EQ(text.str(), content);
+        EXPECT_EQ(dir.read("file").find("cccc"), std::string::npos);
+    }
+    EXPECT_EQ(dir.list(), "file\n");
+}
+
+TEST(Xp, TheFormatIsToldWithoutAKey) {
+    const TempDir dir;
+    {
+        const HostKey key("k");
+        xp::write(dir.path("file"), "text");
+    }
+    const HostKey none(std::nullopt);
+    EXPECT_TRUE(xp::is_xp_format(dir.path("file")));
+    ASSERT_EQ(::mkfifo(dir.path("pipe").c_str(), 0600), 0);
+    for (const std::string& other :
+         {dir.path(), dir.path("none"), dir.path("pipe"), std::string(),
+          dir.write("short", "MAVXP"), dir.write("text", "{\"a\": 1}")}) {
+        EXPECT_FALSE(xp::is_xp_format(other)) << other;
+    }
+    EXPECT_EQ(refusal(dir.path("file")), "needs a key, and the host has none; set MAV_KEY_FILE");
+    EXPECT_THROW_MSG(xp::write(dir.path("new"), "text"), HEXUserException,
+                     "The protected file '" + dir.path("new") +
+                         "' cannot be written: the host has no key; set MAV_KEY_FILE");
+    EXPECT_FALSE(std::filesystem::exists(dir.path("new")));
+}
+
+TEST(Xp, EachFaultHasItsText) {
+    const TempDir dir;
+    const HostKey key("k");
+    xp::write(dir.path("file"), std::string(100000, 'c'));
+    const std::string good = dir.read("file");
+    const std::string cut = "is cut off; copy it afresh";
+    const std::string changed = "was changed after it was made; get it afresh";
+    const std::string header = good.substr(0, PREFIX + 24);
+    std::string newer = good;
+    newer[8] = 2;
+    std::string flipped = good;
+    flipped.back() = static_cast<char>(flipped.back() ^ 1);
+    const struct {
+        std::string content;
+        std::string text;
+    } cases[] = {
+        {"", "is not in the protected format"},
+        {"{}", "is not in the protected format"},
+        {good.substr(0, 8), cut},
+        {good.substr(0, PREFIX), cut},
+        {good.substr(0, PREFIX + 24 + PIECE), cut},  // at the border of a piece
+        {good.substr(0, good.size() - 1), cut},
+        {good + "x", "has bytes behind its end; copy it afresh"},
+        {newer,
+         "is of version 2 of the protected format, and this release reads version 1; use a newer "
+         "release"},
+        {flipped, changed},
+        {header + std::string(good.size() - header.size(), '\0'), changed},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(refusal(dir.write("bad", test.content)), test.text);
+    }
+    const HostKey other("another");
+    EXPECT_EQ(refusal(dir.path("file")),
+              "was made with another key; give the host the key that it was made with");
+    EXPECT_EQ(refusal(dir.path()), "cannot be read; check path and permissions");
+}
+
+TEST(Xp, NoTruncationAndNoChangedByteIsAccepted) {
+    const TempDir dir;
+    const HostKey key("k");
+    xp::write(dir.path("file"), "short text");
+    const std::string good = dir.read("file");
+    for (std::size_t at = 0; at < good.size(); ++at) {
+        const std::string cut = refusal(dir.write("bad", good.substr(0, at)));
+        EXPECT_EQ(cut, at < 8 ? "is not in the protected format" : "is cut off; copy it afresh");
+        std::string bad = good;
+        bad[at] = static_cast<char>(bad[at] ^ 0x80);
+        EXPECT_NE(refusal(dir.write("bad", bad)), "") << at;
+    }
+}
+
+TEST(Xp, PiecesCannotChangePlaces) {
+    const TempDir dir;
+    const HostKey key("k");
+    xp::write(dir.path("file"), std::string(3 * 65536, 'c'));
+    const std::string good = dir.read("file");
+    const std::size_t start = PREFIX + 24;
+    ASSERT_EQ(good.size(), start + 3 * PIECE);
+    const std::string swapped = good.substr(0, start) + good.substr(start + PIECE, PIECE) +
+                                good.substr(start, PIECE) + good.substr(start + 2 * PIECE);
+    EXPECT_EQ(refusal(dir.write("bad", swapped)), "was changed after it was made; get it afresh");
+}
+
+}  // namespace
