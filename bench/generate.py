@@ -1,0 +1,71 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Writes the archives of the benchmarks: small.pka, medium.pka and large.pka in the given folder,
+with metadata of about 10 kB, 500 kB and 10 MB. Equal at every run."""
+
+import json
+import pathlib
+import sys
+import zipfile
+
+# Bus interfaces in each archive, tuned for the sizes above.
+SIZES = {"small": 1, "medium": 66, "large": 1330}
+
+
+def memory(i):
+    return {"name": f"bank{i}", "type": "ddr4", "size": "16 GB",
+            "configParams": [{"name": "DATA_WIDTH", "value": "64"}],
+            "lowAddress": str(i << 34), "highAddress": str(((i + 1) << 34) - 1)}
+
+
+def clock(i):
+    return {"name": f"clk_kernel{i}", "origName": f"clkwiz_{i}/clk_out1", "id": str(i),
+            "frequency": "300.000000", "instRef": f"/ulp/clkwiz_{i}", "compRef": "clkwiz",
+            "period": "3.333", "normalizedPeriod": ".003333", "status": "scalable",
+            "default": "true" if i == 0 else "false"}
+
+
+def parameter(i):
+    return {"name": f"PARAM_{i}", "value": str(i), "instRef": f"/ulp/axi_ic_{i}",
+            "compRef": "axi_interconnect", "valid": "true"}
+
+
+def segment(i, j):
+    return {"baseName": f"HBM_MEM{j:02}", "index": str(j), "memoryInstance": "hmss_0/HBM",
+            "auto": "true", "spTag": f"HBM[{j}]", "slr": "SLR0", "maxMasters": "15",
+            "name": f"segment_{i}_{j}", "instRef": "/hmss_0", "region": f"region{j}",
+            "readBwUsed": "100", "writeBwUsed": "200", "interleave": "0"}
+
+
+def bus_interface(i):
+    return {"name": f"M{i:02}_AXI", "mode": "master" if i % 2 else "slave",
+            "instRef": f"/ulp/axi_ic_{i}", "compRef": "axi_interconnect", "typeRef": "aximm",
+            "interfaceRef": f"M{i:02}_AXI", "clockRef": "clk_kernel0", "resetRef": "rst_kernel0",
+            "memPort": "M_AXI_HP", "spTag": f"BANK{i}", "slr": "SLR1", "memoryInstance": "hmss_0",
+            "dataWidth": "512", "numIdBits": "4", "addressSegment": "all",
+            "direction": "out", "isrId": str(i), "category": "memory",
+            "addressSegments": [segment(i, j) for j in range(16)]}
+
+
+def metadata(buses):
+    return {"vendor": "tarvek", "boardId": "bench", "name": "card", "versionMajor": "3",
+            "versionMinor": "1",
+            "memories": [memory(i) for i in range(1 + buses // 4)],
+            "files": [{"name": f"files/{i}.tcl", "type": "REBUILD_TCL", "usedIn": "synthesis",
+                       "processingOrder": "early"} for i in range(1 + buses // 4)],
+            "systemClocks": [clock(i) for i in range(1 + buses // 8)],
+            "ipParameters": [parameter(i) for i in range(buses)],
+            "busInterfaces": [bus_interface(i) for i in range(buses)]}
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, buses in SIZES.items():
+        with zipfile.ZipFile(folder / f"{name}.pka", "w", zipfile.ZIP_DEFLATED) as archive:
+            for i in range(8):
+                archive.writestr(f"files/{i}.tcl", f"# script {i}\n" * 100)
+            archive.writestr("pka.json", json.dumps(metadata(buses), indent=2))
+
+
+main()
