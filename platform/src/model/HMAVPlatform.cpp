@@ -73,7 +73,7 @@ void HMAVPlatform::addSoftwarePlatform(HMAVSoftwarePlatform* platform) {
 void HMAVPlatform::addReconfigurablePartition(HMAVReconfigurablePartition* partition) {
     std::unique_ptr<HMAVReconfigurablePartition> owned(partition);
     reconfigurablePartitions_.push_back(partition);
-    owned.release();
+    static_cast<void>(owned.release());
 }
 
 std::string HMAVPlatform::getPlatformDir() const {
