@@ -4,6 +4,7 @@
 #include <boost/property_tree/ptree_fwd.hpp>
 #include <cstdint>
 #include <list>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -60,7 +61,8 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     virtual std::string getUniqueName() const = 0;
     /// The name in capitals, then " (", the VBNV and ")".
     virtual std::string getPrettyName() const = 0;
-    /// The first device's part, else the board's; the two names ask the same.
+    /// The first device's part, else the board's; the two names ask the same. An empty text is no
+    /// part.
     virtual std::string getPartName() const = 0;
     virtual std::string getFpgaPart() const = 0;
     /// The first device's part device, else that device's name.
@@ -223,8 +225,9 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     virtual HMAVHardwareFeatureRom* addFeatureRom();
 
     /// Sum over the memories whose size text begins with a number, in GB as getMemSizeInGb reads
-    /// it.
+    /// it; the largest int when the sum does not fit.
     virtual int getTotalMemSizeInGb() const = 0;
+    /// Both replace the contents of `out`.
     virtual void getYarcCompileXpSwitches(HSTVector<std::string>& out) const = 0;
     virtual void getYarcLinkXpSwitches(HSTVector<std::string>& out) const = 0;
 
@@ -269,6 +272,15 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     int getMaxAXIMMManagers() const;
     int getMaxAXIMMSubordinates() const;
     int getMaxInterrupts() const;
+
+    /// Notes one bank of the HBM memory subsystem `instance`: "false" takes it out of automatic
+    /// assignment, "preferred" tags it as default, any other text leaves it assignable. The last
+    /// word on a bank counts. Raises "@74-261@" when the assignable banks become mixed: some, but
+    /// not all, are preferred.
+    void updateHBMBankInfo(const std::string& instance, const std::string& bank,
+                           const std::string& automatic);
+    /// Prints how to attain better bandwidth when the banks are mixed; else nothing.
+    void issueNormalizeMemoryBanksMessage(std::ostream& out) const;
 
     /// True when a member file of type "SIM_BINARY" is listed.
     bool hasSimContent() const;
@@ -361,6 +373,7 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     void writeSupport_(mav_platform::JSONObjectWriter& writer) const;
     void writeClocks_(mav_platform::JSONObjectWriter& writer) const;
     bool hasHardwareDef_() const;
+    bool hasMixedHBMBanks_() const;
     int countBusInterfaces_(const char* type, const char* mode) const;
     std::size_t getMemoryResourceBusInterfacesIndexed_(
         HSTVector<HMAVHardwareBusInterface*>& out) const;
@@ -405,6 +418,8 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     HMAVDesignIntentStorage computedIntent_;
     HMAVDpeHardware dpeHardware_;
     std::list<HMAVDpePartition> dpePartitions_;
+    std::string hbmInstance_;
+    std::map<std::string, bool> hbmBanks_;  ///< assignable ones: name, preferred
     std::unique_ptr<HMAVReconfigPartition> designIDs_;
     std::shared_ptr<HHSMHwDb> hwDb_;
     HSTVector<std::pair<std::string, std::string>> resources_;

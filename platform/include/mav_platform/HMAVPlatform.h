@@ -44,7 +44,7 @@ class MAV_API HMAVPlatform : public mav_platform::JSONSerializable {
     void setDefaultRPHardwarePlatform(HMAVHardwarePlatform* platform);
     void setDefaultRPHardwareEmulationPlatform(HMAVHardwarePlatform* platform);
     void addSoftwarePlatform(HMAVSoftwarePlatform* platform);
-    /// Appends; the platform takes ownership. Equal ids are not refused.
+    /// Appends; the platform takes ownership. Equal ids are not refused; null adds nothing.
     void addReconfigurablePartition(HMAVReconfigurablePartition* partition);
 
     unsigned getDefaultRPId() const { return defaultRPId_; }

@@ -145,11 +145,14 @@ class MAV_API HPLPlatform : public HMAVHardwarePlatform {
     /// The first member file of that type; null when there is none.
     HPLFile* findFile(const std::string& type) const;
     HPLFile* findFile(HMAVPfmFileTypes::FileType type) const;
+    /// Takes the first member file of that type off the list; false when there is none.
+    bool removeFile(const std::string& type);
+    bool removeFile(HMAVPfmFileTypes::FileType type);
     /// False after a warning "@74-271@%s" with the text when it names no file type.
     static bool validateFileType(const std::string& text);
 
     /// The extensions of the metadata, kept whole for the document.
-    void setExtensions(const boost::property_tree::ptree& tree);
+    void setExtensions(boost::property_tree::ptree tree);
 
   private:
     const HPLCore* firstCore_() const;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -21,6 +22,13 @@ class OwnedList {
         auto element = std::make_unique<T>(std::forward<Args>(args)...);
         items_.push_back(element.get());
         return element.release();
+    }
+    /// Deletes one element of the list; the others keep their order.
+    void remove(T* element) {
+        const auto found = std::find(items_.begin(), items_.end(), element);
+        if (found == items_.end()) return;
+        items_.erase(found);
+        delete element;
     }
     void clear() {
         for (T* item : items_) delete item;

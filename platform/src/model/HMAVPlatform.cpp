@@ -71,6 +71,7 @@ void HMAVPlatform::addSoftwarePlatform(HMAVSoftwarePlatform* platform) {
 }
 
 void HMAVPlatform::addReconfigurablePartition(HMAVReconfigurablePartition* partition) {
+    if (partition == nullptr) return;
     std::unique_ptr<HMAVReconfigurablePartition> owned(partition);
     reconfigurablePartitions_.push_back(partition);
     static_cast<void>(owned.release());

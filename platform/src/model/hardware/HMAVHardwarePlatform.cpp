@@ -2,8 +2,6 @@
 #include "mav_platform/HMAVHardwarePlatform.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
@@ -21,15 +19,6 @@ const std::string& emuDir() {
     return DIR;
 }
 
-/// Memory port in lower case.
-std::string portOf(const HMAVHardwareBusInterface& bus) {
-    return boost::algorithm::to_lower_copy(bus.getMemPort());
-}
-
-bool isGeneralPurpose(const std::string& port) {
-    return port == "m_axi_gp" || port == "s_axi_gp";
-}
-
 }  // namespace
 
 HMAVHardwarePlatform::HMAVHardwarePlatform() = default;
@@ -39,59 +28,6 @@ HMAVHardwarePlatform::~HMAVHardwarePlatform() = default;
 std::string HMAVHardwarePlatform::getBoardRepo() const {
     const char* const path = HUTEnv::getEnv("BOARD_REPO_PATH");
     return path != nullptr ? path : "";
-}
-
-bool HMAVHardwarePlatform::isMemoryResourceIndexed() const {
-    if (memoryResourceIndexed_ != Indexed::UNKNOWN) return memoryResourceIndexed_ == Indexed::YES;
-    for (const HMAVHardwareBusInterface* bus : busInterfaces_.items()) {
-        const std::string port = portOf(*bus);
-        if (port == "memss") {
-            memoryResourceIndexed_ = Indexed::YES;
-            return true;
-        }
-        if (!port.empty() && !isGeneralPurpose(port) &&
-            !boost::iequals(bus->getSPTag(), "default")) {
-            memoryResourceIndexed_ = Indexed::NO;
-            return false;
-        }
-    }
-    return false;
-}
-
-std::size_t HMAVHardwarePlatform::getMemoryResourceBusInterfacesIndexed_(
-    HSTVector<HMAVHardwareBusInterface*>& out) const {
-    for (HMAVHardwareBusInterface* bus : busInterfaces_.items()) {
-        if (portOf(*bus) == "memss") out.push_back(bus);
-    }
-    return out.size();
-}
-
-std::size_t HMAVHardwarePlatform::getMemoryResourceBusInterfacesNonIndexed_(
-    HSTVector<HMAVHardwareBusInterface*>& out) const {
-    for (HMAVHardwareBusInterface* bus : busInterfaces_.items()) {
-        const std::string port = portOf(*bus);
-        if (port.empty() || port == "memss" || isGeneralPurpose(port)) continue;
-        if (!boost::iequals(bus->getSPTag(), "default")) out.push_back(bus);
-    }
-    return out.size();
-}
-
-std::size_t HMAVHardwarePlatform::getMemoryBusInterfaces(
-    HSTVector<HMAVHardwareBusInterface*>& out) const {
-    return isMemoryResourceIndexed() ? getMemoryResourceBusInterfacesIndexed_(out)
-                                     : getMemoryResourceBusInterfacesNonIndexed_(out);
-}
-
-std::string HMAVHardwarePlatform::getMemorySLR(const std::string& name) const {
-    HSTVector<HMAVHardwareBusInterface*> buses;
-    getMemoryBusInterfaces(buses);
-    for (const HMAVHardwareBusInterface* bus : buses) {
-        if (bus->getMemoryInstance() == name) return bus->getSLR();
-        for (const HMAVHardwareAddressSegment* segment : bus->getAddressSegments()) {
-            if (segment->getMemoryInstance() == name) return segment->getSLR();
-        }
-    }
-    return "";
 }
 
 std::string HMAVHardwarePlatform::getPlatformFile() const {
@@ -396,35 +332,6 @@ bool HMAVHardwarePlatform::hasScalableClocks() const {
     return std::any_of(clocks.begin(), clocks.end(),
                        [](const HMAVSystemClock* clock) { return clock->isScalable(); }) ||
            hasUserDefinedScalableClocks();
-}
-
-int HMAVHardwarePlatform::getBusInterfaceMaxDataWidth() const {
-    int widest = 0;
-    for (const HMAVHardwareBusInterface* bus : busInterfaces_.items()) {
-        widest = std::max(widest, bus->getDataWidth());
-    }
-    return widest;
-}
-
-int HMAVHardwarePlatform::countBusInterfaces_(const char* type, const char* mode) const {
-    const auto& buses = busInterfaces_.items();
-    return static_cast<int>(
-        std::count_if(buses.begin(), buses.end(), [&](const HMAVHardwareBusInterface* bus) {
-            return boost::iequals(bus->getBusTypeRef(), type) &&
-                   (mode == nullptr || boost::iequals(bus->getMode(), mode));
-        }));
-}
-
-int HMAVHardwarePlatform::getMaxAXIMMManagers() const {
-    return countBusInterfaces_("aximm", "master");
-}
-
-int HMAVHardwarePlatform::getMaxAXIMMSubordinates() const {
-    return countBusInterfaces_("aximm", "slave");
-}
-
-int HMAVHardwarePlatform::getMaxInterrupts() const {
-    return countBusInterfaces_("interrupt", nullptr);
 }
 
 bool HMAVHardwarePlatform::hasSimContent() const {

@@ -5,6 +5,7 @@
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/property_tree/ptree.hpp>
+#include <limits>
 #include <locale>
 
 #include "mav_host/ComMsgMgr.h"
@@ -84,8 +85,9 @@ std::string HPLPlatform::getUnlockedBoardConnectionsString() const {
 }
 
 std::string HPLPlatform::getFpgaPart() const {
-    if (!devices_.items().empty()) return devices_.items().front()->getFpgaPart();
-    return board_ ? board_->getPart() : "";
+    const std::string part =
+        devices_.items().empty() ? "" : devices_.items().front()->getFpgaPart();
+    return part.empty() && board_ ? board_->getPart() : part;
 }
 
 std::string HPLPlatform::getFpgaDevice() const {
@@ -120,7 +122,7 @@ int HPLPlatform::getMemSizeInGb(std::size_t index) const {
 }
 
 int HPLPlatform::getTotalMemSizeInGb() const {
-    int total = 0;
+    long long total = 0;
     for (const HPLMemory* memory : getMemories()) {
         try {
             total += sizeInGb(memory->getSize());
@@ -128,7 +130,8 @@ int HPLPlatform::getTotalMemSizeInGb() const {
             // A size that is no number adds nothing.
         }
     }
-    return total;
+    constexpr long long LARGEST = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(total, -LARGEST, LARGEST));
 }
 
 unsigned HPLPlatform::getUniqueMemoryTypeCount() const {
@@ -322,6 +325,16 @@ HPLFile* HPLPlatform::addFile(const std::string& typeText, const std::string& na
     return file;
 }
 
+bool HPLPlatform::removeFile(const std::string& type) {
+    HPLFile* const file = findFile(type);
+    if (file != nullptr) files_.remove(file);
+    return file != nullptr;
+}
+
+bool HPLPlatform::removeFile(HMAVPfmFileTypes::FileType type) {
+    return removeFile(HMAVPfmFileTypes::toString(type));
+}
+
 bool HPLPlatform::validateFileType(const std::string& text) {
     if (HMAVPfmFileTypes::toFileType(text) != HMAVPfmFileTypes::FILE_TYPE_COUNT) return true;
     ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-271@%s", {text});
@@ -339,8 +352,10 @@ std::string HPLPlatform::getExtMetaJsonAsString() const {
     return writer.text();
 }
 
-void HPLPlatform::setExtensions(const boost::property_tree::ptree& tree) {
-    extensions_ = std::make_unique<boost::property_tree::ptree>(tree);
+void HPLPlatform::setExtensions(boost::property_tree::ptree tree) {
+    extensions_ = std::make_unique<boost::property_tree::ptree>();
+    // A property tree copies where it could move.
+    extensions_->swap(tree);
 }
 
 void HPLPlatform::addValidBinaryContentValue(std::string value) {
