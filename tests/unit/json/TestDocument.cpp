@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "json/Document.h"
-#include "json/Gather.h"
 #include "unit/json/JsonReference.h"
 
-using mav_platform::json::dataOf;
 using mav_platform::json::Document;
-using mav_platform::json::gather;
 using mav_platform::json::Node;
 using namespace std::string_view_literals;
 
@@ -210,21 +206,4 @@ TEST(Document, NodesGiveKeysDataAndChildrenInOrder) {
     EXPECT_FALSE(deep.find("e")->hasChildren());
     EXPECT_EQ(deep.find("x")->begin()->data(), "10");
     EXPECT_EQ(deep.tree(), BoostRead(R"({"x":[10,{"y":"z"}],"e":{}})").tree);
-}
-
-TEST(Gather, FillsOneSlotPerNameWithTheFirstOfEqualKeys) {
-    static constexpr std::array<std::string_view, 4> NAMES{"name", "type", "size", "mode"};
-    const Document ordered{R"({"name":"n","type":"t","size":"s","mode":"m"})"};
-    const Document mixed{
-        R"({"mode":"m","other":1,"size":"","name":"n","mode":"again","name":"again","x.type":2})"};
-    const auto all = gather(ordered.root(), NAMES);
-    EXPECT_EQ(dataOf(all[0]), "n");
-    EXPECT_EQ(dataOf(all[3]), "m");
-    const auto some = gather(mixed.root(), NAMES);
-    EXPECT_EQ(dataOf(some[0]), "n");
-    EXPECT_FALSE(some[1].has_value());
-    EXPECT_TRUE(some[2].has_value());
-    EXPECT_EQ(dataOf(some[2]), "");
-    EXPECT_EQ(dataOf(some[3]), "m");
-    EXPECT_EQ(dataOf(some[1]), "");
 }
