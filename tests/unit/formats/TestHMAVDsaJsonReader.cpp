@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <boost/property_tree/ptree.hpp>
+#include <filesystem>
 
 #include "formats/metadata/HMAVDsaJsonReader.h"
 #include "mav_platform/HPLPlatform.h"
@@ -245,6 +247,28 @@ TEST(HMAVDsaJsonReader, JsonErrorsNameTheLine) {
         EXPECT_TRUE(parsed.messages.has("@74-64@%s%s%s|text|pka.json|")) << parsed.messages.text();
         EXPECT_TRUE(parsed.messages.has(test.report)) << parsed.messages.text();
     }
+}
+
+TEST(HMAVDsaJsonReader, ReadsAFileOfItsOwn) {
+    const TempDir dir;
+    const std::string good = dir.write("good.json", metadata(R"(, "idCode": "7")"));
+    const std::string empty = dir.write("empty.json", "");
+    const std::string huge = dir.write("huge.json", "");
+    std::filesystem::resize_file(huge, HUTZip::MAX_METADATA_SIZE + 1);
+    const std::string pipe = dir.path("pipe.json");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const CapturedMessages messages;
+    HPLPlatform platform;
+    HMAVDsaJsonReader reader(&platform);
+    EXPECT_TRUE(reader.parseFile(good));
+    EXPECT_EQ(platform.getIdCode(), "7");
+    EXPECT_TRUE(messages.all.empty()) << messages.text();
+    for (const std::string& path : {empty, huge, pipe, dir.path(), dir.path("absent")}) {
+        EXPECT_FALSE(reader.parseFile(path)) << path;
+        EXPECT_TRUE(messages.has("|" + path + "|")) << messages.text();
+    }
+    EXPECT_TRUE(messages.has("the file is larger than 1073741824 bytes")) << messages.text();
+    EXPECT_EQ(messages.all.size(), 5U);
 }
 
 TEST(HMAVDsaJsonReader, TextThatIsNotUtf8IsTakenAsLatin1) {

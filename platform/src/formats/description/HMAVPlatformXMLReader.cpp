@@ -89,8 +89,7 @@ void HMAVPlatformXMLReader::parseReconfigurablePartition_(
     const lmx::ReconfigurablePartition& element) {
     auto partition = std::make_unique<HMAVReconfigurablePartition>(element.id);
     parseRPAnonHardwarePlatform_(element, *partition);
-    platform_->addReconfigurablePartition(partition.get());
-    static_cast<void>(partition.release());
+    platform_->addReconfigurablePartition(partition.release());
 }
 
 void HMAVPlatformXMLReader::parseRPAnonHardwarePlatform_(

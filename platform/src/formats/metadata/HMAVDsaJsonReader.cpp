@@ -4,7 +4,6 @@
 #include <boost/property_tree/json_parser/error.hpp>
 #include <exception>
 #include <fstream>
-#include <sstream>
 #include <utility>
 
 #include "archive/OpenArchives.h"
@@ -118,13 +117,25 @@ bool HMAVDsaJsonReader::parseMember_(const std::string& path, const std::string&
 }
 
 bool HMAVDsaJsonReader::parseFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!HUTFile::isFile(path) || !(text << file.rdbuf())) {
-        reportParse(path, "the file cannot be read or is empty");
+    // Asked before opening, which would wait for a writer of a named pipe.
+    std::ifstream file;
+    if (HUTFile::isFile(path)) file.open(path, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file.is_open() ? std::streamoff(file.tellg()) : -1;
+    if (size < 0) {
+        reportParse(path, "the file cannot be read; name a readable file");
         return false;
     }
-    return parseDocument_(std::move(text).str(), path, HUTPathUtils::stem(path));
+    if (static_cast<std::uint64_t>(size) > HUTZip::MAX_METADATA_SIZE) {
+        reportParse(path, "the file is larger than " + std::to_string(HUTZip::MAX_METADATA_SIZE) +
+                              " bytes, the most that metadata may have");
+        return false;
+    }
+    std::string text(static_cast<std::size_t>(size), '\0');
+    if (!file.seekg(0).read(text.data(), size)) {
+        reportParse(path, "the file cannot be read to its end");
+        return false;
+    }
+    return parseDocument_(std::move(text), path, HUTPathUtils::stem(path));
 }
 
 bool HMAVDsaJsonReader::parseJsonString(const std::string& text) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cstring>
+#include <cstdint>
 
 #include "formats/metadata/Fields.h"
 #include "formats/metadata/HMAVDsaJsonReader.h"
@@ -122,7 +122,7 @@ template <void (Rom::*Setter)(const char (&)[64])>
 void text64(Rom& rom, const Node& node, Trail&) {
     requireText(node);
     char field[64] = {};
-    std::memcpy(field, node.data().data(), std::min(node.data().size(), sizeof(field)));
+    node.data().copy(field, sizeof(field));
     (rom.*Setter)(field);
 }
 

@@ -14,8 +14,6 @@ using namespace mav_platform::metadata;
 void HMAVDsaJsonReader::parseRoot_(HPLPlatform& platform, const Node& root, Trail& trail) {
     using P = HPLPlatform;
     static constexpr bool REQUIRED = true;
-    // The next three are judged by "expandablePlatform", which stands behind them.
-    static constexpr auto EXPANDABLE = &boolean<&P::setExpandable, P>;
     static constexpr Field<P> FIELDS[] = {
         {"generatedChangeList", &unsignedNumber<&P::setGeneratedChangeList>},
         {"generatedIpChangeList", &text<&P::setGeneratedIpChangeList>},
@@ -49,7 +47,8 @@ void HMAVDsaJsonReader::parseRoot_(HPLPlatform& platform, const Node& root, Trai
         {"hardware", &boolean<&P::setSupportsHardware>},
         {"softwareEmulation", &boolean<&P::setSupportsSWEmulation>},
         {"hardwareEmulation", &boolean<&P::setSupportsHWEmulation>},
-        {"expandablePlatform", EXPANDABLE},
+        // Judges the next two, so it takes effect before them wherever it stands.
+        {"expandablePlatform", &boolean<&P::setExpandable>},
         {"segmentedConfiguration", &boolean<&P::enableSegmentedConfiguration>},
         {"dynamicReload", &boolean<&P::enableDynamicReload>},
         {"hardwareEmuPlatform", &boolean<&P::setHWEmuPlatform>},
