@@ -238,8 +238,8 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
 
     /// Extension of the platform file without the dot; empty when no file is set.
     std::string getPlatformExt() const;
-    /// Names of the metadata members: EXT.json, "alt_" before it, and both below "hw_emu/". Empty
-    /// when there is no extension.
+    /// Names of the metadata members: EXT.json, "alt_" before it, and both below "hw_emu/". Without
+    /// an extension the primary names are empty and the others end with "alt_".
     std::string getJsonFileName() const;
     std::string getAltJsonFileName() const;
     std::string getHwEmuJsonFileName() const;
@@ -420,6 +420,7 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     std::list<HMAVDpePartition> dpePartitions_;
     std::string hbmInstance_;
     std::map<std::string, bool> hbmBanks_;  ///< assignable ones: name, preferred
+    std::size_t preferredHBMBanks_ = 0;     ///< how many of them are preferred
     std::unique_ptr<HMAVReconfigPartition> designIDs_;
     std::shared_ptr<HHSMHwDb> hwDb_;
     HSTVector<std::pair<std::string, std::string>> resources_;

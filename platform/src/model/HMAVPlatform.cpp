@@ -26,15 +26,17 @@ HMAVPlatform::~HMAVPlatform() {
 
 std::shared_ptr<HPLPlatform> HMAVPlatform::createMutableHardwarePlatform() {
     auto platform = std::make_shared<HPLPlatform>();
-    ownedHardwareIndex_[platform.get()] = static_cast<unsigned>(ownedHardwarePlatforms_.size());
+    const auto index = static_cast<unsigned>(ownedHardwarePlatforms_.size());
     ownedHardwarePlatforms_.push_back(platform);
+    ownedHardwareIndex_.emplace(platform.get(), index);
     return platform;
 }
 
 std::shared_ptr<HMAVSoftwarePlatform> HMAVPlatform::createMutableSoftwarePlatform() {
     auto platform = std::make_shared<HMAVSoftwarePlatform>();
-    ownedSoftwareIndex_[platform.get()] = static_cast<unsigned>(ownedSoftwarePlatforms_.size());
+    const auto index = static_cast<unsigned>(ownedSoftwarePlatforms_.size());
     ownedSoftwarePlatforms_.push_back(platform);
+    ownedSoftwareIndex_.emplace(platform.get(), index);
     return platform;
 }
 

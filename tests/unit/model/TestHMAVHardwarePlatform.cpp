@@ -214,6 +214,11 @@ TEST(HMAVHardwarePlatform, MixedHbmBanksAreReportedOnceAndExplained) {
     std::ostringstream out;
     none.issueNormalizeMemoryBanksMessage(out);
     EXPECT_EQ(out.str(), "") << "none is preferred";
+    for (const char* word : {"preferred", "preferred", "false"}) {
+        none.updateHBMBankInfo("hbm", "HBM1", word);
+    }
+    none.issueNormalizeMemoryBanksMessage(out);
+    EXPECT_EQ(out.str(), "") << "a bank that is named twice counts once";
 }
 
 TEST(HMAVHardwarePlatform, StateIsAText) {
@@ -236,10 +241,11 @@ TEST(HMAVHardwarePlatform, StateIsAText) {
 
 TEST(HMAVHardwarePlatform, NamesOfTheMetadataMembersFollowTheExtension) {
     HPLPlatform platform;
-    EXPECT_EQ(platform.getPlatformExt() + platform.getJsonFileName() +
-                  platform.getAltJsonFileName() + platform.getHwEmuJsonFileName() +
-                  platform.getAltHwEmuJsonFileName(),
-              "");
+    EXPECT_EQ(
+        platform.getPlatformExt() + platform.getJsonFileName() + platform.getHwEmuJsonFileName(),
+        "");
+    EXPECT_EQ(platform.getAltJsonFileName(), "alt_") << "the prefix stands alone";
+    EXPECT_EQ(platform.getAltHwEmuJsonFileName(), "hw_emu/alt_");
     platform.setPlatformFile("/p/h90.dsa");
     EXPECT_EQ(platform.getPlatformExt(), "dsa");
     EXPECT_EQ(platform.getJsonFileName(), "dsa.json");

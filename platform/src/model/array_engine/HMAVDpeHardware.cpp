@@ -2,6 +2,7 @@
 #include "mav_platform/HMAVDpeHardware.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <stdexcept>
 #include <string_view>
 
 #include "mav_host/HEXError.h"

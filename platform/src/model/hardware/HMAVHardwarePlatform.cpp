@@ -282,8 +282,7 @@ std::string HMAVHardwarePlatform::getJsonFileName() const {
 }
 
 std::string HMAVHardwarePlatform::getAltJsonFileName() const {
-    const std::string name = getJsonFileName();
-    return name.empty() ? "" : "alt_" + name;
+    return "alt_" + getJsonFileName();
 }
 
 std::string HMAVHardwarePlatform::getHwEmuJsonFileName() const {
@@ -292,8 +291,7 @@ std::string HMAVHardwarePlatform::getHwEmuJsonFileName() const {
 }
 
 std::string HMAVHardwarePlatform::getAltHwEmuJsonFileName() const {
-    const std::string name = getAltJsonFileName();
-    return name.empty() ? "" : emuDir() + "/" + name;
+    return emuDir() + "/" + getAltJsonFileName();
 }
 
 const std::string& HMAVHardwarePlatform::getHwEmuDir() {
@@ -301,8 +299,8 @@ const std::string& HMAVHardwarePlatform::getHwEmuDir() {
 }
 
 const HSTVector<std::string>& HMAVHardwarePlatform::getValidPlatformExts() {
-    static const HSTVector<std::string> EXTENSIONS = {".dsa", ".pka"};
-    return EXTENSIONS;
+    static const HSTVector<std::string> validPlatformExts = {".dsa", ".pka"};
+    return validPlatformExts;
 }
 
 bool HMAVHardwarePlatform::isValidPlatformExt(const std::string& extension) {

@@ -106,10 +106,15 @@ void HMAVHardwarePlatform::updateHBMBankInfo(const std::string& instance, const 
                                              const std::string& automatic) {
     const bool wasMixed = hasMixedHBMBanks_();
     hbmInstance_ = instance;
-    if (automatic == "false") {
-        hbmBanks_.erase(bank);
-    } else {
-        hbmBanks_[bank] = automatic == "preferred";
+    const auto known = hbmBanks_.find(bank);
+    if (known != hbmBanks_.end()) {
+        if (known->second) --preferredHBMBanks_;
+        hbmBanks_.erase(known);
+    }
+    if (automatic != "false") {
+        const bool preferred = automatic == "preferred";
+        hbmBanks_.emplace(bank, preferred);
+        if (preferred) ++preferredHBMBanks_;
     }
     if (!wasMixed && hasMixedHBMBanks_()) {
         ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-261@");
@@ -117,9 +122,7 @@ void HMAVHardwarePlatform::updateHBMBankInfo(const std::string& instance, const 
 }
 
 bool HMAVHardwarePlatform::hasMixedHBMBanks_() const {
-    const auto preferred = std::count_if(hbmBanks_.begin(), hbmBanks_.end(),
-                                         [](const auto& bank) { return bank.second; });
-    return preferred != 0 && static_cast<std::size_t>(preferred) != hbmBanks_.size();
+    return preferredHBMBanks_ != 0 && preferredHBMBanks_ != hbmBanks_.size();
 }
 
 void HMAVHardwarePlatform::issueNormalizeMemoryBanksMessage(std::ostream& out) const {

@@ -7,6 +7,9 @@
 #include <boost/property_tree/ptree.hpp>
 #include <limits>
 #include <locale>
+#include <stdexcept>
+#include <string_view>
+#include <unordered_set>
 
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
@@ -141,11 +144,9 @@ unsigned HPLPlatform::getUniqueMemoryTypeCount() const {
 }
 
 void HPLPlatform::getUniqueMemoryTypeStrings(HSTVector<std::string>& out) const {
-    const auto first = static_cast<std::ptrdiff_t>(out.size());
+    std::unordered_set<std::string_view> seen;
     for (const HPLMemory* memory : getMemories()) {
-        if (std::find(out.begin() + first, out.end(), memory->getType()) == out.end()) {
-            out.push_back(memory->getType());
-        }
+        if (seen.insert(memory->getType()).second) out.push_back(memory->getType());
     }
 }
 
