@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mav_host/Export.h"
+#include "mav_platform/HwMetadataMode.h"
 
 class HMAVPlatform;
 class HMAVReconfigurablePartition;
@@ -21,12 +22,8 @@ class OpenArchives;
 /// by one thread at a time.
 class MAV_API PlatformLoader {
   public:
-    /// How the metadata of hardware archives is read.
-    enum HwMetadataMode : int {
-        HW_METADATA_AUTO = 0,          ///< JSON, the "alt_" member before the primary one, else XML
-        HW_METADATA_PRIMARY_JSON = 1,  ///< JSON only when the primary member is there, else XML
-        HW_METADATA_XML = 2            ///< always the device support XML reader
-    };
+    using HwMetadataMode = mav_platform::HwMetadataMode;
+    using enum mav_platform::HwMetadataMode;
 
     enum PlatformFileKind : int {
         HARDWARE_ARCHIVE = 0,

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "formats/metadata/Fields.h"
-#include "mav_platform/PlatformLoader.h"
+#include "mav_platform/HwMetadataMode.h"
 
 class HMAVDpeHardware;
 class HMAVDpePartition;
@@ -27,7 +27,7 @@ class OpenArchives;
 /// filled. The platform and the opened archives stay owned by the caller and outlive the reader.
 class HMAVDsaJsonReader {
   public:
-    using Mode = mav_platform::PlatformLoader::HwMetadataMode;
+    using Mode = mav_platform::HwMetadataMode;
 
     /// Without `archives` the reader opens archives for itself.
     explicit HMAVDsaJsonReader(HPLPlatform* platform,
