@@ -62,8 +62,7 @@ inline constexpr CatalogueEntry MESSAGE_CATALOGUE[] = {
     {"74-60", "@74-60@%s", "The platform cannot be loaded: %1; correct this and load it again."},
     {"74-63", "@74-63@%s%s", "The metadata of '%1' cannot be used: %2."},
     {"74-64", "@74-64@%s%s%s",
-     "The metadata member '%2' of '%1' cannot be read as JSON: %3; correct it and pack the archive "
-     "again."},
+     "The metadata member '%2' of '%1' has a fault: %3; correct it and pack the archive again."},
     {"74-66", "@74-66@%s", "The hardware platform archive '%1' does not exist; check the path."},
     {"74-67", "@74-67@%s%s",
      "The index member '%1' of the archive '%2' cannot be opened; the archive may be damaged or of "

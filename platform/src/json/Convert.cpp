@@ -33,7 +33,8 @@ Number scan(std::string_view text) {
     return number;
 }
 
-void reportUnconverted(std::string_view text) {
+void reportUnconverted(std::string_view text, bool* failed) {
+    if (failed != nullptr) *failed = true;
     ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-268@%s", {std::string(text)});
 }
 
@@ -55,22 +56,22 @@ int toInt(std::string_view text, int dflt) {
     return text.empty() ? dflt : static_cast<int>(toLong(text, 0));
 }
 
-std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt) {
+std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt, bool* failed) {
     if (text.empty()) return dflt;
     const Number number = scan(text);
     if (!number.hasDigits || number.overflow) {
-        reportUnconverted(text);
+        reportUnconverted(text, failed);
         return dflt;
     }
     return number.negative ? 0 - number.magnitude : number.magnitude;
 }
 
-unsigned toUnsigned(std::string_view text, unsigned dflt) {
+unsigned toUnsigned(std::string_view text, unsigned dflt, bool* failed) {
     if (text.empty()) return dflt;
     const Number number = scan(text);
     const std::uint64_t value = number.negative ? 0 - number.magnitude : number.magnitude;
     if (!number.hasDigits || number.overflow || value > std::numeric_limits<unsigned>::max()) {
-        reportUnconverted(text);
+        reportUnconverted(text, failed);
         return dflt;
     }
     return static_cast<unsigned>(value);

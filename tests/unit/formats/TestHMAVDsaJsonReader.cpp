@@ -218,13 +218,29 @@ TEST(HMAVDsaJsonReader, RefusalsNameThePlace) {
             .ok);
 }
 
+TEST(HMAVDsaJsonReader, DocumentsThatAreNoObjectAreRefused) {
+    EXPECT_TRUE(Parsed("[1]").messages.has("pka.json: holds a list where an object"));
+    EXPECT_TRUE(Parsed("\"x\"").messages.has("pka.json: holds the text 'x' where an object"));
+    EXPECT_TRUE(Parsed("null").messages.has("pka.json: 'vendor': the required key is missing"));
+    // Long texts are shown up to a whole character.
+    const std::string text = std::string(59, 'x') + "\xC3\xA9" + "y";
+    const Parsed longText(std::string("\"").append(text).append("\""));
+    EXPECT_TRUE(longText.messages.has(text.substr(0, 59).append("\xE2\x80\xA6'")))
+        << longText.messages.text();
+}
+
 TEST(HMAVDsaJsonReader, ConversionsThatFallBackAreReportedAndGoOn) {
     const Parsed parsed(metadata(R"(, "generatedChangeList": "99999999999",
         "busInterfaces": [{"name": "b", "dataWidth": "12abc", "numIdBits": "x"}],
         "files": [{"name": "n", "type": "EMU_HPFM"}], "systemClocks": null, "flash": "")"));
     ASSERT_TRUE(parsed.ok);
-    EXPECT_EQ(parsed.messages.text(),
-              "@74-268@%s|99999999999\n@74-271@%s|EMU_HPFM\n@74-268@%s|x\n");
+    EXPECT_EQ(
+        parsed.messages.text(),
+        "@74-268@%s|99999999999\n@74-271@%s|EMU_HPFM\n@74-268@%s|x\n"
+        "@74-64@%s%s%s|text|pka.json|the value of 'generatedChangeList' is no unsigned number "
+        "that fits; 0 counts\n"
+        "@74-64@%s%s%s|text|pka.json|the value of 'busInterfaces[0].numIdBits' is no unsigned "
+        "number that fits; 0 counts\n");
     EXPECT_EQ(parsed.platform.getBusInterfaceByName("b")->getDataWidth(), 12);
     EXPECT_TRUE(parsed.platform.hasFile("EMU_HPFM"));
 }

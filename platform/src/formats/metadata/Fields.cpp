@@ -16,8 +16,12 @@ bool isList(const json::Node& node) {
 
 std::string shown(std::string_view text) {
     constexpr std::size_t LONGEST = 60;
+    const bool whole = text.size() <= LONGEST;
+    std::size_t end = whole ? text.size() : LONGEST;
+    // A character is shown whole or not at all.
+    while (!whole && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
     std::string quoted = "'";
-    quoted.append(text.substr(0, LONGEST)).append(text.size() > LONGEST ? "…'" : "'");
+    quoted.append(text.substr(0, end)).append(whole ? "'" : "…'");
     return quoted;
 }
 
@@ -49,9 +53,13 @@ std::string Trail::text() const {
 }
 
 void Trail::noteDuplicate(std::string_view key) {
-    if (duplicates_.size() >= MAX_DUPLICATES) return;
+    if (duplicates_.size() >= MAX_NOTES) return;
     const std::string place = text();
     duplicates_.push_back(place.empty() ? std::string(key) : place + "." + std::string(key));
+}
+
+void Trail::noteFallback() {
+    if (fallbacks_.size() < MAX_NOTES) fallbacks_.push_back(text());
 }
 
 void requireText(const json::Node& node) {

@@ -39,15 +39,20 @@ class Trail {
     void noteDuplicate(std::string_view key);
     const std::vector<std::string>& duplicates() const { return duplicates_; }
 
+    /// Remembers that the value where the reader stands gave way to 0; again the first few.
+    void noteFallback();
+    const std::vector<std::string>& fallbacks() const { return fallbacks_; }
+
   private:
     static constexpr std::size_t NONE = static_cast<std::size_t>(-1);
-    static constexpr std::size_t MAX_DUPLICATES = 10;
+    static constexpr std::size_t MAX_NOTES = 10;
     struct Step {
         std::string_view key;
         std::size_t index;
     };
     std::vector<Step> steps_;
     std::vector<std::string> duplicates_;
+    std::vector<std::string> fallbacks_;
 };
 
 /// Throws ConversionError unless the node holds a text.
@@ -135,9 +140,11 @@ void integer(T& target, const json::Node& node, Trail&) {
 }
 
 template <auto Setter, class T>
-void unsignedNumber(T& target, const json::Node& node, Trail&) {
+void unsignedNumber(T& target, const json::Node& node, Trail& trail) {
     requireText(node);
-    (target.*Setter)(json::toUnsigned(node.data(), 0));
+    bool failed = false;
+    (target.*Setter)(json::toUnsigned(node.data(), 0, &failed));
+    if (failed) trail.noteFallback();
 }
 
 /// As `integer`, for numbers that the model holds unsigned.
@@ -149,9 +156,11 @@ void unsignedFromInt(T& target, const json::Node& node, Trail&) {
 
 /// As `unsignedNumber`, with all 64 bits.
 template <auto Setter, class T>
-void unsigned64(T& target, const json::Node& node, Trail&) {
+void unsigned64(T& target, const json::Node& node, Trail& trail) {
     requireText(node);
-    (target.*Setter)(json::toUnsigned64(node.data(), 0));
+    bool failed = false;
+    (target.*Setter)(json::toUnsigned64(node.data(), 0, &failed));
+    if (failed) trail.noteFallback();
 }
 
 /// By the signed conversion, for numbers that the model holds unsigned.

@@ -153,6 +153,7 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
     Trail trail;
     try {
         const mav_platform::json::Document document(std::move(text));
+        mav_platform::metadata::requireObject(document.root());
         parseRoot_(*platform_, document.root(), trail);
     } catch (const json_parser::json_parser_error& error) {
         reportMember(ComMsgMgr::ERROR, path, member,
@@ -169,6 +170,10 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
     for (const std::string& key : trail.duplicates()) {
         reportMember(ComMsgMgr::WARNING, path, member,
                      "the key '" + key + "' stands more than once; the first one counts");
+    }
+    for (const std::string& place : trail.fallbacks()) {
+        reportMember(ComMsgMgr::WARNING, path, member,
+                     "the value of '" + place + "' is no unsigned number that fits; 0 counts");
     }
     return true;
 }
