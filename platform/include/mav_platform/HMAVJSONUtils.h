@@ -64,6 +64,7 @@ class MAV_API HMAVJSONUtils {
     /// File to tree; errors as in the text forms, a file that cannot be opened included.
     static ptree readJsonFileNoThrow(const std::string& path);
     static ptree readJsonFile(const std::string& path);
-    /// As readJsonFile; a file in the host's protected container format is deciphered first.
+    /// As readJsonFile; a file in the host's protected container format is deciphered first;
+    /// one that does not decipher is an error of the same form.
     static ptree readJsonFileDecrypt(const std::string& path);
 };

@@ -60,6 +60,8 @@ ptree readOrExplain(Read read) {
         return read();
     } catch (const json_parser_error& error) {
         throw HEXAlgException(std::string("Failed to read platform: ") + error.what());
+    } catch (const HEXDataException& error) {
+        throw HEXAlgException(std::string("Failed to read platform: ") + error.what());
     }
 }
 

@@ -8,8 +8,10 @@
 
 #include "json/Convert.h"
 #include "mav_host/HEXError.h"
+#include "mav_host/xp.h"
 #include "mav_platform/HMAVJSONUtils.h"
 #include "support/Doubles.h"
+#include "support/ZipFixture.h"
 #include "unit/json/JsonReference.h"
 
 using Utils = HMAVJSONUtils;
@@ -150,6 +152,14 @@ TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
     EXPECT_EQ(
         refusal([&] { Utils::writeJson(missing + "/x", ptree()); }).rfind("json_parser_error ", 0),
         0U);
+    const HostKey key(std::string(32, 'k'));
+    isl::iostreams::xp::write(path, "{\"a\": \"b\"}");
+    EXPECT_EQ(Utils::readJsonFileDecrypt(path).get<std::string>("a"), "b");
+    std::string changed = dir.read("doc.json");
+    changed.back() = static_cast<char>(~changed.back());
+    dir.write("doc.json", changed);
+    const std::string told = refusal([&] { Utils::readJsonFileDecrypt(path); });
+    EXPECT_EQ(told.rfind("HEXAlgException Failed to read platform: ", 0), 0U) << told;
     dir.write("doc.json", "{\n\n\"a\"");
     EXPECT_EQ(refusal([&] { Utils::readJsonFile(path); }),
               "HEXAlgException Failed to read platform: " + path + "(3): expected ':'");
