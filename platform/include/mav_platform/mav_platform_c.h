@@ -38,8 +38,9 @@ MAV_API char* hmav_get_short_platform_json(const char* path);
 MAV_API void hmav_free_json_string(char* text);
 
 /* The same two questions without exceptions. 0: *json holds the text and *error is null. 1: the
- * platform cannot be loaded, *json is null and *error says why in one or more lines. Either pointer
- * may be null when the caller does not want that text. A null path is an error like any other. When
+ * platform cannot be loaded, *json is null and *error says why in one or more lines: what the
+ * library reported and printed on its console meanwhile. Either pointer may be null when the caller
+ * does not want that text. A null path is an error like any other. When
  * memory runs out even for the error text, both are null and the answer is 1. */
 MAV_API int hmav_try_get_platform_json(const char* path, char** json, char** error);
 MAV_API int hmav_try_get_short_platform_json(const char* path, char** json, char** error);

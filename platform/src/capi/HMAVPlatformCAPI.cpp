@@ -2,10 +2,14 @@
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "mav_host/ComMsgMgr.h"
+#include "mav_host/Host.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformLoader.h"
@@ -36,6 +40,8 @@ char* newText(std::string_view text) {
 }
 
 char* getJson(const char* path, Fill fill) {
+    // The text of this error differs between standard libraries; callers see one.
+    if (path == nullptr) throw std::logic_error("basic_string::_M_construct null not valid");
     const std::string file(path);
     JSONObjectWriter writer;
     {
@@ -48,25 +54,50 @@ char* getJson(const char* path, Fill fill) {
     return writer.newText().release();
 }
 
-/// Keeps the reports of one call while passing them on to the sink that was in force.
+/// Keeps the reports and console lines of one call, in their order, while passing them on to the
+/// sink and the console that were in force.
 class ReportKeeper final : public ComMsgSink {
   public:
-    ReportKeeper() : before_(ComMsgMgr::setSink(this)) {}
-    ~ReportKeeper() override { ComMsgMgr::setSink(before_); }
+    ReportKeeper()
+        : before_(ComMsgMgr::setSink(this)), consoleBefore_(mav_host::setConsole(&lines_)) {}
+    ~ReportKeeper() override {
+        takeLines();
+        ComMsgMgr::setSink(before_);
+        mav_host::setConsole(consoleBefore_);
+    }
     ReportKeeper(const ReportKeeper&) = delete;
     ReportKeeper& operator=(const ReportKeeper&) = delete;
 
     void send(const ComMsg& message) override {
+        takeLines();
         ComMsgMgr::setSink(before_);
         ComMsgMgr::sendMsg(message.level, message.group, message.mask, message.id, message.args);
         ComMsgMgr::setSink(this);
         text_ += ComMsgMgr::format(message) + "\n";
     }
 
-    const std::string& text() const { return text_; }
+    const std::string& text() {
+        takeLines();
+        return text_;
+    }
 
   private:
+    void takeLines() noexcept {
+        try {
+            const std::string lines = std::move(lines_).str();
+            lines_.str({});
+            text_ += lines;
+            mav_host::setConsole(consoleBefore_);
+            mav_host::console() << lines << std::flush;
+        } catch (...) {
+            // Lines that cannot be passed on must not end what they tell of.
+        }
+        mav_host::setConsole(&lines_);
+    }
+
+    std::ostringstream lines_;
     ComMsgSink* before_;
+    std::ostream* consoleBefore_;
     std::string text_;
 };
 

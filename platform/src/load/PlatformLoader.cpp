@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <ostream>
+
 #include "archive/OpenArchives.h"
 #include "formats/metadata/HMAVDsaJsonReader.h"
 #include "formats/metadata/HMAVDsaXmlReader.h"
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "mav_platform/HMAVReconfigurablePartition.h"
@@ -18,6 +21,11 @@ namespace {
 constexpr const char* HARDWARE_FAILED = "Failed to parse Hardware Platform metadata file";
 constexpr const char* EMULATION_FAILED =
     "Failed to parse Hardware Emulation Platform metadata file";
+
+/// Names on the console the file that the text of an exception leaves open.
+void nameFile(const char* role, const std::string& path) {
+    mav_host::console() << role << " file: " << path << "\n" << std::flush;
+}
 
 }  // namespace
 
@@ -87,6 +95,7 @@ void PlatformLoader::attachHardwarePlatform() {
         throw PlatformParseException("hardware platform file '" + path + "' does not exist");
     }
     if (!HMAVHardwarePlatform::isValidPlatformExt(HUTPathUtils::extension(path))) {
+        nameFile("Hardware platform", path);
         throw PlatformParseException(
             "incorrect file extension - only DSA and PKA files are supported");
     }
@@ -138,6 +147,7 @@ void PlatformLoader::attachSoftwarePlatform() {
     }
     if (path.empty()) return;
     if (!HUTFile::exists(path)) {
+        nameFile("Software platform", path);
         throw PlatformParseException("the software platform file does not exist");
     }
     const std::shared_ptr<HMAVSoftwarePlatform> software =

@@ -38,7 +38,8 @@ TEST(CInterface, NullForNoPlatformAndExceptionsPass) {
     const TempDir dir;
     EXPECT_EQ(hmav_get_platform_json("/nowhere/a.pka"), nullptr);
     EXPECT_EQ(hmav_get_short_platform_json(""), nullptr);
-    EXPECT_THROW(hmav_get_platform_json(nullptr), std::logic_error);
+    EXPECT_THROW_MSG(hmav_get_platform_json(nullptr), std::logic_error,
+                     "basic_string::_M_construct null not valid");
     EXPECT_THROW(hmav_get_platform_json("/nowhere/a.qpfm"), HEXFileNotFoundException);
     EXPECT_THROW(hmav_get_platform_json(dir.write("a.qpfm", "<x/>").c_str()),
                  mav_platform::PlatformParseException);
@@ -58,7 +59,14 @@ TEST(CInterface, TheTryingFormsExplainAndNeverThrow) {
     EXPECT_EQ(messages.all.size(), 1U) << "reports still reach the sink";
     EXPECT_EQ(hmav_try_get_short_platform_json(dir.write("a.qpfm", "<x/>").c_str(), &json, &error),
               1);
-    EXPECT_NE(take(error).find("failed to parse the QPFM file"), std::string::npos);
+    // The console's lines come before the report that points at them, and still reach the console.
+    const std::string lines = "Error parsing platform file: " + dir.path("a.qpfm") +
+                              "\nLine number:1. element 'x': the root element must be "
+                              "'mav:platform'\n";
+    const std::string explained = take(error);
+    EXPECT_EQ(explained.rfind(lines + "ERROR: [platform 74-9] ", 0), 0U) << explained;
+    EXPECT_NE(explained.find("\nfailed to parse the QPFM file"), std::string::npos);
+    EXPECT_EQ(console.text(), lines);
     EXPECT_EQ(hmav_try_get_platform_json("/nowhere/a.pka", nullptr, nullptr), 1);
 
     const std::string path = packArchive(dir, "a.pka", {{"pka.json", metadata()}});

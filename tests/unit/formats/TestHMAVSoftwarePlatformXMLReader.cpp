@@ -140,7 +140,9 @@ TEST(HMAVSoftwarePlatformXMLReader, RefusalsNameLineAndReasonAndLeaveThePlatform
         0U)
         << parsed.error;
     EXPECT_EQ(parsed.console.text(),
-              "Error parsing software platform file: " + path + "\nLine number:2\n");
+              "Error parsing software platform file: " + path +
+                  "\nLine number:2. element 'mav:configuration': required attribute 'mav:name' is "
+                  "missing\n");
     EXPECT_EQ(parsed.messages.text(), "@74-51@%s%d|" + path + "|2\n");
     EXPECT_EQ(parsed.messages.all.at(0).level, 2);
 }

@@ -162,6 +162,7 @@ TEST(PlatformLoader, ReferencesThatFail) {
     const TempDir dir;
     packArchive(dir, "hw.pka", {{"pka.json", metadata()}});
     dir.write("hw.zip", "x");
+    const CapturedConsole console;
     const std::string hardware = reference("hardwarePlatform", "hw.pka");
     const auto reports = [&](const std::string& platforms) {
         return reportsOf(dir.write("p.qpfm", description(platforms)));
@@ -170,6 +171,7 @@ TEST(PlatformLoader, ReferencesThatFail) {
               "@74-60@%s|hardware platform file '" + dir.path("no.pka") + "' does not exist\n");
     EXPECT_EQ(reports(">" + reference("hardwarePlatform", "hw.zip")),
               "@74-60@%s|incorrect file extension - only DSA and PKA files are supported\n");
+    EXPECT_EQ(console.text(), "Hardware platform file: " + dir.path("hw.zip") + "\n");
     // A missing emulation archive is reported by its reader and does not fail the load.
     const std::string missing = reports(">" + hardware + reference("hwEmuPlatform", "no.pka"));
     EXPECT_EQ(missing, "@74-66@%s|" + dir.path("no.pka") + "\n");
@@ -237,8 +239,10 @@ TEST(PlatformLoader, SoftwarePlatforms) {
     const auto whole = PlatformLoader(write("s.spfm"), AUTO).load();
     ASSERT_NE(whole, nullptr);
     EXPECT_NE(whole->toJSONString().find("\"softwarePlatform\""), std::string::npos);
-    EXPECT_EQ(reportsOf(write("no.spfm")), "@74-60@%s|the software platform file does not exist\n");
     const CapturedConsole console;
+    EXPECT_EQ(reportsOf(write("no.spfm")), "@74-60@%s|the software platform file does not exist\n");
+    EXPECT_NE(console.text().find("Software platform file: "), std::string::npos);
+    EXPECT_NE(console.text().find("no.spfm\n"), std::string::npos);
     dir.write("bad.spfm", "<x/>");
     EXPECT_NE(
         reportsOf(write("bad.spfm")).find("\n@74-60@%s|software platform file does not exist\n"),

@@ -51,8 +51,9 @@ bool HMAVSoftwarePlatformXMLReader::parseFile() {
 void HMAVSoftwarePlatformXMLReader::report_(const std::string& text, std::size_t line) {
     const std::string head = "Error parsing software platform file: " + filePath_;
     const std::string number = std::to_string(line);
-    mav_host::console() << head << "\nLine number:" << number << "\n" << std::flush;
-    errorMsg_ = head + " Line number:" + number + ". " + text;
+    const std::string detail = "Line number:" + number + ". " + text;
+    mav_host::console() << head << "\n" << detail << "\n" << std::flush;
+    errorMsg_ = head + " " + detail;
     ComMsgMgr::sendMsg(2, "platform", ComMsgMgr::ERROR, "@74-51@%s%d", {filePath_, number});
 }
 
