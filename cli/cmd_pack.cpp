@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 
 #include "Command.h"
 #include "Output.h"
@@ -38,6 +42,9 @@ void checkPlaces(const fs::path& dir, const fs::path& archive) {
     if (!fs::is_directory(dir)) throw UsageError("DIR " + shown(dir) + " is no folder.", "pack");
     if (fs::is_directory(archive))
         throw UsageError("ARCHIVE " + shown(archive) + " is a folder; name a file.", "pack");
+    const fs::path parent = fs::absolute(archive).parent_path();
+    if (!fs::is_directory(parent))
+        throw Failure("there is no folder " + shown(parent) + ". Create it first.");
     if (isInside(archive, dir))
         throw UsageError("ARCHIVE " + shown(archive) + " lies inside DIR " + shown(dir) +
                              " and would become part of itself; write it outside.",
@@ -51,6 +58,11 @@ void refuseUnpackable(const fs::directory_entry& entry) {
                       "Put a copy of the file in its place or remove the link.");
     if (!entry.is_directory() && !entry.is_regular_file())
         throw Failure(shown(entry.path()) + " is neither a file nor a folder. Remove it.");
+    // Asked here because a failing walk does not tell where it stands.
+    const int wanted = entry.is_directory() ? R_OK | X_OK : R_OK;
+    if (::access(entry.path().c_str(), wanted) != 0)
+        throw Failure(shown(entry.path()) + " cannot be read: " +
+                      std::generic_category().message(errno) + ". Change its permissions.");
 }
 
 HSTVector<HUTZip::Source> collect(const fs::path& dir) {
@@ -118,6 +130,10 @@ void cli::runPack(const PackOptions& options) {
         throw Failure("cannot pack " + shown(options.archive) + ": " + error.what());
     } catch (const std::bad_alloc&) {
         throw;
+    } catch (const fs::filesystem_error& error) {
+        throw Failure("cannot pack " + shown(options.archive) + ": " + shown(error.path1()) +
+                      " cannot be read: " + error.code().message() +
+                      ". Change its permissions and run the command again.");
     } catch (const std::exception& error) {
         throw Failure("cannot pack " + shown(options.archive) + ": " + clause(error.what()) +
                       ". Nothing was changed; remove the cause and run the command again.");

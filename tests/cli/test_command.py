@@ -29,6 +29,7 @@ class WrongUse(CommandTest):
         for arguments, typed, meant in [(["jsno", SAMPLE], "jsno", "json"),
                                         (["pakc", "a", "b.pka"], "pakc", "pack"),
                                         (["--vresion"], "--vresion", "--version"),
+                                        (["JSON", SAMPLE], "JSON", "json"),
                                         (["help"], "help", "--help"),
                                         (["json", SAMPLE, "--shrt"], "--shrt", "--short"),
                                         (["json", "--metdata=xml", SAMPLE], "--metdata", "--metadata"),

@@ -135,7 +135,7 @@ class Refusals(PackTest):
         self.refused("pack", self.folder, self.archive.parent / "dir.pka", code=2,
                      says=["is a folder"])
         self.refused("pack", self.folder, self.dir / "no/such/place/a.pka", code=3,
-                     says=["No such file or directory"])
+                     says=[f"there is no folder '{self.dir}/no/such/place'", "Create it"])
         # A neighbour whose name merely begins with the folder's is outside of it.
         self.mav("pack", self.folder, self.dir / "in.pka")
 
