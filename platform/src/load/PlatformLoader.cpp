@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/PlatformLoader.h"
+
 #include <ostream>
 
 #include "archive/OpenArchives.h"
@@ -12,7 +14,6 @@
 #include "mav_platform/HMAVReconfigurablePartition.h"
 #include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
 #include "mav_platform/HPLPlatform.h"
-#include "mav_platform/PlatformLoader.h"
 #include "mav_platform/PlatformParseException.h"
 
 namespace mav_platform {
