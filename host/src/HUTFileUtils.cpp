@@ -101,6 +101,28 @@ void HUTFileUtils::list(const std::string& dir, HSTVector<std::string>& out) {
     std::sort(out.begin() + first, out.end());
 }
 
+std::string HUTFileUtils::readWhole(const std::string& path, std::uint64_t limit) {
+    const auto refuseReading = [&path](const std::string& reason) {
+        throw HEXUserException("The file '" + path + "' cannot be read: " + reason);
+    };
+    // Asked before opening, which would wait for a writer of a named pipe.
+    if (!HUTFile::isFile(path)) {
+        refuseReading(HUTFile::exists(path) ? "it is not a regular file" : "it does not exist");
+    }
+    std::ifstream file(path, std::ios::binary);
+    if (!file) refuseReading(std::generic_category().message(errno));
+    std::string content;
+    char piece[1U << 16U];
+    while (file.read(piece, sizeof(piece)) || file.gcount() > 0) {
+        content.append(piece, static_cast<std::size_t>(file.gcount()));
+        if (content.size() > limit) {
+            refuseReading("it is larger than " + std::to_string(limit) + " bytes");
+        }
+    }
+    if (file.bad()) refuseReading("reading failed before its end");
+    return content;
+}
+
 void HUTFileUtils::writeWhole(const std::string& path, const std::string& content) {
     const std::string target = mav_host::behindLinks(path);
     const mode_t mode = modeFor(path, target);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "mav_host/Export.h"
@@ -52,6 +53,9 @@ class MAV_API HUTFileUtils {
     static std::string makeUniqueName(const std::string& dir, const std::string& name);
     /// Appends the names inside `dir`, sorted by bytes, without "." and "..".
     static void list(const std::string& dir, HSTVector<std::string>& out);
+    /// The content of a regular file. Throws HEXUserException "The file 'PATH' cannot be read:
+    /// REASON" when it is none, is not readable or has more than `limit` bytes.
+    static std::string readWhole(const std::string& path, std::uint64_t limit);
     /// Writes the file as a whole: beside it, synced, then renamed, so that readers see the old or
     /// the new content and never a part. Through a link the file behind it is replaced. Keeps the
     /// permissions of a file that is replaced. Throws HEXUserException "The file 'PATH' cannot be

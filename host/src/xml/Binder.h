@@ -8,32 +8,19 @@
 #include <vector>
 
 #include "mav_host/xml/Binding.h"
+#include "xml/Parse.h"
 
 namespace mav_host::xml::detail {
 
-/// Where the parser stands.
-struct Position {
-    std::size_t line = 0;
-    std::size_t column = 0;
-};
-
-/// Tells the binder where the parser stands, when it asks.
-class Locator {
-  public:
-    virtual ~Locator() = default;
-    virtual Position position() const = 0;
-};
-
 /// Takes a document's events and fills the structs of its format. Every operation throws
 /// BindingError for what the format does not allow.
-class Binder {
+class Binder final : public Events {
   public:
     Binder(const Document& document, void* root, Findings* findings, const Locator& locator);
 
-    /// `attributes` is name, value, name, value, … and a null.
-    void start(std::string_view name, const char* const* attributes);
-    void end();
-    void characters(std::string_view text);
+    void start(std::string_view name, const char* const* attributes) override;
+    void end() override;
+    void characters(std::string_view text) override;
 
   private:
     /// One open element that the format knows.

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "xml/Parse.h"
+
 #include <expat.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,6 +12,7 @@
 #include <memory>
 #include <new>
 #include <system_error>
+#include <utility>
 
 #include "xml/Binder.h"
 
@@ -24,19 +27,26 @@ struct FreeParser {
 };
 using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
-/// A parser that hands its events to a binder. Exceptions wait until the parser, which is C, has
+/// A parser that hands on what it meets. Exceptions wait until the parser, which is C, has
 /// returned.
 class Parse final : public Locator {
   public:
-    Parse(const Document& document, void* root, Findings* findings)
-        : limits_(document.limits),
-          parser_(XML_ParserCreate(nullptr)),
-          binder_(document, root, findings, *this) {
+    explicit Parse(const Limits& limits) : limits_(limits), parser_(XML_ParserCreate(nullptr)) {
         if (parser_ == nullptr) throw std::bad_alloc();
         XML_SetUserData(parser_.get(), this);
         XML_SetElementHandler(parser_.get(), onStart, onEnd);
         XML_SetCharacterDataHandler(parser_.get(), onCharacters);
         XML_SetStartDoctypeDeclHandler(parser_.get(), onDoctype);
+    }
+
+    void to(std::unique_ptr<Events> events) { events_ = std::move(events); }
+    void toMarkup(std::unique_ptr<MarkupEvents> events) {
+        markup_ = events.get();
+        events_ = std::move(events);
+        XML_SetCommentHandler(parser_.get(), onComment);
+        XML_SetProcessingInstructionHandler(parser_.get(), onInstruction);
+        XML_SetCdataSectionHandler(parser_.get(), onCdataStart, onCdataEnd);
+        XML_SetXmlDeclHandler(parser_.get(), onDeclaration);
     }
 
     void text(std::string_view text);
@@ -61,20 +71,39 @@ class Parse final : public Locator {
         }
     }
     static void XMLCALL onStart(void* self, const XML_Char* name, const XML_Char** attributes) {
-        guarded(self, [&](Parse& parse) { parse.binder_.start(name, attributes); });
+        guarded(self, [&](Parse& parse) { parse.events_->start(name, attributes); });
     }
     static void XMLCALL onEnd(void* self, const XML_Char*) {
-        guarded(self, [](Parse& parse) { parse.binder_.end(); });
+        guarded(self, [](Parse& parse) { parse.events_->end(); });
     }
     static void XMLCALL onCharacters(void* self, const XML_Char* text, int length) {
         guarded(self, [&](Parse& parse) {
-            parse.binder_.characters({text, static_cast<std::size_t>(length)});
+            parse.events_->characters({text, static_cast<std::size_t>(length)});
         });
     }
     static void XMLCALL onDoctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*,
                                   int) {
         guarded(self, [](Parse& parse) {
             parse.refuse("a document type declaration (DOCTYPE) is not allowed");
+        });
+    }
+
+    static void XMLCALL onComment(void* self, const XML_Char* text) {
+        guarded(self, [&](Parse& parse) { parse.markup_->comment(text); });
+    }
+    static void XMLCALL onInstruction(void* self, const XML_Char* target, const XML_Char* text) {
+        guarded(self, [&](Parse& parse) { parse.markup_->instruction(target, text); });
+    }
+    static void XMLCALL onCdataStart(void* self) {
+        guarded(self, [](Parse& parse) { parse.markup_->cdata(true); });
+    }
+    static void XMLCALL onCdataEnd(void* self) {
+        guarded(self, [](Parse& parse) { parse.markup_->cdata(false); });
+    }
+    static void XMLCALL onDeclaration(void* self, const XML_Char* version, const XML_Char*,
+                                      int standalone) {
+        guarded(self, [&](Parse& parse) {
+            parse.markup_->declaration(version == nullptr ? "1.0" : version, standalone);
         });
     }
 
@@ -98,7 +127,8 @@ class Parse final : public Locator {
     const Limits& limits_;
     ParserPtr parser_;
     std::exception_ptr failure_;
-    Binder binder_;
+    std::unique_ptr<Events> events_;
+    MarkupEvents* markup_ = nullptr;  ///< the events, when they take markup too
 };
 
 void Parse::text(std::string_view text) {
@@ -158,14 +188,36 @@ class OpenFile {
 
 }  // namespace
 
-void bindFile(const Document& document, const std::string& path, void* root, Findings* findings) {
+void parseFile(const std::string& path, const Limits& limits, const MakeEvents& make) {
     const OpenFile file(path);
     if (file.isDirectory()) throw BindingError("the path is a directory, not a file");
-    Parse(document, root, findings).stream(file.get());
+    Parse parse(limits);
+    parse.to(make(parse));
+    parse.stream(file.get());
+}
+
+void parseText(std::string_view text, const Limits& limits, const MakeEvents& make) {
+    Parse parse(limits);
+    parse.to(make(parse));
+    parse.text(text);
+}
+
+void parseMarkup(std::string_view text, const Limits& limits, const MakeMarkupEvents& make) {
+    Parse parse(limits);
+    parse.toMarkup(make(parse));
+    parse.text(text);
+}
+
+void bindFile(const Document& document, const std::string& path, void* root, Findings* findings) {
+    parseFile(path, document.limits, [&](const Locator& locator) {
+        return std::make_unique<Binder>(document, root, findings, locator);
+    });
 }
 
 void bindText(const Document& document, std::string_view text, void* root, Findings* findings) {
-    Parse(document, root, findings).text(text);
+    parseText(text, document.limits, [&](const Locator& locator) {
+        return std::make_unique<Binder>(document, root, findings, locator);
+    });
 }
 
 }  // namespace mav_host::xml::detail

@@ -13,6 +13,7 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
+#include "mav_platform/HMAVHpfmReader.h"
 #include "mav_platform/HPLPlatform.h"
 
 namespace {
@@ -113,7 +114,7 @@ bool HMAVDsaJsonReader::parseMember_(const std::string& path, const std::string&
         reportMember(ComMsgMgr::ERROR, path, member, error.what());
         return false;
     }
-    return parseDocument_(std::move(text), path, member);
+    return parseDocument_(std::move(text), path, member, true);
 }
 
 bool HMAVDsaJsonReader::parseFile(const std::string& path) {
@@ -143,7 +144,7 @@ bool HMAVDsaJsonReader::parseJsonString(const std::string& text) {
 }
 
 bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path,
-                                       const std::string& member) {
+                                       const std::string& member, bool inArchive) {
     namespace json_parser = boost::property_tree::json_parser;
     if (text.empty()) {
         reportMember(ComMsgMgr::ERROR, path, member, "the member is empty");
@@ -155,6 +156,11 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
         const mav_platform::json::Document document(std::move(text));
         mav_platform::metadata::requireObject(document.root());
         parseRoot_(*platform_, document.root(), trail);
+        if (const auto hpfm = inArchive ? getHpfmStr() : std::nullopt) {
+            readHpfmBusInterfaces(*hpfm);
+            readHpfmNocConnectivity(*hpfm);
+        }
+        parseRest_(*platform_, document.root(), trail);
     } catch (const json_parser::json_parser_error& error) {
         reportMember(ComMsgMgr::ERROR, path, member,
                      "line " + std::to_string(error.line()) + ": " + error.message());
@@ -176,4 +182,41 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
                      "the value of '" + place + "' is no unsigned number that fits; 0 counts");
     }
     return true;
+}
+
+std::string HMAVDsaJsonReader::getHpfmFile() const {
+    const std::string member = platform_->getFile(HMAVPfmFileTypes::HPFM);
+    if (member.empty() || !platform_->isChildHardwareEmuPlatform()) return member;
+    return HMAVHardwarePlatform::getHwEmuDir() + "/" + member;
+}
+
+std::optional<std::string> HMAVDsaJsonReader::getHpfmStr() {
+    const std::string member = getHpfmFile();
+    if (member.empty()) return std::nullopt;
+    const std::string path = platform_->getPlatformFile();
+    try {
+        const mav_host::ZipArchive& archive = archives_->open(path);
+        if (!archive.contains(member)) return std::nullopt;
+        return archive.read(member, HUTZip::MAX_METADATA_SIZE);
+    } catch (const HEXError& error) {
+        reportMember(ComMsgMgr::ERROR, path, member, error.what());
+        return std::nullopt;
+    }
+}
+
+/// Both questions about one text are answered by one reader, which binds it once.
+HMAVHpfmReader& HMAVDsaJsonReader::hpfmReader_(const std::string& text) {
+    if (!hpfm_ || hpfmText_ != text) {
+        hpfm_ = std::make_unique<HMAVHpfmReader>(text, platform_);
+        hpfmText_ = text;
+    }
+    return *hpfm_;
+}
+
+void HMAVDsaJsonReader::readHpfmBusInterfaces(const std::string& text) {
+    hpfmReader_(text).parseBusInterfaces();
+}
+
+void HMAVDsaJsonReader::readHpfmNocConnectivity(const std::string& text) {
+    hpfmReader_(text).parseNocConnectivity();
 }

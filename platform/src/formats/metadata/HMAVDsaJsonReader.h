@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "formats/metadata/Fields.h"
@@ -11,6 +12,7 @@ class HMAVDpeHardware;
 class HMAVDpePartition;
 class HMAVHardwareAddressSegment;
 class HMAVHardwareBusInterface;
+class HMAVHpfmReader;
 class HMAVReconfigPartition;
 class HPLBoard;
 class HPLCore;
@@ -53,6 +55,15 @@ class HMAVDsaJsonReader {
     bool parseFile(const std::string& path);
     bool parseJsonString(const std::string& text);
 
+    /// Name of the archive's hpfm member, with its folder; empty when the platform lists none.
+    std::string getHpfmFile() const;
+    /// Text of that member; nothing when it is absent or, reported as "@74-64@%s%s%s", unreadable.
+    std::optional<std::string> getHpfmStr();
+    /// Fill the bus interfaces, or the NoC records, from the text of an hpfm document. A text that
+    /// does not bind is reported as HMAVHpfmReader does and fills nothing.
+    void readHpfmBusInterfaces(const std::string& text);
+    void readHpfmNocConnectivity(const std::string& text);
+
   private:
     using Node = mav_platform::json::Node;
     using Trail = mav_platform::metadata::Trail;
@@ -60,6 +71,8 @@ class HMAVDsaJsonReader {
     // One function per object or list of the document. Each throws ConversionError, or what a model
     // object throws when it refuses a value; the trail then tells where.
     static void parseRoot_(HPLPlatform& platform, const Node& root, Trail& trail);
+    /// The keys that come after what other members of the archive contribute.
+    static void parseRest_(HPLPlatform& platform, const Node& root, Trail& trail);
     static void parseValidBinaryContentValues_(HPLPlatform& platform, const Node& node,
                                                Trail& trail);
     static void parseDesignIntent_(HPLPlatform& platform, const Node& node, Trail& trail);
@@ -90,10 +103,14 @@ class HMAVDsaJsonReader {
     bool canParse_(const std::string& path, Mode mode, const std::string& primary,
                    const std::string& alternative, std::string& member);
     bool parseMember_(const std::string& path, const std::string& member);
-    bool parseDocument_(std::string text, const std::string& path, const std::string& member);
+    bool parseDocument_(std::string text, const std::string& path, const std::string& member,
+                        bool inArchive = false);
+    HMAVHpfmReader& hpfmReader_(const std::string& text);
     void reportDeclined_(const std::string& path, Mode mode);
 
     HPLPlatform* platform_;
     std::unique_ptr<mav_platform::OpenArchives> own_;
     mav_platform::OpenArchives* archives_;
+    std::unique_ptr<HMAVHpfmReader> hpfm_;  ///< the last one, which has bound `hpfmText_`
+    std::string hpfmText_;
 };

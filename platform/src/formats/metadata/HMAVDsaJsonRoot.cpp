@@ -75,6 +75,13 @@ void HMAVDsaJsonReader::parseRoot_(HPLPlatform& platform, const Node& root, Trai
         {"files", &parseFiles_},
         {"featureRoms", &parseFeatureRoms_},
         {"systemClocks", &parseSystemClocks_},
+    };
+    readFields(FIELDS, root, platform, trail);
+}
+
+void HMAVDsaJsonReader::parseRest_(HPLPlatform& platform, const Node& root, Trail& trail) {
+    using P = HPLPlatform;
+    static constexpr Field<P> FIELDS[] = {
         {"busInterfaces", &parseBusInterfaces_},
         {"nocConnectivity", &parseNocConnectivity_},
         {"ipParameters", &parseIPParams_},
