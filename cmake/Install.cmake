@@ -27,6 +27,8 @@ endif()
 install(DIRECTORY host/include/mav_host platform/include/mav_platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY ${CMAKE_BINARY_DIR}/share/mav/ DESTINATION ${MAV_DATA_DIR})
+install(DIRECTORY platform/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/mav_platform/schema
+  FILES_MATCHING PATTERN "*.xsd" PATTERN "*.schema.json")
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 install(EXPORT MavPlatformTargets NAMESPACE MavPlatform:: DESTINATION ${MAV_PACKAGE_DIR})
