@@ -31,12 +31,14 @@ NAMES = {
     "dpe-partitions.schema.json": r"dpe_partition\.json",
     "vma.schema.json": r"vma\.json",
 }
-# Which schemas describe the examples of a format page, by the language of the block.
+# Which schemas describe the examples of a format page, by the language of the block; several in the
+# order of the blocks.
 PAGE_SCHEMAS = {
     "qpfm.md": {"xml": "platform-description.xsd"},
     "spfm.md": {"xml": "software-platform.xsd"},
     "hpfm.md": {"xml": "hpfm.xsd"},
-    "emulation.md": {"xml": "emulation.xsd", "json": "emulation.schema.json"},
+    "emulation.md": {"xml": "emulation.xsd",
+                     "json": ("emulation.schema.json", "extension-metadata.schema.json")},
     "metadata.md": {"json": "metadata.schema.json"},
     "document.md": {"json": "document.schema.json"},
     "dpe_partitions.md": {"json": "dpe-partitions.schema.json"},
@@ -90,12 +92,19 @@ def packed_samples():
             yield Text(place, described_by(path.name), path.read_text(encoding="utf-8"))
 
 
+def in_order(names):
+    """The schemas of one language on a page; the last one describes all further blocks."""
+    return [names] if isinstance(names, str) else list(names)
+
+
 def page_examples():
     for page in sorted(PAGES.glob("*.md")):
         blocks = re.findall(r"^```(xml|json)\n(.*?)^```$", page.read_text(encoding="utf-8"),
                             re.MULTILINE | re.DOTALL)
+        schemas = {language: in_order(names) for language, names in PAGE_SCHEMAS[page.name].items()}
         for index, (language, text) in enumerate(blocks):
-            yield Text(f"{page.name}[{index}]", PAGE_SCHEMAS[page.name][language], text)
+            schema = schemas[language]
+            yield Text(f"{page.name}[{index}]", schema.pop(0) if len(schema) > 1 else schema[0], text)
 
 
 def golden_documents():

@@ -165,7 +165,9 @@ SMALL = {
         ]),
     "extension-metadata.schema.json": (
         {"featureRoms": [{"vbnvName": "a_b_c_1_0", "featureBitMap": "1"}]}, [
-            (["featureRoms"], REMOVED, "'featureRoms' is a required property"),
+            (["featureRoms"], {}, "is not of type"),
+            (["featureRoms", 0, "featureBitMap"], "4294967296", "does not match"),
+            (["featureRoms", 0, "cdmaBaseAddress3"], "-1", "does not match"),
             (["featureRoms", 0, "uuid"], "0", "'uuid' was unexpected"),
             (["featureRoms", 0, "vbnvName"], [], "is not of type"),
         ]),

@@ -134,7 +134,8 @@ class Names(unittest.TestCase):
         for schema, binding, prefix in (
                 ("platform-description.xsd", "description/MAVPlatformLMX.cpp", "mav:"),
                 ("software-platform.xsd", "software/MAVSoftwarePlatformLMX.cpp", "mav:"),
-                ("hpfm.xsd", "hpfm/MAVHpfmLMX.cpp", "qd:")):
+                ("hpfm.xsd", "hpfm/MAVHpfmLMX.cpp", "qd:"),
+                ("emulation.xsd", "emulation/MAVEmulationLMX.cpp", "")):
             with self.subTest(schema=schema):
                 self.same_tables(bound_items(source("formats/" + binding)),
                                  schema_items(SCHEMAS / schema, prefix))
@@ -154,6 +155,13 @@ class Names(unittest.TestCase):
         tables.remove(late)
         next(table for table in tables if "boardId" in table).update(late)
         self.same_tables(tables, schema_objects(load("metadata.schema.json")))
+
+    def test_emulation(self):
+        readers = ("HMAVEmulationJsonReader.cpp", "HMAVEmulationExtMetaJsonReader.cpp")
+        tables = field_tables(source(*("formats/emulation/" + name for name in readers)))
+        schemas = ("emulation.schema.json", "extension-metadata.schema.json")
+        self.same_tables(tables, [names for schema in schemas
+                                  for names in schema_objects(load(schema))])
 
     def test_document(self):
         schema = load("document.schema.json")

@@ -244,6 +244,10 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     std::string getAltJsonFileName() const;
     std::string getHwEmuJsonFileName() const;
     std::string getAltHwEmuJsonFileName() const;
+    /// The last two when the platform file is an archive that holds that member, else empty. Each
+    /// call opens the archive.
+    std::string getHwEmuJsonFileNameIfExist() const;
+    std::string getAltHwEmuJsonFileNameIfExist() const;
     /// Folder of a child hardware-emulation platform inside the archive: "hw_emu".
     static const std::string& getHwEmuDir();
     /// True for ".dsa" and ".pka" alone, exact.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "mav_host/Export.h"
+#include "mav_platform/HMAVEmulations.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
 #include "mav_platform/HPLBoard.h"
 #include "mav_platform/HPLDevice.h"
@@ -151,6 +152,12 @@ class MAV_API HPLPlatform : public HMAVHardwarePlatform {
     /// False after a warning "@74-271@%s" with the text when it names no file type.
     static bool validateFileType(const std::string& text);
 
+    /// What the archive's emulation members say; null when none was read. Owned by the platform.
+    const HMAVEmulations* getEmulations() const { return emulations_.get(); }
+    void setEmulations(std::unique_ptr<HMAVEmulations> emulations) {
+        emulations_ = std::move(emulations);
+    }
+
     /// The extensions of the metadata, kept whole for the document.
     void setExtensions(boost::property_tree::ptree tree);
 
@@ -184,4 +191,5 @@ class MAV_API HPLPlatform : public HMAVHardwarePlatform {
     OwnedList<HPLMemory> memories_;
     OwnedList<HPLFile> files_;
     std::unique_ptr<boost::property_tree::ptree> extensions_;
+    std::unique_ptr<HMAVEmulations> emulations_;
 };

@@ -87,7 +87,10 @@ bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
 
 bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
     std::string member;
-    return canParseHwEmu(path, mode, member) && parseMember_(path, member);
+    merged_ = true;
+    const bool parsed = canParseHwEmu(path, mode, member) && parseMember_(path, member);
+    merged_ = false;
+    return parsed;
 }
 
 void HMAVDsaJsonReader::reportDeclined_(const std::string& path, Mode mode) {
@@ -156,6 +159,7 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
         const mav_platform::json::Document document(std::move(text));
         mav_platform::metadata::requireObject(document.root());
         parseRoot_(*platform_, document.root(), trail);
+        if (inArchive) readEmulations();
         if (const auto hpfm = inArchive ? getHpfmStr() : std::nullopt) {
             readHpfmBusInterfaces(*hpfm);
             readHpfmNocConnectivity(*hpfm);
@@ -186,7 +190,12 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
 
 std::string HMAVDsaJsonReader::getHpfmFile() const {
     const std::string member = platform_->getFile(HMAVPfmFileTypes::HPFM);
-    if (member.empty() || !platform_->isChildHardwareEmuPlatform()) return member;
+    return member.empty() ? member : placed_(member);
+}
+
+/// The member's name in the archive.
+std::string HMAVDsaJsonReader::placed_(const std::string& member) const {
+    if (!merged_ && !platform_->isChildHardwareEmuPlatform()) return member;
     return HMAVHardwarePlatform::getHwEmuDir() + "/" + member;
 }
 

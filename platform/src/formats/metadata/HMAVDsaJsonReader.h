@@ -6,10 +6,12 @@
 #include <string>
 
 #include "formats/metadata/Fields.h"
+#include "mav_platform/HMAVPfmFileTypes.h"
 #include "mav_platform/HwMetadataMode.h"
 
 class HMAVDpeHardware;
 class HMAVDpePartition;
+class HMAVEmulations;
 class HMAVHardwareAddressSegment;
 class HMAVHardwareBusInterface;
 class HMAVHpfmReader;
@@ -64,6 +66,12 @@ class HMAVDsaJsonReader {
     void readHpfmBusInterfaces(const std::string& text);
     void readHpfmNocConnectivity(const std::string& text);
 
+    /// Reads the emulation members that the platform's files name, JSON before XML, and the
+    /// extension metadata. A member that is absent is passed over; one that does not parse is
+    /// reported by its reader and contributes nothing. A file of type "EMU_HPFM" makes the platform
+    /// support hardware emulation, one of type "TOP_BD" two boards.
+    void readEmulations();
+
   private:
     using Node = mav_platform::json::Node;
     using Trail = mav_platform::metadata::Trail;
@@ -105,6 +113,9 @@ class HMAVDsaJsonReader {
     bool parseMember_(const std::string& path, const std::string& member);
     bool parseDocument_(std::string text, const std::string& path, const std::string& member,
                         bool inArchive = false);
+    std::string placed_(const std::string& member) const;
+    std::string presentMember_(HMAVPfmFileTypes::FileType type) const;
+    bool readEmulationMember_(HMAVEmulations& emulations);
     HMAVHpfmReader& hpfmReader_(const std::string& text);
     void reportDeclined_(const std::string& path, Mode mode);
 
@@ -113,4 +124,5 @@ class HMAVDsaJsonReader {
     mav_platform::OpenArchives* archives_;
     std::unique_ptr<HMAVHpfmReader> hpfm_;  ///< the last one, which has bound `hpfmText_`
     std::string hpfmText_;
+    bool merged_ = false;  ///< members stand in the folder of the merged emulation platform
 };

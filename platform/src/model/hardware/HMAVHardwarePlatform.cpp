@@ -19,6 +19,10 @@ const std::string& emuDir() {
     return DIR;
 }
 
+std::string ifInArchive(const std::string& archive, const std::string& member) {
+    return HUTZip::containsFile(archive, member) ? member : "";
+}
+
 }  // namespace
 
 HMAVHardwarePlatform::HMAVHardwarePlatform() = default;
@@ -292,6 +296,14 @@ std::string HMAVHardwarePlatform::getHwEmuJsonFileName() const {
 
 std::string HMAVHardwarePlatform::getAltHwEmuJsonFileName() const {
     return emuDir() + "/" + getAltJsonFileName();
+}
+
+std::string HMAVHardwarePlatform::getHwEmuJsonFileNameIfExist() const {
+    return ifInArchive(platformFile_, getHwEmuJsonFileName());
+}
+
+std::string HMAVHardwarePlatform::getAltHwEmuJsonFileNameIfExist() const {
+    return ifInArchive(platformFile_, getAltHwEmuJsonFileName());
 }
 
 const std::string& HMAVHardwarePlatform::getHwEmuDir() {

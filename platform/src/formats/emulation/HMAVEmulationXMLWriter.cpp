@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/HMAVEmulationXMLWriter.h"
+
+#include <string_view>
+
+#include "formats/emulation/MAVEmulationLMX.h"
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HI18N.h"
+#include "mav_host/HUTFile.h"
+#include "mav_host/xml/Tree.h"
+#include "mav_platform/HMAVEmulations.h"
+
+namespace xml = mav_host::xml;
+
+namespace {
+
+xml::Node& addElement(xml::Node& parent, const char* name) {
+    xml::Node& child = parent.children.emplace_back();
+    child.name = name;
+    return child;
+}
+
+void addAttribute(xml::Node& node, const char* name, const std::string& value) {
+    node.attributes.push_back({name, HI18N::convert(value)});
+}
+
+void addFile(xml::Node& files, const HMAVEmulationFile& file) {
+    xml::Node& node = addElement(files, "File");
+    addAttribute(node, "Type", file.getType());
+    addAttribute(node, "Name", file.getName());
+    if (!file.getInstPath().empty()) addAttribute(node, "InstPath", file.getInstPath());
+}
+
+void addEmulation(xml::Node& list, const HMAVEmulation& emulation) {
+    xml::Node& node = addElement(list, "Emulation");
+    if (!emulation.getName().empty()) addAttribute(node, "Name", emulation.getName());
+    xml::Node& files = addElement(node, "Files");
+    for (const HMAVEmulationFile* file : emulation.getFiles()) addFile(files, *file);
+}
+
+std::string textOf(const HMAVEmulations& emulations) {
+    xml::Tree tree;
+    xml::Node& root = tree.root;
+    root.name = "EmulationMetadata";
+    addAttribute(root, "xmlns", "urn:mav:emulation:1");
+    addAttribute(root, "VersionMajor", std::to_string(emulations.getVersionMajor()));
+    addAttribute(root, "VersionMinor", std::to_string(emulations.getVersionMinor()));
+    xml::Node& list = addElement(root, "Emulations");
+    for (const HMAVEmulation* emulation : emulations.getEmulations()) {
+        addEmulation(list, *emulation);
+    }
+    return tree.write();
+}
+
+}  // namespace
+
+bool HMAVEmulationXMLWriter::writeXml() {
+    const auto fail = [&](const HEXError& error, const std::string& step, const std::string& more) {
+        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-15@%s%s%s%s",
+                           {path_, error.what(), step, more});
+        return false;
+    };
+    try {
+        const std::string text = textOf(*emulations_);
+        // Control characters and the like pass the writer, but no reader.
+        mav_platform::lmx::emulationFormat().parseText(text);
+        HUTFileUtils::writeWhole(path_, text);
+    } catch (const xml::BindingError& error) {
+        return fail(error, "line " + std::to_string(error.line()),
+                    "column " + std::to_string(error.column()));
+    } catch (const HEXError& error) {
+        return fail(error, "writing", "the file is as it was");
+    }
+    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-10@%s", {path_});
+    return true;
+}
