@@ -16,6 +16,7 @@ HERE = SOURCE / "tests/cli"
 DOCUMENTS = {
     "veltrin_h90.json": ["veltrin_h90/veltrin_h90.pka"],
     "ostrivel_e7.json": ["ostrivel_e7/ostrivel_e7.qpfm"],
+    "ostrivel_e7_emu.json": ["ostrivel_e7/ostrivel_e7_emu.qpfm"],
     "ostrivel_e7.short.json": ["ostrivel_e7/ostrivel_e7.qpfm", "--short"],
     "tessomar_r2.json": ["tessomar_r2/tessomar_r2.qpfm"],
     "tessomar_r2_p1.json": ["tessomar_r2/partition1/tessomar_r2_p1.dsa"],

@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The samples' texts: every key of the metadata is used, no key is misspelled, every file that
-the metadata names is there."""
+"""The samples' texts: every file type is used, every file that the metadata names is there."""
 import json
 import re
 import unittest
@@ -9,7 +8,6 @@ from support import SOURCE
 
 SAMPLES = SOURCE / "samples"
 NAMES = ("pka.json", "alt_pka.json", "dsa.json", "alt_dsa.json")
-FREE_FORM = {"extensions", "designIpInstances[].configuration"}
 DIRECTORY_TYPES = {"IP_REPO_PATH", "IP_CACHE_DIR", "BOARD_REPO_PATH"}
 LARGEST = 400_000
 
@@ -19,20 +17,6 @@ def metadata():
     found = [path for path in sorted(SAMPLES.rglob("*.json")) if path.name in NAMES]
     assert found, "no metadata among the samples"
     return [(path, json.loads(path.read_text(encoding="utf-8"))) for path in found]
-
-
-def keys(node, prefix=""):
-    """The keys below a node, list elements as "[]"; what has free form is not looked into."""
-    if prefix in FREE_FORM:
-        return
-    if isinstance(node, list):
-        for item in node:
-            yield from keys(item, prefix + "[]")
-    elif isinstance(node, dict):
-        for key, value in node.items():
-            path = f"{prefix}.{key}" if prefix else key
-            yield path
-            yield from keys(value, path)
 
 
 def named_files(folder, document):
@@ -49,13 +33,6 @@ def named_files(folder, document):
 
 
 class Samples(unittest.TestCase):
-    def test_every_key_is_used_and_no_other(self):
-        listed = set((SOURCE / "tests/cli/metadata_keys.txt").read_text().split())
-        used = {path for _, document in metadata() for path in keys(document)}
-        self.assertGreater(len(listed), 200)
-        self.assertEqual(sorted(listed - used), [], "keys that no sample uses")
-        self.assertEqual(sorted(used - listed), [], "keys that no reader knows")
-
     def test_every_file_type_is_used(self):
         source = (SOURCE / "platform/src/model/HMAVPfmFileTypes.cpp").read_text()
         types = set(re.findall(r'^ +"([A-Z0-9_]+)",$', source, re.MULTILINE))

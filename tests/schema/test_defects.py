@@ -8,10 +8,10 @@ from support import SOURCE, faults, golden_documents
 
 SAMPLES = SOURCE / "samples"
 CARD = "veltrin_h90/archive/pka.json"
-EMBEDDED = "ostrivel_e7/hw/archive/pka.json"
 CARD_HPFM = "veltrin_h90/archive/veltrin_h90.hpfm"
 PARTITIONS = "tessomar_r2/tessomar_r2.qpfm"
 DESCRIPTION = "ostrivel_e7/ostrivel_e7.qpfm"
+EMULATION_ONLY = "ostrivel_e7/ostrivel_e7_emu.qpfm"
 SOFTWARE = "ostrivel_e7/sw/ostrivel_e7.spfm"
 EMULATION = "tessomar_r2/partition1/hw_emu/hw_emu.xml"
 
@@ -22,8 +22,8 @@ XML_DEFECTS = {
         (DESCRIPTION, 'mav:version="1.4"', 'mav:version="1.4.1"', "'xs:decimal'"),
         (DESCRIPTION, "urn:mav:platform:1", "urn:mav:platform:2", "No matching global declaration"),
         (DESCRIPTION, ' mav:path="hw"', "", "path' is required"),
-        (DESCRIPTION, '<mav:hardwarePlatform mav:path="hw" mav:name="ostrivel_e7.pka"/>', "",
-         "Missing child element"),
+        (EMULATION_ONLY, '<mav:hwEmuPlatform mav:path="hw_emu" mav:name="ostrivel_e7_emu.pka"/>',
+         "", "Missing child element"),
         (DESCRIPTION, "</mav:hardwarePlatforms>",
          '<mav:reconfigurablePartition mav:id="1"/></mav:hardwarePlatforms>', "not expected"),
         (DESCRIPTION, "</mav:softwarePlatforms>",
