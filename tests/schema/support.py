@@ -31,18 +31,16 @@ NAMES = {
     "dpe-partitions.schema.json": r"dpe_partition\.json",
     "vma.schema.json": r"vma\.json",
 }
-# Which schemas describe the examples of a format page, by the language of the block; several in the
-# order of the blocks.
+# Which schema describes each example of a format page, in order; the last one goes on.
 PAGE_SCHEMAS = {
-    "qpfm.md": {"xml": "platform-description.xsd"},
-    "spfm.md": {"xml": "software-platform.xsd"},
-    "hpfm.md": {"xml": "hpfm.xsd"},
-    "emulation.md": {"xml": "emulation.xsd",
-                     "json": ("emulation.schema.json", "extension-metadata.schema.json")},
-    "metadata.md": {"json": "metadata.schema.json"},
-    "document.md": {"json": "document.schema.json"},
-    "dpe_partitions.md": {"json": "dpe-partitions.schema.json"},
-    "vma.md": {"json": "vma.schema.json"},
+    "qpfm.md": ["platform-description.xsd"],
+    "spfm.md": ["software-platform.xsd"],
+    "hpfm.md": ["hpfm.xsd"],
+    "emulation.md": ["emulation.schema.json", "emulation.xsd", "extension-metadata.schema.json"],
+    "metadata.md": ["metadata.schema.json"],
+    "document.md": ["document.schema.json"],
+    "dpe_partitions.md": ["dpe-partitions.schema.json"],
+    "vma.md": ["vma.schema.json"],
 }
 NESTED = (".zip", ".pka", ".dsa")
 
@@ -92,19 +90,13 @@ def packed_samples():
             yield Text(place, described_by(path.name), path.read_text(encoding="utf-8"))
 
 
-def in_order(names):
-    """The schemas of one language on a page; the last one describes all further blocks."""
-    return [names] if isinstance(names, str) else list(names)
-
-
 def page_examples():
     for page in sorted(PAGES.glob("*.md")):
-        blocks = re.findall(r"^```(xml|json)\n(.*?)^```$", page.read_text(encoding="utf-8"),
+        blocks = re.findall(r"^```(?:xml|json)\n(.*?)^```$", page.read_text(encoding="utf-8"),
                             re.MULTILINE | re.DOTALL)
-        schemas = {language: in_order(names) for language, names in PAGE_SCHEMAS[page.name].items()}
-        for index, (language, text) in enumerate(blocks):
-            schema = schemas[language]
-            yield Text(f"{page.name}[{index}]", schema.pop(0) if len(schema) > 1 else schema[0], text)
+        schemas = PAGE_SCHEMAS[page.name]
+        for index, text in enumerate(blocks):
+            yield Text(f"{page.name}[{index}]", schemas[min(index, len(schemas) - 1)], text)
 
 
 def golden_documents():

@@ -116,7 +116,7 @@ METADATA_DEFECTS = [
     (["featureRoms"], [{"cdmaBaseAddress4": 0}], "was unexpected"),
     (["dpeHardware"], {"arch": "DPE_G"}, "does not match"),
     (["dpeHardware"], {"shimRows": 2}, "is not of type"),
-    (["dpePartitions"], [{"numColumns": 0}], "less than the minimum"),
+    (["dpePartitions"], [{"numColumns": -1}], "less than the minimum"),
     (["dpePartitions"], [{"startColumn": 1}], "'numColumns' is a required property"),
     (["dpePartitions"], [{"numColumns": 2, "partitions": [{"numColumns": 1, "partitions": []}]}],
      "was unexpected"),
@@ -174,10 +174,9 @@ SMALL = {
     "dpe-partitions.schema.json": (
         {"DPE": {"a": {"startColumn": 0, "numColumns": "8", "partitions": {
             "b": {"numColumns": 2}}}}}, [
-            (["DPE"], REMOVED, "'DPE' is a required property"),
             (["DPE"], [], "is not of type"),
             (["DPE", "a", "numColumns"], REMOVED, "'numColumns' is a required property"),
-            (["DPE", "a", "numColumns"], "0", "does not match"),
+            (["DPE", "a", "numColumns"], "+1", "does not match"),
             (["DPE", "a", "startColumn"], "left", "does not match"),
             (["DPE", "a", "plInterfaceID"], "1", "'plInterfaceID' was unexpected"),
             (["DPE", "a", "partitions", "b", "partitions"], {}, "was unexpected"),
