@@ -9,7 +9,9 @@
 #include "mav_platform/HMAVEmulationJsonReader.h"
 #include "mav_platform/HMAVEmulationXMLReader.h"
 #include "mav_platform/HMAVEmulationXMLWriter.h"
+#include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HPLPlatform.h"
+#include "mav_platform/PlatformLoader.h"
 #include "support/Archives.h"
 
 namespace {
@@ -338,7 +340,7 @@ constexpr const char* XML_BOARDS =
 class EmulationOfArchive : public Emulation {
   protected:
     /// Loads an archive of these members; the first variant's name and the two flags.
-    std::string loaded(std::vector<std::pair<std::string, std::string>> members,
+    std::string loaded(const std::vector<std::pair<std::string, std::string>>& members,
                        bool merged = false) {
         messages.all.clear();
         const std::string path = packArchive(dir, "a.pka", members);
@@ -400,6 +402,58 @@ TEST_F(EmulationOfArchive, AMergedPlatformFindsItsMembersInItsFolder) {
     HPLPlatform plain;
     EXPECT_TRUE(HMAVDsaJsonReader(&plain).parseDSA(path, AUTO));
     EXPECT_EQ(plain.getBusInterfaceByName("NAME"), nullptr);
+}
+
+class EmulationOfSamples : public Emulation {
+  protected:
+    /// Packs a folder of the samples and loads it, by a name that is not the canonical one.
+    std::shared_ptr<HMAVPlatform> load(const std::string& folder) {
+        namespace fs = std::filesystem;
+        const fs::path root = std::string(MAV_SOURCE_DIR "/samples/") + folder;
+        HSTVector<HUTZip::Source> sources;
+        for (const auto& entry : fs::recursive_directory_iterator(root)) {
+            if (!entry.is_regular_file()) continue;
+            sources.push_back({fs::relative(entry.path(), root), entry.path(), ""});
+        }
+        HUTZip::create(dir.path("s.pka"), sources);
+        return mav_platform::PlatformLoader(dir.path("./s.pka"), AUTO).load();
+    }
+    /// The types in its emulation metadata, in order; each listed member is in the archive.
+    std::string types(const HMAVPlatform& platform) const {
+        const mav_host::ZipArchive archive(dir.path("s.pka"));
+        const auto& hardware = dynamic_cast<const HPLPlatform&>(*platform.getHardwarePlatform());
+        if (hardware.getEmulations() == nullptr) return "none";
+        std::string text;
+        for (const HMAVEmulation* emulation : hardware.getEmulations()->getEmulations()) {
+            text += emulation->getName() + ":";
+            for (const HMAVEmulationFile* file : emulation->getFiles()) {
+                text += " " + file->getType();
+                EXPECT_TRUE(archive.contains(file->getName())) << file->getName();
+            }
+        }
+        return text;
+    }
+};
+
+TEST_F(EmulationOfSamples, BothFormsSetTheirFlags) {
+    const auto card = load("veltrin_h90/archive");
+    ASSERT_NE(card, nullptr);
+    EXPECT_EQ(types(*card), "default: EMU_HPFM TOP_BD DR_BD");
+    EXPECT_TRUE(card->supportsTwoHwEmuBd());
+    const auto* emulation = dynamic_cast<const HPLPlatform*>(card->getHardwareEmulationPlatform());
+    ASSERT_NE(emulation, nullptr);
+    EXPECT_EQ(emulation->getEmulations(), nullptr) << "its metadata lists none";
+    EXPECT_NE(emulation->getBusInterfaceByName("S_AXI_EMU_MGMT"), nullptr)
+        << "from the hpfm member in its folder";
+    const auto json = load("tessomar_r2/partition0/hw_emu");
+    ASSERT_NE(json, nullptr);
+    EXPECT_EQ(types(*json), "default: EMU_HPFM DR_BD");
+    EXPECT_FALSE(json->supportsTwoHwEmuBd());
+    const auto xml = load("tessomar_r2/partition1/hw_emu");
+    ASSERT_NE(xml, nullptr);
+    EXPECT_EQ(types(*xml), "default: EMU_HPFM DR_BD");
+    EXPECT_TRUE(xml->getHardwarePlatform()->supportsHWEmulation());
+    EXPECT_EQ(messages.text(), "");
 }
 
 }  // namespace

@@ -95,15 +95,18 @@ bool readJson(std::string text, const Place& place, const ReadRoot& read) {
     return true;
 }
 
-void fill(const lmx::EmulationMetadata& document, HMAVEmulations& emulations) {
-    if (document.pfmMetadataVersion) emulations.setPfmMetadataVersion(*document.pfmMetadataVersion);
+void fill(lmx::EmulationMetadata document, HMAVEmulations& emulations) {
+    if (document.pfmMetadataVersion) {
+        emulations.setPfmMetadataVersion(std::move(*document.pfmMetadataVersion));
+    }
     if (document.versionMajor) emulations.setVersionMajor(*document.versionMajor);
     if (document.versionMinor) emulations.setVersionMinor(*document.versionMinor);
-    for (const lmx::Emulation& read : document.emulations.emulations) {
+    for (lmx::Emulation& read : document.emulations.emulations) {
         HMAVEmulation& emulation = *emulations.createEmulation();
-        emulation.setName(read.name);
-        for (const lmx::EmulationFile& file : read.files.files) {
-            emulation.createFile(file.type, file.name)->setInstPath(file.instPath);
+        emulation.setName(std::move(read.name));
+        for (lmx::EmulationFile& file : read.files.files) {
+            emulation.createFile(std::move(file.type), std::move(file.name))
+                ->setInstPath(std::move(file.instPath));
         }
     }
 }

@@ -48,6 +48,6 @@ using ReadRoot = std::function<void(const json::Node& root, metadata::Trail& tra
 bool readJson(std::string text, const Place& place, const ReadRoot& read);
 
 /// Appends the document's emulations and sets the versions that it states.
-void fill(const lmx::EmulationMetadata& document, HMAVEmulations& emulations);
+void fill(lmx::EmulationMetadata document, HMAVEmulations& emulations);
 
 }  // namespace mav_platform::emulation

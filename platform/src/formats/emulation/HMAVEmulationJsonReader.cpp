@@ -95,6 +95,6 @@ bool HMAVEmulationJsonReader::parse_(std::string text, const emulation::Place& p
     const bool read = emulation::readJson(
         std::move(text), place,
         [&](const Node& root, Trail& trail) { parseRoot(document, root, trail); });
-    if (read) emulation::fill(document, *emulations_);
+    if (read) emulation::fill(std::move(document), *emulations_);
     return read;
 }
