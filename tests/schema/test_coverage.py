@@ -104,6 +104,21 @@ class JsonSchema:
                 elif isinstance(rest, dict):
                     yield from self._used(item, rest, place + "/[]")
 
+    def disordered(self, text):
+        """Places of objects whose members do not stand in the order of the properties."""
+        yield from self._disordered(json.loads(text), self.schema, "")
+
+    def _disordered(self, value, node, place):
+        node, place = self._resolved(node, place)
+        for item in value if isinstance(value, list) else ():
+            yield from self._disordered(item, node.get("items", {}), place)
+        properties = node.get("properties", {})
+        known = [key for key in value if key in properties] if isinstance(value, dict) else []
+        if known != [key for key in properties if key in known]:
+            yield place
+        for key in known:
+            yield from self._disordered(value[key], properties[key], f"{place}/{key}")
+
 
 class Coverage(unittest.TestCase):
     maxDiff = None
@@ -130,6 +145,13 @@ class Coverage(unittest.TestCase):
 
     def test_document(self):
         self.covered("document.schema.json", [text.text for text in golden_documents()], UNFILLED)
+
+    def test_order_of_the_document(self):
+        schema = JsonSchema("document.schema.json")
+        documents = list(golden_documents())
+        self.assertGreater(len(documents), 2)
+        for document in documents:
+            self.assertEqual(list(schema.disordered(document.text)), [], document.origin)
 
 
 # The command writes the archive index; no sample carries one of its own.
