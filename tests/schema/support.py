@@ -15,6 +15,7 @@ from jsonschema import Draft202012Validator
 SOURCE = pathlib.Path(os.environ["MAV_SOURCE_DIR"])
 SAMPLES = pathlib.Path(os.environ["MAV_SAMPLES"])
 MAV = os.environ["MAV_BIN"]
+WRITER = os.environ["MAV_WRITER"]
 SCHEMAS = SOURCE / "platform/schema"
 GOLDEN = SOURCE / "tests/cases/golden"
 PAGES = SOURCE / "docs/formats"
@@ -31,6 +32,9 @@ NAMES = {
     "dpe-partitions.schema.json": r"dpe_partition\.json",
     "vma.schema.json": r"vma\.json",
 }
+# What no sample need have: the library writes the archive index, and projects of the array engine
+# are archives of their own.
+WITHOUT_SAMPLE = ("vma.schema.json", "dpe-partitions.schema.json")
 # Which schema describes each example of a format page, in order; the last one goes on.
 PAGE_SCHEMAS = {
     "qpfm.md": ["platform-description.xsd"],

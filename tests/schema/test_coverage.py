@@ -5,7 +5,7 @@ import json
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from support import NAMES, SCHEMAS, golden_documents, load, unpacked_samples
+from support import NAMES, SCHEMAS, WITHOUT_SAMPLE, golden_documents, load, unpacked_samples
 
 XS = "{http://www.w3.org/2001/XMLSchema}"
 
@@ -137,8 +137,7 @@ class Coverage(unittest.TestCase):
         for text in unpacked_samples():
             texts.setdefault(text.schema, []).append(text.text)
         for name in NAMES:
-            if name in WITHOUT_SAMPLE:
-                self.assertNotIn(name, texts)
+            if name in WITHOUT_SAMPLE and name not in texts:
                 continue
             with self.subTest(schema=name):
                 self.covered(name, texts.get(name, []))
@@ -153,9 +152,6 @@ class Coverage(unittest.TestCase):
         for document in documents:
             self.assertEqual(list(schema.disordered(document.text)), [], document.origin)
 
-
-# The command writes the archive index; no sample carries one of its own.
-WITHOUT_SAMPLE = ("vma.schema.json", "dpe-partitions.schema.json")
 
 if __name__ == "__main__":
     unittest.main()
