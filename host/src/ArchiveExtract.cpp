@@ -63,6 +63,18 @@ class Extraction {
         const FileDescriptor parent = openParent(member);
         const std::string leaf = member.substr(member.rfind('/') + 1);
         if (leaf.empty() || leaf == ".") return;
+        extractAs(index, parent, leaf);
+    }
+
+    /// Extracts into the directory itself, under another name.
+    void extractAs(zip_uint64_t index, const std::string& leaf) const {
+        extractAs(index, openDir(memberName(zip_.get(), index)), leaf);
+    }
+
+  private:
+    void extractAs(zip_uint64_t index, const FileDescriptor& parent,
+                   const std::string& leaf) const {
+        const std::string member = memberName(zip_.get(), index);
         const std::string temporary =
             ".extracting-" + std::to_string(::getpid()) + "-" + std::to_string(index);
         try {
@@ -77,12 +89,16 @@ class Extraction {
         }
     }
 
-  private:
-    /// Opens the directory of the member's file, making what lacks of it.
-    FileDescriptor openParent(const std::string& member) const {
+    FileDescriptor openDir(const std::string& member) const {
         HUTFileUtils::makeDirs(dir_);
         FileDescriptor at(::open(dir_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!at.isOpen()) refuse(member, archive_, "'" + dir_ + "': " + systemText());
+        return at;
+    }
+
+    /// Opens the directory of the member's file, making what lacks of it.
+    FileDescriptor openParent(const std::string& member) const {
+        FileDescriptor at = openDir(member);
         std::size_t start = 0;
         for (std::size_t end; (end = member.find('/', start)) != std::string::npos;
              start = end + 1) {
@@ -135,6 +151,23 @@ bool HUTZip::extractFile(const std::string& archive, const std::string& member,
     if (index < 0) return false;
     extraction.check({static_cast<zip_uint64_t>(index)});
     extraction.extract(static_cast<zip_uint64_t>(index));
+    return true;
+}
+
+bool HUTZip::extractAs(const std::string& archive, const std::string& member,
+                       const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string leaf = path.substr(slash + 1);
+    if (leaf.empty() || leaf == "." || leaf == "..") {
+        throw HEXUserException("The member '" + member + "' of the archive '" + archive +
+                               "' is not extracted: '" + path + "' does not name a file");
+    }
+    const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const mav_host::Extraction extraction(archive, dir);
+    const zip_int64_t index = mav_host::findMember(extraction.zip(), member);
+    if (index < 0 || member.ends_with('/')) return false;
+    extraction.check({static_cast<zip_uint64_t>(index)});
+    extraction.extractAs(static_cast<zip_uint64_t>(index), leaf);
     return true;
 }
 

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/HUTFile.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -57,6 +62,23 @@ std::string HUTFile::getParent(const std::string& path) {
 std::string HUTFile::getExt(const std::string& path) {
     const std::string extension = HUTPathUtils::extension(path);
     return extension.empty() ? "" : extension.substr(1);
+}
+
+bool HUTFile::isWritable(const std::string& path) {
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
+std::string HUTFile::getIdentity(const std::string& path) {
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0) return "";
+    std::array<char, 128> text;
+    std::snprintf(text.data(), text.size(), "%llx-%llx-%llx-%llx.%lx",
+                  static_cast<unsigned long long>(status.st_dev),
+                  static_cast<unsigned long long>(status.st_ino),
+                  static_cast<unsigned long long>(status.st_size),
+                  static_cast<unsigned long long>(status.st_ctim.tv_sec),
+                  static_cast<unsigned long>(status.st_ctim.tv_nsec));
+    return text.data();
 }
 
 const std::string& HUTFile::getDirSeparator() {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -120,6 +121,22 @@ class EnvVar {
     }
     std::string name_;
     std::optional<std::string> before_;
+};
+
+/// Takes the super-user's rights away for the time of a test, so that permissions count.
+class Unprivileged {
+  public:
+    Unprivileged() : root_(::geteuid() == 0) {
+        if (root_ && ::seteuid(65534) != 0) throw std::runtime_error("the rights do not go");
+    }
+    ~Unprivileged() {
+        if (root_ && ::seteuid(0) != 0) std::abort();
+    }
+    Unprivileged(const Unprivileged&) = delete;
+    Unprivileged& operator=(const Unprivileged&) = delete;
+
+  private:
+    bool root_;
 };
 
 /// Exception type and whole text in one assertion.

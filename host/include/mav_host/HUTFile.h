@@ -15,6 +15,8 @@ class MAV_API HUTFile {
     static bool exists(const std::string& path);
     static bool isFile(const std::string& path);
     static bool isDir(const std::string& path);
+    /// This process may write to the file, or make files in the directory.
+    static bool isWritable(const std::string& path);
     /// Absolute, dots resolved, links among the directories followed. The last component of a file
     /// keeps its name even where it is a link; of a directory it is followed too. Works for paths
     /// that do not exist, as far as they do. Empty for an empty path.
@@ -23,6 +25,9 @@ class MAV_API HUTFile {
     static std::string getParent(const std::string& path);
     /// The text behind the file name's last dot, without the dot; empty when there is none.
     static std::string getExt(const std::string& path);
+    /// A text that stands for the file's place and content: another one as soon as the file is
+    /// replaced or written to. Usable as a file name; empty when the file cannot be asked.
+    static std::string getIdentity(const std::string& path);
     /// "/" on this system.
     static const std::string& getDirSeparator();
     /// Removes one file or link, never a directory. True when nothing is there afterwards.

@@ -121,6 +121,9 @@ class MAV_API HUTZip {
                             const std::string& dir);
     static bool extractDir(const std::string& archive, const std::string& member,
                            const std::string& dir);
+    /// Extracts one member to the file `path`, whatever the member is called; else as extractFile.
+    static bool extractAs(const std::string& archive, const std::string& member,
+                          const std::string& path);
 };
 
 /// Input stream over one member. Constructed on a missing archive or member it is in the failed

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/PlatformFileExtractor.h"
+
+#include "archive/memberFiles.h"
+#include "mav_host/HUTFile.h"
+#include "mav_platform/HMAVHardwarePlatform.h"
+
+PlatformFileExtractor::PlatformFileExtractor(const HMAVHardwarePlatform& platform, bool rewriteHpfm)
+    : platform_(platform), rewriteHpfm_(rewriteHpfm) {}
+
+bool PlatformFileExtractor::extract(const std::string& member,
+                                    const std::string& destinationPath) const {
+    const std::string name = mav_platform::memberOf(platform_, member);
+    return mav_platform::extractMember(platform_.getPlatformFile(), name, destinationPath);
+}
