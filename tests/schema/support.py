@@ -15,7 +15,7 @@ from jsonschema import Draft202012Validator
 SOURCE = pathlib.Path(os.environ["MAV_SOURCE_DIR"])
 SAMPLES = pathlib.Path(os.environ["MAV_SAMPLES"])
 MAV = os.environ["MAV_BIN"]
-WRITER = os.environ["MAV_WRITER"]
+TOOL = os.environ["MAV_TOOL"]
 SCHEMAS = SOURCE / "platform/schema"
 GOLDEN = SOURCE / "tests/cases/golden"
 PAGES = SOURCE / "docs/formats"

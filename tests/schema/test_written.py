@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import unittest
 
-from support import (MAV, SAMPLES, WRITER, faults, packed_samples, page_examples,
+from support import (MAV, SAMPLES, TOOL, faults, packed_samples, page_examples,
                      unpacked_samples)
 
 PLATFORMS = (".qpfm", ".pka", ".dsa")
@@ -19,7 +19,7 @@ class Written(unittest.TestCase):
         self.dir = pathlib.Path(os.path.realpath(scratch.name))
 
     def write(self, *arguments):
-        subprocess.run([WRITER, *arguments], check=True, capture_output=True, timeout=60)
+        subprocess.run([TOOL, *arguments], check=True, capture_output=True, timeout=60)
 
     def test_what_the_command_writes(self):
         platforms = [path for path in sorted(SAMPLES.rglob("*")) if path.suffix in PLATFORMS]
