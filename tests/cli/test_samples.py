@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The samples' texts: every file type is used, every file that the metadata names is there."""
+"""The samples' texts: every file type is used, every file that metadata or an index names is there."""
 import json
 import re
 import unittest
@@ -27,6 +27,9 @@ def named_files(folder, document):
             for variant in emulation["emulations"]:
                 for file in variant["files"]:
                     yield folder / file["name"], False
+    index = folder / "vma.json"
+    for item in json.loads(index.read_text(encoding="utf-8"))["files"] if index.exists() else ():
+        yield folder / item["name"], item["type"] in DIRECTORY_TYPES
     for key, name in document.get("board", {}).items():
         if key.startswith("imageFile"):
             yield SAMPLES / folder.relative_to(SAMPLES) / name, False
