@@ -64,6 +64,10 @@ std::string HUTFile::getExt(const std::string& path) {
     return extension.empty() ? "" : extension.substr(1);
 }
 
+bool HUTFile::isReadable(const std::string& path) {
+    return ::access(path.c_str(), R_OK) == 0;
+}
+
 bool HUTFile::isWritable(const std::string& path) {
     return ::access(path.c_str(), W_OK) == 0;
 }

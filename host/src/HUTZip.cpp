@@ -102,22 +102,45 @@ bool HUTZip::containsFile(const std::string& archive, const std::string& member)
     }
 }
 
-void HUTZip::add(const std::string& archive, const HSTVector<Source>& sources) {
-    mav_host::checkSources(archive, sources);
-    if (sources.empty()) return;
-    ArchiveWriter writer(archive, true);
-    mav_host::Replacements replacements;
-    for (const Source& source : sources) replacements[source.member] = &source;
+namespace mav_host {
+namespace {
+
+/// Builds the archive with the sources in it; the writer is ready to commit then.
+void addSources(ArchiveWriter& writer, const HSTVector<HUTZip::Source>& sources, bool withDigest) {
+    Replacements replacements;
+    for (const HUTZip::Source& source : sources) replacements[source.member] = &source;
     if (writer.old() != nullptr) {
-        mav_host::copyMembers(writer, replacements);
-        writer.keepComment();
+        copyMembers(writer, replacements);
+        if (!withDigest) writer.keepComment();
     }
-    for (const Source& source : sources) {
+    for (const HUTZip::Source& source : sources) {
         const auto at = replacements.find(source.member);
         if (at != replacements.end() && at->second == &source) writer.add(source);
     }
     writer.build();
+    if (withDigest) writer.attachDigest();
+}
+
+}  // namespace
+}  // namespace mav_host
+
+void HUTZip::add(const std::string& archive, const HSTVector<Source>& sources) {
+    mav_host::checkSources(archive, sources);
+    if (sources.empty()) return;
+    ArchiveWriter writer(archive, true);
+    mav_host::addSources(writer, sources, false);
     writer.commit();
+}
+
+void HUTZip::addWithDigest(const std::string& archive, const HSTVector<Source>& sources) {
+    mav_host::checkSources(archive, sources);
+    ArchiveWriter writer(archive, true);
+    mav_host::addSources(writer, sources, true);
+    writer.commit();
+}
+
+bool HUTZip::isMemberName(const std::string& name) {
+    return mav_host::isSafeMemberName(name);
 }
 
 void HUTZip::create(const std::string& archive, const HSTVector<Source>& sources) {
@@ -132,10 +155,5 @@ void HUTZip::create(const std::string& archive, const HSTVector<Source>& sources
 
 void HUTZip::addDigest(const std::string& archive) {
     if (!HUTPathUtils::exists(archive)) throw HEXFileNotFoundException(archive);
-    ArchiveWriter writer(archive, true);
-    mav_host::Replacements none;
-    mav_host::copyMembers(writer, none);
-    writer.build();
-    writer.attachDigest();
-    writer.commit();
+    addWithDigest(archive, {});
 }

@@ -15,6 +15,8 @@ class MAV_API HUTFile {
     static bool exists(const std::string& path);
     static bool isFile(const std::string& path);
     static bool isDir(const std::string& path);
+    /// This process may read the file.
+    static bool isReadable(const std::string& path);
     /// This process may write to the file, or make files in the directory.
     static bool isWritable(const std::string& path);
     /// Absolute, dots resolved, links among the directories followed. The last component of a file

@@ -99,6 +99,10 @@ class MAV_API HUTZip {
     /// null byte are refused with HEXUserException before anything is written. An existing digest
     /// is dropped, for it no longer holds. Without sources nothing happens.
     static void add(const std::string& archive, const HSTVector<Source>& sources);
+    /// As `add`, with a digest over the new archive, all in one step.
+    static void addWithDigest(const std::string& archive, const HSTVector<Source>& sources);
+    /// True for a name that a member may be added and extracted under.
+    static bool isMemberName(const std::string& name);
     /// Writes a new archive that holds exactly these members in this order and a digest over them.
     /// No members and equal names are refused with HEXUserException.
     static void create(const std::string& archive, const HSTVector<Source>& sources);

@@ -14,6 +14,7 @@
 #include "mav_host/HHSMHwManager.h"
 #include "mav_host/HSTFwdIter.h"
 #include "mav_host/HSTVector.h"
+#include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVDesignIPInstance.h"
 #include "mav_platform/HMAVDesignIntentStorage.h"
 #include "mav_platform/HMAVDevice.h"
@@ -327,6 +328,41 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     /// Writes the root partitions under "dpePartitions".
     void writeDpePartitions(mav_platform::JSONObjectWriter& writer) const;
 
+    /// Extracts the file of one role into the directory `dir`, which is made; the file keeps the
+    /// last part of its name. Answers the path of the file, empty when the platform has none or the
+    /// archive lacks it. Throws as PlatformFileExtractor::extract does. Listed files are of type
+    /// "HPFM" (brought to the present form on `rewrite`), "NOC_TRAFFIC", "NOC_SOLUTION", "DR_BD",
+    /// and "DPEPRJ", else "ME_ARCHIVE".
+    std::string extractHPFMFile(const std::string& dir, bool rewrite = false) const;
+    std::string extractNTSFile(const std::string& dir) const;
+    std::string extractNCRFile(const std::string& dir) const;
+    std::string extractDrBdFile(const std::string& dir) const;
+    std::string extractDPEPRJFile(const std::string& dir) const;
+    /// The same for files of the array-engine project. Interface constraints and logical
+    /// architecture are first looked for among the listed files, under the types "ME_CONSTRAINT"
+    /// and "ME_LOGICAL_ARCH".
+    std::string extractINTFCSTFile(const std::string& dir) const;
+    std::string extractINTFSOLFile(const std::string& dir) const;
+    std::string extractDPECSTFile(const std::string& dir) const;
+    std::string extractDPEMetadataFile(const std::string& dir) const;
+    std::string extractLARCHFile(const std::string& dir) const;
+
+    /// Adds the file `source` to the platform's archive as member `name` ("hw_emu/" before it for a
+    /// child hardware-emulation platform), lists it under `type` at the end of "files" in each
+    /// metadata member, which stay byte for byte otherwise, and puts a digest over the archive, all
+    /// in one step; then lists it here too. An index member "vma.json" of the archive takes the
+    /// file under `type` as HVMAArchive::archive does. Content of a member that is there is
+    /// replaced, and an equal item is not listed twice. An unknown type is reported by "@74-271@%s"
+    /// and listed.
+    ///
+    /// Throws HEXAlgException, the text after "HMAVHardwarePlatform::archiveFile() - ": "pkaFile is
+    /// not set", "pkaFile does not exist", "jsonFile is not set" (the platform file has no
+    /// extension), "Could not cast this to HPLPlatform", "Could not open file for reading: " +
+    /// source, "Could not open file for streaming: " + archive (the name is refused), or a sentence
+    /// on metadata that is missing or takes no file; and as HUTZip::add does. Archive and platform
+    /// are then as they were.
+    void archiveFile(const std::string& type, const std::string& name, const std::string& source);
+
     bool isStatic() const { return static_; }
     void setStatic(bool value) { static_ = value; }
     bool isRM() const { return rm_; }
@@ -377,6 +413,10 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     void writeSupport_(mav_platform::JSONObjectWriter& writer) const;
     void writeClocks_(mav_platform::JSONObjectWriter& writer) const;
     bool hasHardwareDef_() const;
+    std::string extractTypedFile_(const char* type, const std::string& dir,
+                                  bool rewriteHpfm = false) const;
+    HSTVector<HUTZip::Source> listInMetadata_(const std::string& type, const std::string& member,
+                                              const std::string& name) const;
     bool hasMixedHBMBanks_() const;
     int countBusInterfaces_(const char* type, const char* mode) const;
     std::size_t getMemoryResourceBusInterfacesIndexed_(

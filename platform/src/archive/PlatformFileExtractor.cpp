@@ -4,6 +4,7 @@
 #include "archive/memberFiles.h"
 #include "mav_host/HUTFile.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
+#include "mav_platform/HMAVHpfmUtl.h"
 
 PlatformFileExtractor::PlatformFileExtractor(const HMAVHardwarePlatform& platform, bool rewriteHpfm)
     : platform_(platform), rewriteHpfm_(rewriteHpfm) {}
@@ -11,5 +12,11 @@ PlatformFileExtractor::PlatformFileExtractor(const HMAVHardwarePlatform& platfor
 bool PlatformFileExtractor::extract(const std::string& member,
                                     const std::string& destinationPath) const {
     const std::string name = mav_platform::memberOf(platform_, member);
-    return mav_platform::extractMember(platform_.getPlatformFile(), name, destinationPath);
+    if (!mav_platform::extractMember(platform_.getPlatformFile(), name, destinationPath)) {
+        return false;
+    }
+    if (rewriteHpfm_ && HUTFile::getExt(destinationPath) == "hpfm") {
+        HMAVHpfmUtl::ChangeAndWriteHpfmIfNeeded(destinationPath);
+    }
+    return true;
 }

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "archive/memberFiles.h"
+#include "archive/metadataFiles.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTFile.h"
+#include "mav_host/HUTZip.h"
+#include "mav_platform/HMAVHardwarePlatform.h"
+#include "mav_platform/HPLPlatform.h"
+#include "mav_platform/HVMAArchive.h"
+#include "mav_platform/PlatformDpeprjFileExtractor.h"
+#include "mav_platform/PlatformFileExtractor.h"
+
+namespace {
+
+constexpr const char* REFUSED = "HMAVHardwarePlatform::archiveFile() - ";
+
+/// Where a member lands below `dir`; empty for one that is no file.
+std::string destinationOf(const std::string& member, const std::string& dir) {
+    const std::string leaf = member.substr(member.rfind('/') + 1);
+    return leaf.empty() ? "" : dir + "/" + leaf;
+}
+
+/// Extracts the member of the platform's archive; answers the file made, empty when there is none.
+std::string extractOwn(const PlatformFileExtractor& extractor, const std::string& member,
+                       const std::string& dir) {
+    const std::string path = destinationOf(member, dir);
+    return !path.empty() && extractor.extract(member, path) ? path : "";
+}
+
+/// The same for a member of the array-engine project.
+std::string extractNested(const HMAVHardwarePlatform& platform, const std::string& member,
+                          const std::string& dir) {
+    const std::string path = destinationOf(member, dir);
+    return PlatformDpeprjFileExtractor(platform).extractFile(member, path) ? path : "";
+}
+
+/// The file that the platform lists under `type`, else the member of the array-engine project.
+std::string extractListedOrNested(const HMAVHardwarePlatform& platform, const char* type,
+                                  const std::string& member, const std::string& dir) {
+    std::string path =
+        extractOwn(PlatformFileExtractor(platform), platform.getFile(std::string(type)), dir);
+    return path.empty() ? extractNested(platform, member, dir) : path;
+}
+
+}  // namespace
+
+std::string HMAVHardwarePlatform::extractTypedFile_(const char* type, const std::string& dir,
+                                                    bool rewriteHpfm) const {
+    return extractOwn(PlatformFileExtractor(*this, rewriteHpfm), getFile(std::string(type)), dir);
+}
+
+std::string HMAVHardwarePlatform::extractHPFMFile(const std::string& dir, bool rewrite) const {
+    return extractTypedFile_("HPFM", dir, rewrite);
+}
+
+std::string HMAVHardwarePlatform::extractNTSFile(const std::string& dir) const {
+    return extractTypedFile_("NOC_TRAFFIC", dir);
+}
+
+std::string HMAVHardwarePlatform::extractNCRFile(const std::string& dir) const {
+    return extractTypedFile_("NOC_SOLUTION", dir);
+}
+
+std::string HMAVHardwarePlatform::extractDrBdFile(const std::string& dir) const {
+    return extractTypedFile_("DR_BD", dir);
+}
+
+std::string HMAVHardwarePlatform::extractDPEPRJFile(const std::string& dir) const {
+    const std::string path = extractTypedFile_("DPEPRJ", dir);
+    return path.empty() ? extractTypedFile_("ME_ARCHIVE", dir) : path;
+}
+
+std::string HMAVHardwarePlatform::extractINTFCSTFile(const std::string& dir) const {
+    return extractListedOrNested(*this, "ME_CONSTRAINT",
+                                 "dpearchive/corvel/dpe_interface.dpeintfcst", dir);
+}
+
+std::string HMAVHardwarePlatform::extractINTFSOLFile(const std::string& dir) const {
+    return extractNested(*this, "dpearchive/corvel/dpe_interface.dpeintfsol", dir);
+}
+
+std::string HMAVHardwarePlatform::extractDPECSTFile(const std::string& dir) const {
+    return extractNested(*this, "dpearchive/corvel/dpe_constraints.dpecst", dir);
+}
+
+std::string HMAVHardwarePlatform::extractDPEMetadataFile(const std::string& dir) const {
+    return extractNested(*this, "dpearchive/corvel/dpeprj_meta_data.json", dir);
+}
+
+std::string HMAVHardwarePlatform::extractLARCHFile(const std::string& dir) const {
+    return extractListedOrNested(*this, "ME_LOGICAL_ARCH",
+                                 "dpearchive/corvel/logical_arch_dpe.larch", dir);
+}
+
+void HMAVHardwarePlatform::archiveFile(const std::string& type, const std::string& name,
+                                       const std::string& source) {
+    const std::string refused = REFUSED;
+    if (platformFile_.empty()) throw HEXAlgException(refused + "pkaFile is not set");
+    if (!HUTFile::isFile(platformFile_)) throw HEXAlgException(refused + "pkaFile does not exist");
+    if (getJsonFileName().empty()) throw HEXAlgException(refused + "jsonFile is not set");
+    auto* const platform = dynamic_cast<HPLPlatform*>(this);
+    if (platform == nullptr) throw HEXAlgException(refused + "Could not cast this to HPLPlatform");
+    if (!HUTFile::isFile(source) || !HUTFile::isReadable(source)) {
+        throw HEXAlgException(refused + "Could not open file for reading: " + source);
+    }
+    if (!HUTZip::isMemberName(name)) {
+        throw HEXAlgException(refused + "Could not open file for streaming: " + platformFile_);
+    }
+    HSTVector<HUTZip::Source> sources =
+        listInMetadata_(type, mav_platform::memberOf(*this, name), name);
+    sources.push_back({mav_platform::memberOf(*this, name), source, ""});
+    HPLPlatform::validateFileType(type);
+    HUTZip::addWithDigest(platformFile_, sources);
+    for (const HPLFile* file : platform->getFiles()) {
+        if (file->getType() == type && file->getName() == name) return;
+    }
+    platform->addFile(type, name);
+}
+
+HSTVector<HUTZip::Source> HMAVHardwarePlatform::listInMetadata_(const std::string& type,
+                                                                const std::string& member,
+                                                                const std::string& name) const {
+    const bool child = childHardwareEmuPlatform_;
+    const mav_host::ZipArchive archive(platformFile_);
+    HSTVector<HUTZip::Source> sources;
+    for (const std::string& metadata : {child ? getHwEmuJsonFileName() : getJsonFileName(),
+                                        child ? getAltHwEmuJsonFileName() : getAltJsonFileName()}) {
+        if (metadata == member) {
+            throw HEXAlgException(REFUSED + ("'" + name) + "' is the name of the metadata itself");
+        }
+        if (!archive.contains(metadata)) continue;
+        sources.push_back({metadata, "",
+                           mav_platform::withListedFile(
+                               archive.read(metadata, HUTZip::MAX_METADATA_SIZE), type, name)});
+    }
+    if (sources.empty()) {
+        throw HEXAlgException(REFUSED + ("'" + platformFile_) +
+                              "' has no JSON metadata to list the file in");
+    }
+    HVMAArchive index(platformFile_);
+    if (child || !archive.contains(index.getJsonFileName())) return sources;
+    if (!index.parse()) {
+        throw HEXAlgException(REFUSED + ("the index '" + index.getJsonFileName()) + "' of '" +
+                              platformFile_ + "' cannot be read");
+    }
+    index.registerFile(type, name);
+    sources.push_back({index.getJsonFileName(), "", index.toJSONString()});
+    return sources;
+}
