@@ -163,6 +163,16 @@ class Names(unittest.TestCase):
         self.same_tables(tables, [names for schema in schemas
                                   for names in schema_objects(load(schema))])
 
+    def test_archive_index(self):
+        text = source("archive/HVMAArchive.cpp", "archive/HVMAFiles.cpp")
+        schema = list(schema_objects(load("vma.schema.json")))
+        listed = set().union(*schema)
+        read = set(re.findall(r'(?:textOf\(\w+, |find\()"(\w+)"', text))
+        written = set(re.findall(r'(?:addKey|addObject|addList)\("(\w+)"', text))
+        # The version is written and not read.
+        self.assertEqual(read, listed - {"version", "major", "minor"})
+        self.assertEqual(written, listed)
+
     def test_document(self):
         schema = load("document.schema.json")
         written = written_keys()

@@ -55,6 +55,17 @@ class Written(unittest.TestCase):
                 written = (self.dir / "a.xml").read_text(encoding="utf-8")
                 self.assertEqual(faults("emulation.xsd", written), [])
 
+    def test_archive_index(self):
+        """Read and written again, an index stays the text that it was."""
+        texts = [text for text in packed_samples() if text.schema == "vma.schema.json"]
+        self.assertTrue(texts)
+        for text in texts:
+            with self.subTest(file=text.origin):
+                archive = SAMPLES / text.origin.partition("!")[0]
+                done = subprocess.run([TOOL, "index", archive], check=True, capture_output=True)
+                self.assertEqual(done.stdout.decode(), text.text)
+                self.assertEqual(faults("vma.schema.json", text.text), [])
+
 
 if __name__ == "__main__":
     unittest.main()
