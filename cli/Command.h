@@ -49,4 +49,35 @@ struct PackOptions {
 /// Packs the directory's files into a new archive. Throws UsageError, Failure.
 void runPack(const PackOptions& options);
 
+struct FilesOptions {
+    std::string archive;
+    bool json = false;
+};
+/// Lists the archive's members with type and size, and the state of its digest. Throws Failure.
+void runFiles(const FilesOptions& options);
+
+struct VerifyOptions {
+    std::string archive;
+};
+/// Reads every member and compares the digest; false when something is not as it should be.
+/// Throws Failure.
+bool runVerify(const VerifyOptions& options);
+
+struct ExtractOptions {
+    std::string archive;
+    std::string what;  ///< type, member or folder
+    std::string directory;
+};
+/// Extracts below the directory and prints the path. Throws UsageError, Failure.
+void runExtract(const ExtractOptions& options);
+
+struct AddOptions {
+    std::string archive;
+    std::string type;
+    std::string file;
+    std::string member;  ///< empty: chosen by type and file
+};
+/// Adds the file to the archive and lists it. Throws UsageError, Failure.
+void runAdd(const AddOptions& options);
+
 }  // namespace cli

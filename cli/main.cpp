@@ -31,6 +31,26 @@ constexpr const char* PACK_NOTES =
     "ARCHIVE ends in .pka or .dsa and lies outside DIR. The top of DIR holds pka.json or\n"
     "alt_pka.json for a .pka archive, dsa.json or alt_dsa.json for a .dsa archive.\n";
 
+constexpr const char* EXTRACT_NOTES =
+    "A type is looked for first, in the metadata of the platform and of its merged emulation\n"
+    "platform and in the index vma.json; then a member or a folder of that name. Members keep\n"
+    "their path inside the archive below DIR; the path made is printed.\n";
+
+constexpr const char* ADD_NOTES =
+    "The file becomes the member that TYPE is listed with; when TYPE is not listed, one of the\n"
+    "file's own name, which is then listed. An archive with platform metadata lists it there,\n"
+    "any other in its index vma.json. The archive gets a new digest and is replaced in one step.\n";
+
+/// What the command line sets.
+struct Options {
+    cli::JsonOptions json;
+    cli::PackOptions pack;
+    cli::FilesOptions files;
+    cli::VerifyOptions verify;
+    cli::ExtractOptions extract;
+    cli::AddOptions add;
+};
+
 std::string pointer(const std::string& command) {
     return " Try 'mav " + (command.empty() ? "" : command + " ") + "--help'.";
 }
@@ -69,10 +89,7 @@ UsageError explain(const CLI::App& app, const CLI::ParseError& error) {
     return UsageError(cli::clause(error.what()) + ".", command.get_name());
 }
 
-void describe(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pack) {
-    app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
-    app.require_subcommand(1);
-    app.footer(EXIT_CODES);
+void describePacking(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pack) {
     CLI::App* toJson = app.add_subcommand("json", "Print the description of a platform as JSON");
     toJson->add_option("FILE", json.file, "Platform file")->required();
     toJson->add_flag("--short", json.shortForm, "Only uniqueName, file and description");
@@ -87,11 +104,39 @@ void describe(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pack) {
     toArchive->footer(PACK_NOTES);
 }
 
+void describeArchives(CLI::App& app, Options& options) {
+    CLI::App* files = app.add_subcommand("files", "List the members of an archive");
+    files->add_option("ARCHIVE", options.files.archive, "Archive to list")->required();
+    files->add_flag("--json", options.files.json, "Print JSON");
+    CLI::App* extract = app.add_subcommand("extract", "Extract a member of an archive");
+    extract->add_option("ARCHIVE", options.extract.archive, "Archive to read")->required();
+    extract->add_option("WHAT", options.extract.what, "Type, member or folder")->required();
+    extract->add_option(
+        "-o,--output", options.extract.directory,
+        "Folder to extract into, made when it is missing; without it the present one");
+    extract->footer(EXTRACT_NOTES);
+    CLI::App* add = app.add_subcommand("add", "Add a file to an archive");
+    add->add_option("ARCHIVE", options.add.archive, "Archive to change")->required();
+    add->add_option("TYPE", options.add.type, "File type")->required();
+    add->add_option("FILE", options.add.file, "File to add")->required();
+    add->add_option("--as", options.add.member, "Path inside the archive");
+    add->footer(ADD_NOTES);
+    CLI::App* verify = app.add_subcommand("verify", "Check members and digest of an archive");
+    verify->add_option("ARCHIVE", options.verify.archive, "Archive to check")->required();
+}
+
+void describe(CLI::App& app, Options& options) {
+    app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
+    app.require_subcommand(1);
+    app.footer(EXIT_CODES);
+    describePacking(app, options.json, options.pack);
+    describeArchives(app, options);
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Reads and makes platforms of the accelerated-application toolchain.", "mav");
-    cli::JsonOptions json;
-    cli::PackOptions pack;
-    describe(app, json, pack);
+    Options options;
+    describe(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -103,8 +148,12 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw explain(app, error);
     }
-    if (app.got_subcommand("json")) cli::runJson(json);
-    if (app.got_subcommand("pack")) cli::runPack(pack);
+    if (app.got_subcommand("json")) cli::runJson(options.json);
+    if (app.got_subcommand("pack")) cli::runPack(options.pack);
+    if (app.got_subcommand("files")) cli::runFiles(options.files);
+    if (app.got_subcommand("extract")) cli::runExtract(options.extract);
+    if (app.got_subcommand("add")) cli::runAdd(options.add);
+    if (app.got_subcommand("verify") && !cli::runVerify(options.verify)) return cli::NEGATIVE;
     return cli::DONE;
 }
 

@@ -125,6 +125,10 @@ void ArchiveWriter::add(const HUTZip::Source& source) {
                source.file.empty()
                    ? zip_source_buffer(zip_.get(), source.content.data(), source.content.size(), 0)
                    : zip_source_file(zip_.get(), source.file.c_str(), 0, -1));
+    struct stat status;
+    if (!source.file.empty() && ::stat(source.file.c_str(), &status) == 0) {
+        size_ += static_cast<std::uint64_t>(status.st_size);
+    }
     zip_file_set_dostime(zip_.get(), index, DOS_TIME, DOS_DATE, 0);
     zip_file_set_external_attributes(zip_.get(), index, 0, ZIP_OPSYS_UNIX, UNIX_MODE);
 }
@@ -134,6 +138,7 @@ void ArchiveWriter::copy(zip_uint64_t from) {
     const zip_stat_t status = statMember(old, from);
     const zip_uint64_t index = append(
         memberName(old, from), zip_source_zip(zip_.get(), old, from, ZIP_FL_COMPRESSED, 0, -1));
+    size_ += status.comp_size;
     // Left to itself the library would pack what is stored.
     if (status.comp_method == ZIP_CM_STORE) {
         zip_set_file_compression(zip_.get(), index, ZIP_CM_STORE, 0);
@@ -162,6 +167,11 @@ void ArchiveWriter::keepComment() {
 
 void ArchiveWriter::build() {
     step(WriteStep::BUILD, "building");
+    ProgressTeller progress(archive_, size_);
+    zip_register_progress_callback_with_state(
+        zip_.get(), 0.01,
+        [](zip_t*, double done, void* teller) { static_cast<ProgressTeller*>(teller)->tell(done); },
+        nullptr, &progress);
     if (zip_close(zip_.get()) != 0) refuse(zip_strerror(zip_.get()));
     static_cast<void>(zip_.release());
 }

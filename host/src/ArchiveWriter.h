@@ -63,6 +63,7 @@ class ArchiveWriter {
     FileDescriptor lock_;
     struct stat before_ {};
     bool exists_ = false;
+    std::uint64_t size_ = 0;  ///< of what is to be packed or copied
     const char* name_ = "";
     ZipHandle old_;  ///< outlives the new one, which reads from it
     ZipHandle zip_;

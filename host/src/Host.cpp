@@ -13,6 +13,7 @@
 #include "mav_host/HHSMHwManager.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/HUTZip.h"
 
 namespace mav_host {
 namespace {
@@ -76,6 +77,7 @@ void resetHost() {
     HUTEnv::setProvider(nullptr);
     HBOBoardCDataManager::setFactory(nullptr);
     HHSMHwManager::set(nullptr);
+    HUTZip::setProgress(nullptr);
 }
 
 }  // namespace mav_host

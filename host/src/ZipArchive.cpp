@@ -160,6 +160,7 @@ void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::
     const ZipFileHandle file = openMember(zip, index, path);
     std::array<char, 1U << 16U> piece;
     std::uint64_t left = status.size;
+    ProgressTeller progress(status.name, status.size);
     for (;;) {
         const zip_int64_t count = zip_fread(file.get(), piece.data(), piece.size());
         if (count < 0) refuseMember(path, status.name, DAMAGED);
@@ -167,6 +168,7 @@ void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::
         if (static_cast<std::uint64_t>(count) > left) refuseMember(path, status.name, WRONG_SIZE);
         left -= static_cast<std::uint64_t>(count);
         sink(piece.data(), static_cast<std::size_t>(count));
+        progress.done(status.size - left);
     }
     if (left != 0) refuseMember(path, status.name, WRONG_SIZE);
 }

@@ -62,6 +62,21 @@ class MemberBuffer final : public std::streambuf {
     std::vector<char> piece_;
 };
 
+/// Tells the progress of one long piece of work, or keeps silent when it is a short one.
+class ProgressTeller {
+  public:
+    ProgressTeller(const std::string& what, std::uint64_t size);
+    void done(std::uint64_t bytes) {
+        if (listener_ != nullptr) tell(static_cast<double>(bytes) / size_);
+    }
+    void tell(double done);
+
+  private:
+    ZipProgress* listener_;
+    std::string what_;
+    double size_;
+};
+
 /// What a digest begins with, of any version.
 constexpr char DIGEST_START[] = "mav-digest:";
 /// Text form of the digest over all members, with the host's key if there is one.

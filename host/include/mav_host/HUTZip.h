@@ -61,6 +61,15 @@ enum class DigestState {
                ///< key, while the host has one
 };
 
+/// Told how far long work on an archive has come.
+class MAV_API ZipProgress {
+  public:
+    virtual ~ZipProgress();
+    /// `what` is the member that is read, or the archive that is written; `done` goes from 0 to 1
+    /// and reaches 1 when nothing fails. Called on the thread that works. Must not throw.
+    virtual void advance(const std::string& what, double done) = 0;
+};
+
 }  // namespace mav_host
 
 /// Zip work on archives named by path.
@@ -80,6 +89,12 @@ class MAV_API HUTZip {
     /// MAX_EXTRACT_RATIO times the size of the archive.
     static constexpr std::uint64_t FREE_EXTRACT_SIZE = std::uint64_t{1} << 30;
     static constexpr std::uint64_t MAX_EXTRACT_RATIO = 100;
+
+    /// Members larger than this, in bytes (64 MiB), have their progress told.
+    static constexpr std::uint64_t PROGRESS_SIZE = std::uint64_t{1} << 26;
+    /// Who is told; null is nobody. It stays owned by the caller and must outlive its installation.
+    /// Answers the one in force before.
+    static mav_host::ZipProgress* setProgress(mav_host::ZipProgress* listener);
 
     /// True when the file begins with a zip signature. Never throws.
     static bool isZip(const std::string& path);

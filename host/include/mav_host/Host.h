@@ -34,6 +34,7 @@ MAV_API std::optional<std::string> key();
 MAV_API KeyProvider* setKeyProvider(KeyProvider* provider);
 
 /// Puts every host service back to its default: environment, message sink, console, key provider,
+/// progress of archives,
 /// board data and hardware database.
 MAV_API void resetHost();
 
