@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/HUTFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -65,11 +66,11 @@ std::string HUTFile::getExt(const std::string& path) {
 }
 
 bool HUTFile::isReadable(const std::string& path) {
-    return ::access(path.c_str(), R_OK) == 0;
+    return ::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
 }
 
 bool HUTFile::isWritable(const std::string& path) {
-    return ::access(path.c_str(), W_OK) == 0;
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 std::string HUTFile::getIdentity(const std::string& path) {

@@ -5,6 +5,7 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/HUTZip.h"
 
 HMAVTmpDirObject::HMAVTmpDirObject(const std::string& name) {
     create(name);
@@ -16,9 +17,9 @@ bool HMAVTmpDirObject::create(const std::string& name) {
 
 bool HMAVTmpDirObject::createTmpDir(const std::string& name) {
     path_.clear();
-    if (name.find('/') != std::string::npos || name == "." || name == "..") {
+    if (!name.empty() && !HUTZip::isMemberName(name)) {
         throw HEXUserException("HMAVTmpDirObject::createTmpDir() - '" + name +
-                               "' is no name of a directory; give one without '/'");
+                               "' leads out of the temporary directory; give a plain name");
     }
     const std::string wanted = HUTFileUtils::makeUniqueName(HUTEnv::getHDITmpDir(), name);
     if (HUTFileUtils::makeDirs(wanted) && HUTFile::isWritable(wanted)) {

@@ -30,9 +30,11 @@ TEST(HMAVTmpDirObject, EmptyUntilMadeAndGoneWhenDeleted) {
     EXPECT_FALSE(object.exists());
     object.deleteTmpDir();
     EXPECT_THROW_MSG(object.create("../x"), HEXUserException,
-                     "HMAVTmpDirObject::createTmpDir() - '../x' is no name of a directory; give "
-                     "one without '/'");
+                     "HMAVTmpDirObject::createTmpDir() - '../x' leads out of the temporary "
+                     "directory; give a plain name");
     EXPECT_TRUE(object.empty());
+    EXPECT_THROW(object.create("/abs"), HEXUserException);
+    EXPECT_TRUE(object.create("sub/x"));
     ASSERT_TRUE(object.create("x"));
     HUTFileUtils::makeDirs(object.get() + "/sub/dir");
     object.deleteTmpDir();

@@ -109,3 +109,31 @@ TEST(HUTFile, RemovesFilesAndLinksButNoDirectories) {
 }
 
 }  // namespace
+
+TEST(HUTFile, IdentityTellsFilesAndTheirStatesApart) {
+    const TempDir dir;
+    const std::string file = dir.write("a", "1");
+    const std::string before = HUTFile::getIdentity(file);
+    EXPECT_FALSE(before.empty());
+    EXPECT_EQ(before.find('/'), std::string::npos);
+    EXPECT_EQ(HUTFile::getIdentity(dir.path() + "/./a"), before);
+    EXPECT_NE(HUTFile::getIdentity(dir.write("b", "1")), before);
+    dir.write("a", "22");
+    EXPECT_NE(HUTFile::getIdentity(file), before);
+    HUTFileUtils::writeWhole(file, "1");
+    EXPECT_NE(HUTFile::getIdentity(file), before);
+    EXPECT_EQ(HUTFile::getIdentity(dir.path("none")) + HUTFile::getIdentity(""), "");
+}
+
+TEST(HUTFile, PermissionsOfThisProcess) {
+    const TempDir dir;
+    const std::string file = dir.write("a", "1");
+    std::filesystem::permissions(dir.path(), std::filesystem::perms(0755));
+    EXPECT_TRUE(HUTFile::isReadable(file));
+    EXPECT_FALSE(HUTFile::isReadable(dir.path("none")));
+    std::filesystem::permissions(file, std::filesystem::perms(0));
+    std::filesystem::permissions(dir.path(), std::filesystem::perms(0555));
+    const Unprivileged user;
+    EXPECT_FALSE(HUTFile::isReadable(file));
+    EXPECT_FALSE(HUTFile::isWritable(dir.path()));
+}
