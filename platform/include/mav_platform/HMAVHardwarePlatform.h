@@ -315,17 +315,27 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
 
     HMAVDpeHardware& getDpeHardware() { return dpeHardware_; }
     const HMAVDpeHardware& getDpeHardware() const { return dpeHardware_; }
-    /// Root partitions of the array engine, in the order in which they were added.
-    std::list<HMAVDpePartition>& getDpePartitions() { return dpePartitions_; }
-    const std::list<HMAVDpePartition>& getDpePartitions() const { return dpePartitions_; }
-    bool hasDpePartitions() const { return !dpePartitions_.empty(); }
-    /// The first root partition of that name; the shared empty partition when there is none.
+    /// Reads the partitions file of the archive's array-engine project, when it has one, unless the
+    /// platform is expandable. Runs at most once, also when it fails. What the file lists is
+    /// appended unless an equal partition is there. Throws as parseDPEPartitions and
+    /// PlatformDpeprjFileExtractor::extractFile do.
+    void initDpePartitions() const;
+    /// The root partitions in the order in which they were added, after initDpePartitions().
+    std::list<HMAVDpePartition>& getDpePartitions();
+    const std::list<HMAVDpePartition>& getDpePartitions() const;
+    bool hasDpePartitions() const { return !getDpePartitions().empty(); }
+    /// The first root partition of that name; the shared empty partition when there is none. Looks
+    /// at what is there already: it does not read the project.
     const HMAVDpePartition& findDpePartition(const std::string& name) const;
-    /// True when a sub-partition of some root partition has that interface id.
+    /// True when a sub-partition of some root partition has that interface id, after
+    /// initDpePartitions().
     bool hasDpePartition(const std::string& id) const;
+    /// Reads a partitions file. A path that is no file changes nothing. Throws HEXAlgException "An
+    /// error occurred while parsing the dpe partitions json file: " + path.
+    void parseDPEPartitions(const std::string& path) const;
     HMAVDpePartition& addDpePartition() { return dpePartitions_.emplace_back(); }
     HMAVDpePartition& addDpePartition(int startColumn, int numColumns);
-    /// Writes the root partitions under "dpePartitions".
+    /// Writes getDpePartitions() under "dpePartitions".
     void writeDpePartitions(mav_platform::JSONObjectWriter& writer) const;
 
     /// Extracts the file of one role into the directory `dir`, which is made; the file keeps the
@@ -461,7 +471,8 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     HMAVDesignIntentStorage explicitIntent_;
     HMAVDesignIntentStorage computedIntent_;
     HMAVDpeHardware dpeHardware_;
-    std::list<HMAVDpePartition> dpePartitions_;
+    mutable std::list<HMAVDpePartition> dpePartitions_;  ///< read late, on the first question
+    mutable bool dpePartitionsRead_ = false;
     std::string hbmInstance_;
     std::map<std::string, bool> hbmBanks_;  ///< assignable ones: name, preferred
     std::size_t preferredHBMBanks_ = 0;     ///< how many of them are preferred

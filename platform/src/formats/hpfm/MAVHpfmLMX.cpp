@@ -8,7 +8,6 @@ namespace {
 
 using mav_host::xml::Format;
 using mav_host::xml::Items;
-using mav_host::xml::Need;
 
 /// Attributes of the format that the model does not hold.
 template <class T>

@@ -402,20 +402,3 @@ HMAVReconfigPartition& HMAVHardwarePlatform::createDesignIDs() {
 void HMAVHardwarePlatform::getDesignIPInstances(HSTVector<HMAVDesignIPInstance*>& out) const {
     append(out, designIPs_);
 }
-
-const HMAVDpePartition& HMAVHardwarePlatform::findDpePartition(const std::string& name) const {
-    for (const HMAVDpePartition& partition : dpePartitions_) {
-        if (partition.dpeInst() == name) return partition;
-    }
-    return HMAVDpePartition::none();
-}
-
-bool HMAVHardwarePlatform::hasDpePartition(const std::string& id) const {
-    return std::any_of(
-        dpePartitions_.begin(), dpePartitions_.end(),
-        [&](const HMAVDpePartition& partition) { return partition.hasPartition(id); });
-}
-
-HMAVDpePartition& HMAVHardwarePlatform::addDpePartition(int startColumn, int numColumns) {
-    return dpePartitions_.emplace_back(startColumn, numColumns);
-}

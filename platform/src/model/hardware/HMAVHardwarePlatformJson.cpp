@@ -82,8 +82,9 @@ void HMAVHardwarePlatform::writeGeneration_(JSONObjectWriter& writer) const {
 }
 
 void HMAVHardwarePlatform::writeDpePartitions(JSONObjectWriter& writer) const {
-    writer.addList("dpePartitions", [this](JSONListWriter& list) {
-        for (const HMAVDpePartition& partition : dpePartitions_) list.addItem(&partition);
+    const std::list<HMAVDpePartition>& partitions = getDpePartitions();
+    writer.addList("dpePartitions", [&partitions](JSONListWriter& list) {
+        for (const HMAVDpePartition& partition : partitions) list.addItem(&partition);
     });
 }
 
