@@ -21,6 +21,9 @@ def metadata():
 
 def named_files(folder, document):
     for item in document.get("files", []):
+        if item["type"] == "DPEPRJ":  # packed by the build from the folder beside the archive's
+            yield folder.parent / "array_project", True
+            continue
         yield folder / item["name"], item["type"] in DIRECTORY_TYPES
         if item["type"] == "EMU_JSON":
             emulation = json.loads((folder / item["name"]).read_text(encoding="utf-8"))

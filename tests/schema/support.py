@@ -32,8 +32,6 @@ NAMES = {
     "dpe-partitions.schema.json": r"dpe_partition\.json",
     "vma.schema.json": r"vma\.json",
 }
-# What no sample need have: projects of the array engine are archives of their own.
-WITHOUT_SAMPLE = ("dpe-partitions.schema.json",)
 # Which schema describes each example of a format page, in order; the last one goes on.
 PAGE_SCHEMAS = {
     "qpfm.md": ["platform-description.xsd"],

@@ -173,6 +173,11 @@ class Names(unittest.TestCase):
         self.assertEqual(read, listed - {"version", "major", "minor"})
         self.assertEqual(written, listed)
 
+    def test_partitions(self):
+        text = source("formats/array_engine/HMAVDpePartitionsJsonReader.cpp")
+        read = set(re.findall(r'(?:textOf\(\w+, |numberOf\(\w+, |find\()"(\w+)"', text))
+        self.assertEqual(read, set().union(*schema_objects(load("dpe-partitions.schema.json"))))
+
     def test_document(self):
         schema = load("document.schema.json")
         written = written_keys()

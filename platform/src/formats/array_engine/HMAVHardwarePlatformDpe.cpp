@@ -15,9 +15,11 @@ class ScratchFile {
   public:
     ScratchFile() {
         static std::atomic<unsigned> made{0};
-        const unsigned number = made++;
-        path_ = HUTEnv::getHDITmpDir() + "/dpe_partitions" +
-                (number == 0 ? "" : "_" + std::to_string(number)) + ".json";
+        path_ = HUTEnv::getHDITmpDir() + "/dpe_partitions";
+        // Platforms of several threads ask at once.
+        if (const unsigned number = made++; number != 0)
+            path_.append("_").append(std::to_string(number));
+        path_ += ".json";
     }
     ~ScratchFile() { HUTFile::rm(path_); }
     ScratchFile(const ScratchFile&) = delete;
