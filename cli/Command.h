@@ -80,4 +80,12 @@ struct AddOptions {
 /// Adds the file to the archive and lists it. Throws UsageError, Failure.
 void runAdd(const AddOptions& options);
 
+struct GetOptions {
+    std::string file;
+    std::string path;
+    bool json = false;
+};
+/// Prints what is at the path; false when nothing is. Throws UsageError, Failure.
+bool runGet(const GetOptions& options);
+
 }  // namespace cli

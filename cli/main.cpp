@@ -41,6 +41,12 @@ constexpr const char* ADD_NOTES =
     "file's own name, which is then listed. An archive with platform metadata lists it there,\n"
     "any other in its index vma.json. The archive gets a new digest and is replaced in one step.\n";
 
+constexpr const char* PATH_NOTES =
+    "PATH is made of member names joined by '.', with the index of an element in brackets, as in\n"
+    "hardwarePlatforms.hardwarePlatform.systemClocks[0].name. '[*]' and '..' stand for every\n"
+    "element. A path that begins with hardwarePlatform finds the hardware platform wherever the\n"
+    "description holds it.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -49,6 +55,7 @@ struct Options {
     cli::VerifyOptions verify;
     cli::ExtractOptions extract;
     cli::AddOptions add;
+    cli::GetOptions get;
 };
 
 std::string pointer(const std::string& command) {
@@ -125,12 +132,21 @@ void describeArchives(CLI::App& app, Options& options) {
     verify->add_option("ARCHIVE", options.verify.archive, "Archive to check")->required();
 }
 
+void describeQueries(CLI::App& app, Options& options) {
+    CLI::App* get = app.add_subcommand("get", "Print what is at a path of the description");
+    get->add_option("FILE", options.get.file, "Platform file")->required();
+    get->add_option("PATH", options.get.path, "Path into the description")->required();
+    get->add_flag("--json", options.get.json, "Print single values as JSON too");
+    get->footer(PATH_NOTES);
+}
+
 void describe(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(EXIT_CODES);
     describePacking(app, options.json, options.pack);
     describeArchives(app, options);
+    describeQueries(app, options);
 }
 
 int run(int argc, char** argv) {
@@ -154,6 +170,7 @@ int run(int argc, char** argv) {
     if (app.got_subcommand("extract")) cli::runExtract(options.extract);
     if (app.got_subcommand("add")) cli::runAdd(options.add);
     if (app.got_subcommand("verify") && !cli::runVerify(options.verify)) return cli::NEGATIVE;
+    if (app.got_subcommand("get") && !cli::runGet(options.get)) return cli::NEGATIVE;
     return cli::DONE;
 }
 
