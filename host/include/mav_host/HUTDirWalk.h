@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "mav_host/Export.h"
+
+/// Walks a directory with all that is below it, in an order that does not depend on the file
+/// system: the names of each directory by bytes, what is in a directory right behind it.
+class MAV_API HUTDirWalk {
+  public:
+    struct Entry {
+        std::string path;   ///< the walked directory, "/" and the names on the way
+        std::size_t depth;  ///< 0 in the walked directory itself
+        bool isDir;         ///< a directory that the walk can enter
+    };
+    struct Options {
+        /// Enter directories behind links, and pass over links that lead nowhere. Without it a
+        /// link is an entry that is no directory, wherever it leads.
+        bool followLinks = false;
+        /// Directories at this depth are entries still and are not entered.
+        std::size_t maxDepth = std::numeric_limits<std::size_t>::max();
+    };
+    /// Answers false to end the walk.
+    using Visitor = std::function<bool(const Entry& entry)>;
+
+    /// Visits every entry; answers false when the visitor ended the walk. What vanishes meanwhile
+    /// is passed over. With an unlimited depth and links followed, a directory is never entered
+    /// from within itself, and never more than 16 times. Throws HEXUserException "The directory
+    /// 'PATH' cannot be read: REASON" for the walked directory and any below it; what a visitor
+    /// throws passes through.
+    static bool walk(const std::string& dir, const Options& options, const Visitor& visit);
+};

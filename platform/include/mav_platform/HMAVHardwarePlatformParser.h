@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "mav_host/Export.h"
+#include "mav_host/HSTVector.h"
+
+class HMAVHardwarePlatform;
+class HMAVPlatform;
+
+/// Finds bare archives, those that no platform description accompanies, and turns each into a
+/// hardware platform in a container of its own. Nothing is kept between calls.
+class MAV_API HMAVHardwarePlatformParser {
+  public:
+    using Platforms = HSTVector<HMAVHardwarePlatform*>;
+    /// Containers under the canonical path of their archive.
+    using Containers = std::unordered_map<std::string, HMAVPlatform*>;
+
+    /// Scans each directory that exists, in order, all levels deep, without following links to
+    /// directories; then merges what was found into `platforms`: an older entry with the unique
+    /// name of a new one goes, and the new ones follow at the end. With `filterByVbnv` the first
+    /// archive of each VBNV counts ("@74-17@%s%s%s" with VBNV, dropped file, kept file), and an
+    /// archive found twice counts once ("@74-23@%s").
+    ///
+    /// Each new container is put into `seen`, filtered out or not, and belongs to the caller. An
+    /// archive that is in `seen` is not read again; the hardware platform of its container counts.
+    /// An archive that cannot be read is reported and gives a hardware platform without identity.
+    /// A directory that cannot be walked to its end is reported by "@74-5@%s"; what was found up to
+    /// there counts.
+    static void loadBareHardwarePlatforms(const HSTVector<std::string>& directories,
+                                          Platforms& platforms, Containers& seen,
+                                          bool filterByVbnv);
+
+    /// Reads one archive into a new hardware platform of `platform`, which owns it and has yet to
+    /// attach it. An archive that cannot be read is reported, and its hardware platform is answered
+    /// as far as it came. Null for a null container alone.
+    static HMAVHardwarePlatform* addPlatform(const std::string& file, HMAVPlatform* platform);
+
+  private:
+    static HMAVHardwarePlatform* parseDSAFile_(const std::string& file, HMAVPlatform* platform);
+    static bool parseBareDSAFiles_(const std::string& dir, Platforms& found, Containers& seen);
+    static void parseBareDSAFile_(const std::string& path, Platforms& found, Containers& seen);
+    static void filterByVBNV_(const Platforms& candidates, Platforms& accepted);
+    static void addPlatforms_(const Platforms& additions, Platforms& platforms);
+};

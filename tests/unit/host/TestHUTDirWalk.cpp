@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTDirWalk.h"
+#include "support/Doubles.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The visited paths below the directory, a line each; directories end with "/".
+std::string visited(const TempDir& dir, const HUTDirWalk::Options& options = {}) {
+    std::string lines;
+    HUTDirWalk::walk(dir.path(), options, [&](const HUTDirWalk::Entry& entry) {
+        lines += entry.path.substr(dir.path().size() + 1) + (entry.isDir ? "/\n" : "\n");
+        return true;
+    });
+    return lines;
+}
+
+TEST(HUTDirWalk, OrderIsThatOfTheNamesAndNotOfTheFileSystem) {
+    const TempDir dir;
+    for (const char* name : {"b/z", "b/a", "c", "a.d/x", "a", "B", "\xc3\xa4 :b"}) {
+        dir.write(name, "");
+    }
+    EXPECT_EQ(visited(dir), "B\na\na.d/\na.d/x\nb/\nb/a\nb/z\nc\n\xc3\xa4 :b\n");
+}
+
+TEST(HUTDirWalk, DepthCountsFromTheWalkedDirectory) {
+    const TempDir dir;
+    dir.write("a/b/c/d", "");
+    EXPECT_EQ(visited(dir, {.maxDepth = 0}), "a/\n");
+    EXPECT_EQ(visited(dir, {.maxDepth = 2}), "a/\na/b/\na/b/c/\n");
+    EXPECT_EQ(visited(dir, {.maxDepth = 3}), "a/\na/b/\na/b/c/\na/b/c/d\n");
+}
+
+TEST(HUTDirWalk, LinksAreFollowedOnRequestAndLoopsEnd) {
+    const TempDir dir;
+    dir.write("real/file", "");
+    fs::create_symlink("real", dir.path("link"));
+    fs::create_symlink("..", dir.path("real/up"));
+    fs::create_symlink("self", dir.path("self"));
+    fs::create_symlink("nowhere", dir.path("dangling"));
+    EXPECT_EQ(visited(dir), "dangling\nlink\nreal/\nreal/file\nreal/up\nself\n");
+    EXPECT_EQ(visited(dir, {.followLinks = true}),
+              "link/\nlink/file\nlink/up/\nreal/\nreal/file\nreal/up/\n");
+    EXPECT_EQ(visited(dir, {.followLinks = true, .maxDepth = 1}),
+              "link/\nlink/file\nlink/up/\nreal/\nreal/file\nreal/up/\n");
+    EXPECT_EQ(visited(dir, {.followLinks = true, .maxDepth = 2}),
+              "link/\nlink/file\nlink/up/\nlink/up/link/\nlink/up/real/\n"
+              "real/\nreal/file\nreal/up/\nreal/up/link/\nreal/up/real/\n")
+        << "a depth bounds loops by itself";
+}
+
+TEST(HUTDirWalk, LinksThatMultiplyThePathsStayBounded) {
+    const TempDir dir;
+    std::string folder;
+    for (int level = 0; level < 20; ++level) {
+        const std::string next = std::string("n").append(std::to_string(level));
+        fs::create_directory(dir.path(next));
+        for (const char* name : {"/x", "/y"}) {
+            if (level > 0) fs::create_directory_symlink("../" + next, dir.path(folder + name));
+        }
+        folder = next;
+    }
+    std::size_t entries = 0;
+    HUTDirWalk::walk(dir.path(), {.followLinks = true}, [&](const HUTDirWalk::Entry&) {
+        ++entries;
+        return true;
+    });
+    EXPECT_LT(entries, 2000U);
+    EXPECT_GT(entries, 20U);
+}
+
+TEST(HUTDirWalk, WhatCannotBeReadIsNamedAndWhatVanishesIsNot) {
+    const TempDir dir;
+    dir.write("a/x", "");
+    dir.write("b/y", "");
+    std::string seen;
+    const auto removeB = [&](const HUTDirWalk::Entry& entry) {
+        seen += entry.path.substr(dir.path().size()) + "\n";
+        fs::remove_all(dir.path("b"));
+        return true;
+    };
+    EXPECT_TRUE(HUTDirWalk::walk(dir.path(), {}, removeB));
+    EXPECT_EQ(seen, "/a\n/a/x\n/b\n");
+    EXPECT_FALSE(HUTDirWalk::walk(dir.path(), {}, [](const HUTDirWalk::Entry&) { return false; }));
+
+    EXPECT_THROW_MSG(
+        HUTDirWalk::walk(dir.path("none"), {}, removeB), HEXUserException,
+        "The directory '" + dir.path("none") + "' cannot be read: No such file or directory");
+    fs::permissions(dir.path(), fs::perms::all);
+    fs::permissions(dir.path("a"), fs::perms::none);
+    const Unprivileged rights;
+    EXPECT_THROW_MSG(visited(dir), HEXUserException,
+                     "The directory '" + dir.path("a") + "' cannot be read: Permission denied");
+}
+
+}  // namespace
