@@ -187,6 +187,8 @@ TEST(HMAVDsaJsonReader, RefusalsNameThePlace) {
         const char* more;
         const char* report;
     } cases[] = {
+        {R"(, "systemClocks": ["x"])", "'systemClocks[0]': holds the text 'x' where an object"},
+        {R"(, "memories": [{}, ["x"]])", "'memories[1]': holds a list where an object"},
         {R"(, "systemClocks": "abc")", "'systemClocks': holds the text 'abc' where a list"},
         {R"(, "systemClocks": {"a": "b"})", "'systemClocks': holds an object where a list"},
         {R"(, "board": ["x"])", "'board': holds a list where an object"},

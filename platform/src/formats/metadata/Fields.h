@@ -73,9 +73,10 @@ struct Field {
 
 /// Fills `target` from the members of `object`: each key of the table that is present, in the
 /// table's order. Of equal keys the first counts. Throws ConversionError for a missing required
-/// key.
+/// key and for a node that is no object.
 template <class T, std::size_t N>
 void readFields(const Field<T> (&fields)[N], const json::Node& object, T& target, Trail& trail) {
+    requireObject(object);
     std::array<std::optional<json::Node>, N> found;
     std::size_t guess = 0;
     for (const json::Node& member : object) {
