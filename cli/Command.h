@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -87,5 +88,13 @@ struct GetOptions {
 };
 /// Prints what is at the path; false when nothing is. Throws UsageError, Failure.
 bool runGet(const GetOptions& options);
+
+struct ShowOptions {
+    std::string file;
+    std::vector<std::string> sections;  ///< empty: the whole platform, long lists cut
+    std::string color = "auto";         ///< auto, always or never
+};
+/// Prints the platform for people. Throws UsageError, Failure.
+void runShow(const ShowOptions& options);
 
 }  // namespace cli

@@ -47,6 +47,11 @@ constexpr const char* PATH_NOTES =
     "element. A path that begins with hardwarePlatform finds the hardware platform wherever the\n"
     "description holds it.\n";
 
+constexpr const char* SHOW_NOTES =
+    "Sections: identity, device, targets, clocks, memories, banks, interfaces, partitions, array,\n"
+    "software, emulation, files. Without --section all are shown and long lists are cut; the\n"
+    "sections that are asked for are shown whole, in this order.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -56,6 +61,7 @@ struct Options {
     cli::ExtractOptions extract;
     cli::AddOptions add;
     cli::GetOptions get;
+    cli::ShowOptions show;
 };
 
 std::string pointer(const std::string& command) {
@@ -140,10 +146,21 @@ void describeQueries(CLI::App& app, Options& options) {
     get->footer(PATH_NOTES);
 }
 
+void describeViews(CLI::App& app, Options& options) {
+    CLI::App* show = app.add_subcommand("show", "Show a platform on one screen");
+    show->add_option("FILE", options.show.file, "Platform file")->required();
+    show->add_option("--section", options.show.sections, "Only this section; may be repeated")
+        ->allow_extra_args(false);
+    show->add_option("--color", options.show.color,
+                     "auto (on a terminal, without NO_COLOR), always or never");
+    show->footer(SHOW_NOTES);
+}
+
 void describe(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(EXIT_CODES);
+    describeViews(app, options);
     describePacking(app, options.json, options.pack);
     describeArchives(app, options);
     describeQueries(app, options);
@@ -164,6 +181,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw explain(app, error);
     }
+    if (app.got_subcommand("show")) cli::runShow(options.show);
     if (app.got_subcommand("json")) cli::runJson(options.json);
     if (app.got_subcommand("pack")) cli::runPack(options.pack);
     if (app.got_subcommand("files")) cli::runFiles(options.files);
