@@ -97,4 +97,13 @@ struct ShowOptions {
 /// Prints the platform for people. Throws UsageError, Failure.
 void runShow(const ShowOptions& options);
 
+struct DiffOptions {
+    std::string first;
+    std::string second;
+    bool json = false;
+    std::string color = "auto";
+};
+/// Prints what differs between two platforms; true when nothing does. Throws UsageError, Failure.
+bool runDiff(const DiffOptions& options);
+
 }  // namespace cli

@@ -52,6 +52,11 @@ constexpr const char* SHOW_NOTES =
     "software, emulation, files. Without --section all are shown and long lists are cut; the\n"
     "sections that are asked for are shown whole, in this order.\n";
 
+constexpr const char* DIFF_NOTES =
+    "Compares by meaning: items of a list are matched by their name or id, whatever their place,\n"
+    "and where the two platforms lie does not count. Lines begin with ~ for a change, + for what\n"
+    "only B has, - for what only A has. The code is 1 when they differ.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -62,6 +67,7 @@ struct Options {
     cli::AddOptions add;
     cli::GetOptions get;
     cli::ShowOptions show;
+    cli::DiffOptions diff;
 };
 
 std::string pointer(const std::string& command) {
@@ -154,6 +160,12 @@ void describeViews(CLI::App& app, Options& options) {
     show->add_option("--color", options.show.color,
                      "auto (on a terminal, without NO_COLOR), always or never");
     show->footer(SHOW_NOTES);
+    CLI::App* diff = app.add_subcommand("diff", "Tell what differs between two platforms");
+    diff->add_option("A", options.diff.first, "Platform file")->required();
+    diff->add_option("B", options.diff.second, "Platform file")->required();
+    diff->add_flag("--json", options.diff.json, "Print JSON");
+    diff->add_option("--color", options.diff.color, "auto, always or never");
+    diff->footer(DIFF_NOTES);
 }
 
 void describe(CLI::App& app, Options& options) {
@@ -187,6 +199,7 @@ int run(int argc, char** argv) {
     if (app.got_subcommand("files")) cli::runFiles(options.files);
     if (app.got_subcommand("extract")) cli::runExtract(options.extract);
     if (app.got_subcommand("add")) cli::runAdd(options.add);
+    if (app.got_subcommand("diff") && !cli::runDiff(options.diff)) return cli::NEGATIVE;
     if (app.got_subcommand("verify") && !cli::runVerify(options.verify)) return cli::NEGATIVE;
     if (app.got_subcommand("get") && !cli::runGet(options.get)) return cli::NEGATIVE;
     return cli::DONE;

@@ -1,0 +1,61 @@
+# SPDX-License-Identifier: Apache-2.0
+"""`mav diff`: what changed between two platforms, by meaning."""
+import json
+import pathlib
+import shutil
+import unittest
+
+from support import SAMPLES, SOURCE, CommandTest
+
+CARD = SOURCE / "samples/veltrin_h90/archive"
+
+
+class Diff(CommandTest):
+    def changed(self, edit, name="b.pka"):
+        """The card, packed again after an edit of its metadata."""
+        folder = self.dir / "folder"
+        shutil.rmtree(folder, ignore_errors=True)
+        shutil.copytree(CARD, folder)
+        metadata = json.loads((folder / "pka.json").read_text(encoding="utf-8"))
+        edit(metadata)
+        (folder / "pka.json").write_text(json.dumps(metadata), encoding="utf-8")
+        self.mav("pack", folder, self.dir / name)
+        return self.dir / name
+
+    def test_the_same_platform_elsewhere_does_not_differ(self):
+        original = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+        elsewhere = pathlib.Path(shutil.copy(original, self.dir / "other.pka"))
+        self.assertEqual(self.mav("diff", original, elsewhere)[0], "")
+        self.assertEqual(json.loads(self.mav("diff", "--json", original, elsewhere)[0]),
+                         {"differ": "false"})
+
+    def test_changes_by_meaning(self):
+        def edit(metadata):
+            metadata["systemClocks"][0]["frequency"] = "250.000"
+            del metadata["memories"][31]
+            metadata["memories"].reverse()
+            metadata["interfaces"].append({"id": "x", "name": "NEW", "type": "serial"})
+            metadata["files"].insert(0, {"name": "bit/full.bit", "type": "DCP"})
+        other = self.changed(edit)
+        original = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+        output = self.mav("diff", original, other, code=1)[0].splitlines()
+        head = "hardwarePlatform."
+        self.assertIn(f"~ {head}systemClocks[kernel_clk].frequency: '300.000' -> '250.000'", output)
+        self.assertEqual([line for line in output if "memories" in line and line[0] != "~"],
+                         [f"- {head}memories[HBM[31]]: name HBM[31], type hbm, size 256MB, "
+                          "lowAddress 8321499136, .."])
+        self.assertIn(f"+ {head}interfaces[NEW]: id x, name NEW, type serial", output)
+        backwards = json.loads(self.mav("diff", "--json", other, original, code=1)[0])["changes"]
+        self.assertEqual(len(backwards), len(output))
+        self.assertIn({"kind": "added", "path": "hardwarePlatforms.hardwarePlatform.memories[HBM[31]]",
+                       "to": "name HBM[31], type hbm, size 256MB, lowAddress 8321499136, .."},
+                      backwards)
+
+    def test_what_does_not_load(self):
+        self.refused("diff", self.dir / "a.pka", SAMPLES / "veltrin_h90/veltrin_h90.pka", code=3,
+                     says=["a.pka"])
+        self.refused("diff", self.dir / "a.pka", code=2, says=["B is required"])
+
+
+if __name__ == "__main__":
+    unittest.main()
