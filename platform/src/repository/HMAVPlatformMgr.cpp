@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/HMAVPlatformMgr.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <set>
+#include <utility>
+
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTDirWalk.h"
+#include "mav_host/HUTFile.h"
+#include "mav_platform/HMAVHardwarePlatformParser.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/HMAVPlatformXMLReader.h"
+#include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
+#include "repository/searchDirs.h"
+
+namespace {
+
+using Dirs = HSTVector<std::string>;
+
+constexpr std::size_t DEEPEST_LEVEL = 3;
+constexpr const char* LEFT_OUT = ". Unable to load platform.\n";
+
+void report(int level, std::uint32_t mask, const char* id, const HSTVector<std::string>& args) {
+    ComMsgMgr::sendMsg(level, "platform", mask, id, args);
+}
+
+Dirs canonical(const Dirs& dirs) {
+    Dirs result;
+    result.reserve(dirs.size());
+    for (const std::string& dir : dirs) result.push_back(HUTFile::getCanonicalName(dir));
+    return result;
+}
+
+std::string fileName(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+void deleteAll(HSTVector<HMAVPlatform*>& platforms) {
+    for (const HMAVPlatform* platform : platforms) delete platform;
+    platforms.clear();
+}
+
+/// Containers of a scan; deletes those that nobody took.
+struct Found {
+    Found() = default;
+    ~Found() {
+        for (const auto& [path, platform] : containers) delete platform;
+    }
+    Found(const Found&) = delete;
+    Found& operator=(const Found&) = delete;
+
+    std::unique_ptr<HMAVPlatform> take(const std::string& path) {
+        const auto found = containers.find(path);
+        if (found == containers.end()) return nullptr;
+        std::unique_ptr<HMAVPlatform> taken(found->second);
+        containers.erase(found);
+        return taken;
+    }
+
+    HMAVHardwarePlatformParser::Containers containers;
+};
+
+}  // namespace
+
+HMAVPlatformMgr* HMAVPlatformMgr::mp_theGlobal = nullptr;
+
+HMAVPlatformMgr::HMAVPlatformMgr() : boardDataMgr_(HBOBoardCDataManager::create()) {}
+
+HMAVPlatformMgr::~HMAVPlatformMgr() {
+    clearAllPlatforms();
+    if (mp_theGlobal == this) mp_theGlobal = nullptr;
+}
+
+HMAVPlatformMgr* HMAVPlatformMgr::getGlobal() {
+    if (mp_theGlobal == nullptr) getGlobalNoInit()->init_();
+    return mp_theGlobal;
+}
+
+HMAVPlatformMgr* HMAVPlatformMgr::getGlobalNoInit() {
+    if (mp_theGlobal == nullptr) mp_theGlobal = new HMAVPlatformMgr;
+    return mp_theGlobal;
+}
+
+void HMAVPlatformMgr::init_() {
+    Dirs dirs;
+    getDefaultMavPlatformDirs(dirs);
+    if (!dirs.empty()) addPlatformsFromDirs(dirs);
+}
+
+void HMAVPlatformMgr::getDefaultMavPlatformDirs(Dirs& out) {
+    Dirs dirs = mav_platform::applicationPlatformDirs();
+    dirs.push_back(mav_platform::systemPlatformDir());
+    for (std::string& dir : dirs) {
+        if (HUTFile::exists(dir)) out.push_back(std::move(dir));
+    }
+}
+
+bool HMAVPlatformMgr::addPlatformsFromDirs(const Dirs& dirs) {
+    return addPlatformsFromDirs("", dirs);
+}
+
+bool HMAVPlatformMgr::addPlatformsFromDirs(const std::string& name, const Dirs& dirs) {
+    const Dirs full = canonical(dirs);
+    addPlatformsFromDirs_(name, full);
+    addHardwarePlatformsFromDirs_(full);
+    return !platforms_.empty() || !dsaPlatforms_.empty();
+}
+
+HMAVPlatformMgr::Files HMAVPlatformMgr::heldFiles_() const {
+    Files files;
+    files.reserve(platforms_.size() + dsaPlatforms_.size());
+    for (const HMAVPlatform* platform : platforms_) files.insert(platform->getPlatformFile());
+    for (const HMAVPlatform* platform : dsaPlatforms_) files.insert(platform->getPlatformFile());
+    return files;
+}
+
+bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs& dirs) {
+    Files held = heldFiles_();
+    std::vector<std::unique_ptr<HMAVPlatform>> added;
+    const auto visit = [&](const HUTDirWalk::Entry& entry) {
+        if (entry.isDir || HUTPathUtils::extension(entry.path) != ".qpfm") return true;
+        const bool wanted = !name.empty() && boost::iequals(name, HUTPathUtils::stem(entry.path));
+        if (held.contains(entry.path)) return !wanted;
+        if (!name.empty() && !wanted) return true;
+        if (auto platform = loadDescription_(entry.path)) {
+            held.insert(entry.path);
+            added.push_back(std::move(platform));
+            return !wanted;
+        }
+        return true;
+    };
+    for (const std::string& dir : dirs) {
+        if (!HUTFile::isDir(dir)) continue;
+        try {
+            if (!HUTDirWalk::walk(dir, {.followLinks = true, .maxDepth = DEEPEST_LEVEL}, visit)) {
+                break;
+            }
+        } catch (const std::exception&) {
+            report(1, ComMsgMgr::WARNING, "@74-5@%s", {dir});
+        }
+    }
+    // One insertion for all: the last one found stands first, without moving the list for each.
+    const std::size_t count = added.size();
+    platforms_.insert(platforms_.begin(), count, nullptr);
+    for (std::size_t i = 0; i < count; ++i) platforms_[count - 1 - i] = added[i].release();
+    return count > 0;
+}
+
+std::unique_ptr<HMAVPlatform> HMAVPlatformMgr::loadDescription_(const std::string& path) {
+    auto platform = std::make_unique<HMAVPlatform>();
+    platform->setQpfm(true);
+    const bool loaded = parseDescription_(path, platform.get()) &&
+                        attachHardwarePlatforms_(platform.get()) &&
+                        attachSoftwarePlatforms_(platform.get());
+    return loaded ? std::move(platform) : nullptr;
+}
+
+bool HMAVPlatformMgr::parseDescription_(const std::string& path, HMAVPlatform* platform) {
+    try {
+        HMAVPlatformXMLReader reader(path, platform);
+        if (reader.parseFile()) return true;
+        if (!reader.getErrorMsg().empty()) parsingErrorMsgs_.push_back(reader.getErrorMsg());
+    } catch (const HEXFileNotFoundException& error) {
+        // It vanished after the walk had seen it; the others are still there.
+        parsingErrorMsgs_.emplace_back(error.what());
+    }
+    report(1, ComMsgMgr::CRITICAL_WARNING, "@74-3@%s", {path});
+    parsingErrorMsgs_.push_back("Encountered Errors while parsing platform: " + path + LEFT_OUT);
+    return false;
+}
+
+bool HMAVPlatformMgr::attachHardwarePlatforms_(HMAVPlatform* platform) {
+    if (platform == nullptr) return false;
+    if (!platform->hasReconfigurablePartitions()) return attachSingleHardwarePlatform_(platform);
+    HSTVector<HMAVReconfigurablePartition*> partitions;
+    platform->getReconfigurablePartitions(partitions);
+    bool attached = true;
+    for (HMAVReconfigurablePartition* partition : partitions) {
+        attached = attachReconfigurablePartition_(partition, platform) && attached;
+    }
+    return attached;
+}
+
+bool HMAVPlatformMgr::attachSingleHardwarePlatform_(HMAVPlatform* platform) {
+    HMAVHardwarePlatform* const hardware =
+        parseHardwarePlatform_(platform->getHardwarePlatformFile(), platform);
+    if (hardware == nullptr) return false;
+    platform->setHardwarePlatform(hardware);
+    return true;
+}
+
+bool HMAVPlatformMgr::attachReconfigurablePartition_(HMAVReconfigurablePartition* partition,
+                                                     HMAVPlatform* platform) {
+    HMAVHardwarePlatform* const hardware =
+        parseHardwarePlatform_(partition->getHardwarePlatformFile(), platform);
+    if (hardware == nullptr) return false;
+    partition->setHardwarePlatform(hardware);
+    if (platform->getDefaultRPId() == partition->getID()) {
+        platform->setDefaultRPHardwarePlatform(hardware);
+    }
+    return true;
+}
+
+HMAVHardwarePlatform* HMAVPlatformMgr::parseHardwarePlatform_(const std::string& hardwareFile,
+                                                              HMAVPlatform* platform) {
+    if (!HUTFile::exists(hardwareFile)) {
+        handleInvalidPath_(hardwareFile, platform->getPlatformFile());
+        return nullptr;
+    }
+    if (!HMAVHardwarePlatform::isValidPlatformExt(HUTPathUtils::extension(hardwareFile))) {
+        handleInvalidExtension_(hardwareFile, platform->getPlatformFile());
+        return nullptr;
+    }
+    return HMAVHardwarePlatformParser::addPlatform(hardwareFile, platform);
+}
+
+void HMAVPlatformMgr::handleInvalidPath_(const std::string& hardwareFile,
+                                         const std::string& platformFile) {
+    report(2, ComMsgMgr::CRITICAL_WARNING, "@74-14@%s%s", {hardwareFile, platformFile});
+    parsingErrorMsgs_.push_back("Hardware platform file " + hardwareFile + " for platform " +
+                                platformFile + " does not exist on disk" + LEFT_OUT);
+}
+
+void HMAVPlatformMgr::handleInvalidExtension_(const std::string& hardwareFile,
+                                              const std::string& platformFile) {
+    std::string list;
+    for (const std::string& extension : HMAVHardwarePlatform::getValidPlatformExts()) {
+        list += " '" + extension + "',";
+    }
+    list.pop_back();
+    report(3, ComMsgMgr::CRITICAL_WARNING, "@74-55@%s%s%s", {hardwareFile, platformFile, list});
+    parsingErrorMsgs_.push_back("Found bad hardware platform file " + hardwareFile +
+                                " for platform " + platformFile + ". Supported extensions are" +
+                                list + LEFT_OUT);
+}
+
+bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
+    const std::string file = platform->getSoftwarePlatformFile();
+    const std::string platformFile = platform->getPlatformFile();
+    if (file.empty()) return true;
+    if (!HUTFile::exists(file)) {
+        parsingErrorMsgs_.push_back("Software platform file " + file + " for platform " +
+                                    platformFile + " does not exist on disk" + LEFT_OUT);
+        return false;
+    }
+    const std::shared_ptr<HMAVSoftwarePlatform> software =
+        platform->createMutableSoftwarePlatform();
+    platform->addSoftwarePlatform(software.get());
+    HMAVSoftwarePlatformXMLReader reader(file, software);
+    if (reader.parseFile()) return true;
+    report(1, ComMsgMgr::CRITICAL_WARNING, "@74-4@%s", {platformFile});
+    if (!reader.getErrorMsg().empty()) parsingErrorMsgs_.push_back(reader.getErrorMsg());
+    parsingErrorMsgs_.push_back(
+        "Encountered Errors while parsing software platform for: " + platformFile + LEFT_OUT);
+    return false;
+}
+
+bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
+    Found found;
+    HSTVector<HMAVHardwarePlatform*> list;
+    HMAVHardwarePlatformParser::loadBareHardwarePlatforms(dirs, list, found.containers, false);
+    Files held = heldFiles_();
+    HSTVector<std::string> files;
+    // The paths first: a duplicate in the list dies with the container of its path.
+    for (const HMAVHardwarePlatform* hardware : list) files.push_back(hardware->getPlatformFile());
+    for (const std::string& file : files) {
+        std::unique_ptr<HMAVPlatform> platform = found.take(file);
+        if (platform == nullptr || !held.insert(file).second) continue;
+        dsaPlatforms_.push_back(platform.get());
+        platform.release();
+    }
+    return !dsaPlatforms_.empty();
+}
+
+void HMAVPlatformMgr::getHardwarePlatformsFromDirs(const Dirs& dirs,
+                                                   HSTVector<HMAVHardwarePlatform*>& out,
+                                                   bool filterByVbnv) {
+    HMAVHardwarePlatformParser::loadBareHardwarePlatforms(canonical(dirs), out, handoffs_,
+                                                          filterByVbnv);
+}
+
+void HMAVPlatformMgr::removePlatformsFromDirs(const Dirs& dirs) {
+    const Dirs full = canonical(dirs);
+    const std::unordered_set<std::string> parents(full.begin(), full.end());
+    const auto removed = [&](const HMAVPlatform* platform) {
+        const std::string file = platform->getPlatformFile();
+        const bool gone = !file.empty() && parents.contains(HUTFile::getParent(file));
+        if (gone) delete platform;
+        return gone;
+    };
+    std::erase_if(platforms_, removed);
+    std::erase_if(dsaPlatforms_, removed);
+}
+
+void HMAVPlatformMgr::removeHardwareHandoffFromDirs(const Dirs& dirs,
+                                                    HSTVector<HMAVHardwarePlatform*>& hardware) {
+    removePlatformsFromDirs(dirs);
+    std::set<std::string> keys;
+    std::unordered_set<const HMAVHardwarePlatform*> taken;
+    for (const std::string& dir : canonical(dirs)) {
+        if (dir.empty()) continue;
+        const std::string below = dir.ends_with('/') ? dir : dir + "/";
+        for (const auto& [key, platform] : handoffs_) {
+            const bool isBelow =
+                key.size() > below.size() && key.starts_with(below) && key[below.size()] != '.';
+            if (!isBelow || platform == nullptr || platform->getHardwarePlatform() == nullptr) {
+                continue;
+            }
+            taken.insert(platform->getHardwarePlatform());
+            keys.insert(key);
+        }
+    }
+    std::erase_if(hardware, [&](const auto* one) { return taken.contains(one); });
+    for (const std::string& key : keys) {
+        const auto entry = handoffs_.find(key);
+        delete entry->second;
+        handoffs_.erase(entry);
+    }
+}
+
+void HMAVPlatformMgr::clearAllPlatforms() {
+    for (const auto& [key, platform] : handoffs_) delete platform;
+    handoffs_.clear();
+    deleteAll(platforms_);
+    deleteAll(dsaPlatforms_);
+}
+
+HMAVPlatform* HMAVPlatformMgr::getPlatform(const std::string& name) const {
+    const std::string path = HUTFile::getCanonicalName(name);
+    for (HMAVPlatform* platform : *activePlatforms_) {
+        if (platform->getUniqueName() == name) return platform;
+        if (boost::iequals(platform->getPlatformBaseName(), name)) return platform;
+        // A canonical path keeps the file's name, so only equal names are worth asking the disk.
+        const std::string file = platform->getPlatformFile();
+        if (boost::iequals(fileName(file), fileName(path)) &&
+            boost::iequals(HUTFile::getCanonicalName(file), path)) {
+            return platform;
+        }
+    }
+    return nullptr;
+}
+
+HSTFwdIter<HMAVPlatform*>* HMAVPlatformMgr::createPlatformIter() const {
+    return new HSTVectorIter<HMAVPlatform*>(*activePlatforms_);
+}
+
+void HMAVPlatformMgr::getPlatforms(Platforms& out) const {
+    out.insert(out.end(), activePlatforms_->begin(), activePlatforms_->end());
+}
+
+void HMAVPlatformMgr::getUnifiedPlatforms(Platforms& out) const {
+    for (HMAVPlatform* platform : *activePlatforms_) {
+        if (platform->isUnified()) out.push_back(platform);
+    }
+}
+
+void HMAVPlatformMgr::getMAVPlatforms(Platforms& out) const {
+    getUnifiedPlatforms(out);
+}
+
+void HMAVPlatformMgr::getDSAPlatforms(Platforms& out) const {
+    out = dsaPlatforms_;
+}
+
+std::size_t HMAVPlatformMgr::getNumPlatforms() const {
+    return activePlatforms_->size();
+}
+
+void HMAVPlatformMgr::getParsingErrorMsgs(HSTVector<std::string>& out) const {
+    out.insert(out.end(), parsingErrorMsgs_.begin(), parsingErrorMsgs_.end());
+}
+
+void HMAVPlatformMgr::setProjectType(MAVProjectType type) {
+    projectType_ = type;
+    activePlatforms_ = type == MAVProjectType::PLATFORM ? &dsaPlatforms_ : &platforms_;
+}
+
+std::string HMAVPlatformMgr::getProjectTypeAsStr() const {
+    if (projectType_ == MAVProjectType::MAV) return "mav";
+    return projectType_ == MAVProjectType::PLATFORM ? "platform" : "";
+}
+
+void HMAVPlatformMgr::setBoardRepoPaths(const HSTVector<std::string>& paths) {
+    boardRepoPaths_ = paths;
+    bool changed = false;
+    boardDataMgr_->setBoardPartRepoPaths(boardRepoPaths_, changed);
+}
