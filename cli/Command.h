@@ -106,4 +106,32 @@ struct DiffOptions {
 /// Prints what differs between two platforms; true when nothing does. Throws UsageError, Failure.
 bool runDiff(const DiffOptions& options);
 
+struct InfoOptions {
+    std::string file;
+    bool json = false;
+    bool partitions = false;
+};
+/// Prints the platform's summary. Throws UsageError, Failure.
+void runInfo(const InfoOptions& options);
+
+struct CheckOptions {
+    std::vector<std::string> files;
+    bool preSynth = false;
+    bool archive = false;
+    bool json = false;
+    std::string toolRelease;  ///< empty: that of the host
+    std::string product;      ///< empty: that of the host
+};
+/// Tells of each platform whether it is supported, and why; false when one is not. Throws
+/// UsageError, and Failure behind the last platform when one does not load.
+bool runCheck(const CheckOptions& options);
+
+struct ProtectOptions {
+    std::string source;
+    std::string target;  ///< of unprotecting: empty for standard output
+};
+/// Puts a file into a protected container, and takes it out. Throw UsageError, Failure.
+void runProtect(const ProtectOptions& options);
+void runUnprotect(const ProtectOptions& options);
+
 }  // namespace cli

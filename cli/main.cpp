@@ -57,6 +57,15 @@ constexpr const char* DIFF_NOTES =
     "and where the two platforms lie does not count. Lines begin with ~ for a change, + for what\n"
     "only B has, - for what only A has. The code is 1 when they differ.\n";
 
+constexpr const char* CHECK_NOTES =
+    "One line for each FILE tells whether the tool release supports the platform, and why. The\n"
+    "support list ROOT/platforms/achromatic is asked too, ROOT being the application root.\n"
+    "Answers with 1 when a platform is not supported, with 3 when one does not load.\n";
+
+constexpr const char* PROTECT_NOTES =
+    "The variable MAV_KEY_FILE names the file with the key. A file that exists at the target is\n"
+    "replaced only when the new one is complete.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -68,6 +77,10 @@ struct Options {
     cli::GetOptions get;
     cli::ShowOptions show;
     cli::DiffOptions diff;
+    cli::InfoOptions info;
+    cli::CheckOptions check;
+    cli::ProtectOptions protect;
+    cli::ProtectOptions unprotect;
 };
 
 std::string pointer(const std::string& command) {
@@ -168,6 +181,31 @@ void describeViews(CLI::App& app, Options& options) {
     diff->footer(DIFF_NOTES);
 }
 
+void describePolicy(CLI::App& app, Options& options) {
+    CLI::App* info = app.add_subcommand("info", "Sum a platform up");
+    info->add_option("FILE", options.info.file, "Platform file")->required();
+    info->add_flag("--json", options.info.json, "Print JSON");
+    info->add_flag("--partitions", options.info.partitions, "With reconfigurable partitions");
+    CLI::App* check = app.add_subcommand("check", "Tell whether platforms are supported");
+    check->add_option("FILE", options.check.files, "Platform files")->required();
+    check->add_flag("--presynth", options.check.preSynth, "As pre-synthesis platforms");
+    check->add_flag("--archive", options.check.archive, "As device support archives");
+    check->add_option("--tool-release", options.check.toolRelease,
+                      "Judge for this release, such as 2026.1, in place of the present one");
+    check->add_option("--product", options.check.product, "Product that the support list is for");
+    check->add_flag("--json", options.check.json, "Print JSON");
+    check->footer(CHECK_NOTES);
+    CLI::App* protect = app.add_subcommand("protect", "Encipher a support list");
+    protect->add_option("IN", options.protect.source, "File in the clear")->required();
+    protect->add_option("OUT", options.protect.target, "Protected file to write")->required();
+    protect->footer(PROTECT_NOTES);
+    CLI::App* unprotect = app.add_subcommand("unprotect", "Decipher a support list");
+    unprotect->add_option("IN", options.unprotect.source, "Protected file")->required();
+    unprotect->add_option("OUT", options.unprotect.target,
+                          "File to write; without it standard output");
+    unprotect->footer(PROTECT_NOTES);
+}
+
 void describe(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
@@ -176,6 +214,26 @@ void describe(CLI::App& app, Options& options) {
     describePacking(app, options.json, options.pack);
     describeArchives(app, options);
     describeQueries(app, options);
+    describePolicy(app, options);
+}
+
+/// Runs the chosen command; false when it answers the question with no.
+bool answer(const CLI::App& app, const Options& options) {
+    const std::string command = app.get_subcommands().front()->get_name();
+    if (command == "verify") return cli::runVerify(options.verify);
+    if (command == "diff") return cli::runDiff(options.diff);
+    if (command == "get") return cli::runGet(options.get);
+    if (command == "check") return cli::runCheck(options.check);
+    if (command == "json") cli::runJson(options.json);
+    if (command == "pack") cli::runPack(options.pack);
+    if (command == "files") cli::runFiles(options.files);
+    if (command == "extract") cli::runExtract(options.extract);
+    if (command == "add") cli::runAdd(options.add);
+    if (command == "show") cli::runShow(options.show);
+    if (command == "info") cli::runInfo(options.info);
+    if (command == "protect") cli::runProtect(options.protect);
+    if (command == "unprotect") cli::runUnprotect(options.unprotect);
+    return true;
 }
 
 int run(int argc, char** argv) {
@@ -193,16 +251,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw explain(app, error);
     }
-    if (app.got_subcommand("show")) cli::runShow(options.show);
-    if (app.got_subcommand("json")) cli::runJson(options.json);
-    if (app.got_subcommand("pack")) cli::runPack(options.pack);
-    if (app.got_subcommand("files")) cli::runFiles(options.files);
-    if (app.got_subcommand("extract")) cli::runExtract(options.extract);
-    if (app.got_subcommand("add")) cli::runAdd(options.add);
-    if (app.got_subcommand("diff") && !cli::runDiff(options.diff)) return cli::NEGATIVE;
-    if (app.got_subcommand("verify") && !cli::runVerify(options.verify)) return cli::NEGATIVE;
-    if (app.got_subcommand("get") && !cli::runGet(options.get)) return cli::NEGATIVE;
-    return cli::DONE;
+    return answer(app, options) ? cli::DONE : cli::NEGATIVE;
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """`mav get` and the other questions about a platform's description."""
 import json
+import os
 
 from support import SAMPLES, CommandTest
 
 CARD = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+BOARD = SAMPLES / "tessomar_r2/tessomar_r2.qpfm"
+EMBEDDED = SAMPLES / "ostrivel_e7/ostrivel_e7.qpfm"
 ROOT = "hardwarePlatforms.hardwarePlatform"
 
 
@@ -29,3 +32,69 @@ class Get(CommandTest):
                      says=["nothing is at '" + ROOT + ".nothing'"])
         self.refused("get", self.dir / "no.qpfm", "vendor", code=3, says=["nothing is there"])
         self.refused("get", "", "vendor", code=2, says=["FILE is empty"])
+
+
+class Policy(CommandTest):
+    def setUp(self):
+        super().setUp()
+        (self.dir / "key").write_bytes(b"0123456789abcdef0123456789abcdef")
+        self.env = {**os.environ, "MAV_KEY_FILE": str(self.dir / "key"),
+                    "MAV_APP_ROOT": str(self.dir)}
+        self.env.pop("MAV_TOOL_RELEASE", None)
+
+    def check(self, *arguments, code):
+        return self.mav("check", *arguments, code=code, env=self.env)[0]
+
+    def test_info_as_text_and_as_json(self):
+        summary = json.loads(self.mav("info", BOARD, "--json", env=self.env)[0])
+        table, _ = self.mav("info", BOARD, env=self.env)
+        lines = [line.split(None, 1) for line in table.splitlines()]
+        self.assertEqual({key: "" if value == "-" else value for key, value in lines}, summary)
+        self.assertEqual(summary["baseName"], "tessomar_r2")
+        self.assertNotIn("reconfigurablePartitions", summary)
+        table, _ = self.mav("info", BOARD, "--partitions", env=self.env)
+        self.assertIn("reconfigurablePartitions\n    id ", table)
+
+    def test_check_tells_of_each_platform_and_answers_with_the_worst(self):
+        self.assertEqual(self.check(EMBEDDED, code=0), f"{EMBEDDED}: supported\n")
+        text = self.check(EMBEDDED, BOARD, code=1)
+        self.assertRegex(text, r"qpfm: supported\n.*r2.qpfm: not supported. Platform 'tessomar")
+        self.assertEqual(self.check(BOARD, "--tool-release", "2027.2", code=0),
+                         f"{BOARD}: supported\n")
+        self.assertIn("calendar year", self.check(BOARD, "--tool-release", "2028.1", code=1))
+        self.assertIn("is not a PRE_SYNTH", self.check(BOARD, "--presynth", code=1))
+        self.assertIn("DSA 'tessomar_r2.qpfm'", self.check(BOARD, "--archive", code=1))
+        answers = json.loads(self.check(EMBEDDED, BOARD, "--json", code=1))["platforms"]
+        self.assertEqual([answer["supported"] for answer in answers], ["true", "false"])
+        output, errors = self.mav("check", self.dir / "none.pka", EMBEDDED, code=3, env=self.env)
+        self.assertEqual(output, f"{EMBEDDED}: supported\n")
+        self.assertIn("cannot load", errors)
+
+    def test_wrong_use(self):
+        for arguments, says in ((["--presynth", "--archive"], "different questions"),
+                                (["--tool-release", "new"], "'new' is no release"),
+                                (["--tool-release", "2026"], "'2026' is no release")):
+            self.refused("check", EMBEDDED, *arguments, code=2, says=[says])
+
+    def test_a_support_list_from_text_to_decision(self):
+        clear = self.dir / "list.json"
+        clear.write_text(json.dumps({"white_list": [
+            {"products": ["orrery"], "key": "name", "value": "tessomar_r2", "reason": "Tested."}]}))
+        protected = self.dir / "platforms/achromatic"
+        protected.parent.mkdir()
+        self.mav("protect", clear, protected, env=self.env)
+        self.assertNotIn(b"orrery", protected.read_bytes())
+        self.assertEqual(self.mav("unprotect", protected, env=self.env)[0], clear.read_text())
+        self.mav("unprotect", protected, self.dir / "again.json", env=self.env)
+        self.assertEqual((self.dir / "again.json").read_text(), clear.read_text())
+        late = [BOARD, "--tool-release", "2030.1"]
+        self.check(*late, code=1)
+        self.assertIn("explicitly enabled for this release. Reason: Tested.",
+                      self.check(*late, "--product", "orrery", code=0))
+        for arguments, says in ((["protect", protected, "x"], "protected already"),
+                                (["protect", self.dir / "none", "x"], "none"),
+                                (["unprotect", clear, "x"], "list.json")):
+            _, errors = self.mav(*arguments, code=3, env=self.env)
+            self.assertIn(says, errors)
+        self.env["MAV_KEY_FILE"] = ""
+        self.assertIn("key", self.mav("protect", clear, "x", code=3, env=self.env)[1])

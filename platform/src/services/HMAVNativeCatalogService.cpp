@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/HMAVNativeCatalogService.h"
+
+#include <algorithm>
+#include <boost/property_tree/ptree.hpp>
+#include <ostream>
+
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTEnv.h"
+#include "mav_host/Host.h"
+#include "mav_platform/HMAVNativeObjectService.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/PlatformLoader.h"
+#include "mav_platform/PlatformParseException.h"
+#include "services/DescriptionFiles.h"
+#include "services/Summary.h"
+#include "services/SupportPolicy.h"
+
+namespace mav::platform {
+
+using mav_platform::PlatformLoader;
+
+namespace {
+
+constexpr const char* NOT_LOADED = "Error: failed to load platform";
+constexpr const char* VERSIONLESS =
+    "Critical Warning: the current tool is versionless, please set the appropriate product "
+    "name/version";
+constexpr const char* VERSIONLESS_PRE_SYNTH =
+    "Critical Warning: the current tool is versionless, please set the appropriate product "
+    "name/version. Setting a default value of 2020.1 for the major and minor version.";
+
+void tell(const std::string& line) {
+    mav_host::console() << line << "\n" << std::flush;
+}
+
+PlatformLoader loaderFor(const std::string& path) {
+    return PlatformLoader(path, PlatformLoader::HW_METADATA_AUTO);
+}
+
+bool isPreSynth(const HMAVPlatform& platform) {
+    constexpr int PRE_SYNTH = 2;
+    const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
+    return hardware != nullptr && hardware->getState() == PRE_SYNTH;
+}
+
+/// The rules in their order; the first that decides ends the evaluation.
+bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::string& toolText) {
+    if (!policy.isUnified()) return false;
+    if (!policy.isForCards()) return true;
+    const Releases releases = releasesOf(platform, toolText, "2019.1", VERSIONLESS);
+    if (!policy.isNotNewer(releases)) return false;
+    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-78@%s", {releases.toolText});
+    if (policy.hasExtendedWarranty(releases)) return true;
+    bool supported = false;
+    if (policy.isListed(supported)) return supported;
+    return policy.isInSupportedRange(releases);
+}
+
+}  // namespace
+
+CatalogService::~CatalogService() = default;
+NativeCatalogService::~NativeCatalogService() = default;
+
+std::string NativeCatalogService::getCompilerVersion_() const {
+    if (testCompilerVersion_) return *testCompilerVersion_;
+    const unsigned major = HUTEnv::getMajor();
+    return major == 0 ? "" : std::to_string(major) + "." + std::to_string(HUTEnv::getMinor());
+}
+
+bool NativeCatalogService::isUnderWarranty(PlatformLoader* loader, std::string& reason,
+                                           std::string productName) const {
+    reason.clear();
+    if (!productName.empty()) HUTEnv::setProductName(productName);
+    if (loader == nullptr) return false;
+    const auto platform = loader->load();
+    if (!platform) {
+        tell(NOT_LOADED);
+        return false;
+    }
+    SupportPolicy policy(*platform, *loader, "Platform", reason);
+    return judge(policy, *platform, getCompilerVersion_());
+}
+
+bool NativeCatalogService::isUnderWarranty(const std::string& path, std::string& reason,
+                                           std::string productName) const {
+    PlatformLoader loader = loaderFor(path);
+    return isUnderWarranty(&loader, reason, std::move(productName));
+}
+
+bool NativeCatalogService::isUnderWarranty(const std::string& path, HSTVector<std::string>& reasons,
+                                           std::string productName) const {
+    std::string reason;
+    bool supported = false;
+    try {
+        supported = isUnderWarranty(path, reason, std::move(productName));
+    } catch (const HEXError& error) {
+        reason = error.what();
+    } catch (const mav_platform::PlatformParseException& error) {
+        reason = error.what();
+    } catch (...) {
+        tell("Unknown exception trying to determine if platform " + path + "is supported");
+        return false;
+    }
+    if (!reason.empty()) reasons.push_back(reason);
+    return supported;
+}
+
+bool NativeCatalogService::isPreSynthPlatform(PlatformLoader* loader) const {
+    if (loader == nullptr) {
+        tell("Error: failed to acquire a platform loader.");
+        return false;
+    }
+    const auto platform = loader->load();
+    if (!platform) {
+        tell("Error: failed to load platform.");
+        return false;
+    }
+    if (platform->getHardwarePlatform() == nullptr) {
+        tell("Error: failed to load the hardware platform.");
+        return false;
+    }
+    return isPreSynth(*platform);
+}
+
+bool NativeCatalogService::isPreSynthPlatformSupported(PlatformLoader* loader,
+                                                       std::string& reason) const {
+    reason.clear();
+    const auto platform = loader != nullptr ? loader->load() : nullptr;
+    if (!platform) {
+        reason =
+            "Failed to load the platform. Can not continue with establishing platform support with "
+            "respect to the tool flow.";
+        return false;
+    }
+    SupportPolicy policy(*platform, *loader, "Platform", reason);
+    if (!isPreSynth(*platform)) {
+        reason = policy.subject() + " is not a PRE_SYNTH platform";
+        return false;
+    }
+    if (!policy.isUnified()) return false;
+    const Releases releases =
+        releasesOf(*platform, getCompilerVersion_(), "2020.1", VERSIONLESS_PRE_SYNTH);
+    return policy.isNotNewer(releases) && policy.isOfSameRelease(releases);
+}
+
+bool NativeCatalogService::isPreSynthPlatformSupported(const std::string& path,
+                                                       std::string& reason) const {
+    PlatformLoader loader = loaderFor(path);
+    return isPreSynthPlatformSupported(&loader, reason);
+}
+
+bool NativeCatalogService::canDsaBeOpened(PlatformLoader* loader, std::string& reason) const {
+    reason.clear();
+    if (loader == nullptr) return false;
+    const auto platform = loader->load();
+    if (!platform) {
+        tell(NOT_LOADED);
+        return false;
+    }
+    SupportPolicy policy(*platform, *loader, "DSA", reason);
+    return policy.isUnified() &&
+           policy.isNotNewer(releasesOf(*platform, getCompilerVersion_(), "2019.1", VERSIONLESS));
+}
+
+bool NativeCatalogService::canDsaBeOpened(const std::string& path, std::string& reason) const {
+    PlatformLoader loader = loaderFor(path);
+    return canDsaBeOpened(&loader, reason);
+}
+
+void NativeCatalogService::getPlatformInfo_(PlatformLoader* loader, ptree& info, bool warranty,
+                                            bool partitions) const {
+    info.clear();
+    const auto platform = loader != nullptr ? loader->load() : nullptr;
+    if (!platform) {
+        tell(NOT_LOADED);
+        return;
+    }
+    Warranty answer;
+    if (warranty) answer.supported = isUnderWarranty(loader, answer.reason);
+    summarise(*platform, warranty ? &answer : nullptr, partitions, info);
+}
+
+std::string NativeCatalogService::getAsJsonStr(PlatformLoader* loader, bool warranty,
+                                               bool partitions) const {
+    ptree info;
+    getPlatformInfo_(loader, info, warranty, partitions);
+    return info.empty() ? "{\n}\n" : NativeObjectService::getNodeAsJsonStr(info);
+}
+
+std::string NativeCatalogService::getAsJsonStr(const std::string& path, bool warranty,
+                                               bool partitions) const {
+    PlatformLoader loader = loaderFor(path);
+    return getAsJsonStr(&loader, warranty, partitions);
+}
+
+std::string NativeCatalogService::getAllAsJsonStr(const std::string& directories, bool warranty,
+                                                  bool partitions) const {
+    ptree all;
+    ptree& list = all.push_back({"platforms", ptree()})->second;
+    for (const std::string& path : descriptionFiles(directories)) {
+        ptree info;
+        try {
+            PlatformLoader loader = loaderFor(path);
+            getPlatformInfo_(&loader, info, warranty, partitions);
+        } catch (const mav_platform::PlatformParseException&) {
+            tell(NOT_LOADED);
+        } catch (const HEXError& error) {
+            tell(std::string(NOT_LOADED) + ": " + error.what());
+        }
+        if (!info.empty()) list.push_back({"", ptree()})->second.swap(info);
+    }
+    return list.empty() ? "{\n    \"platforms\": []\n}\n"
+                        : NativeObjectService::getNodeAsJsonStr(all);
+}
+
+std::string NativeCatalogService::getValue(PlatformLoader* loader,
+                                           const std::string& keyPath) const {
+    ptree info;
+    getPlatformInfo_(loader, info, keyPath.starts_with("warranty"),
+                     keyPath.starts_with("reconfigurablePartitions"));
+    const ptree* const node =
+        keyPath.empty() ? nullptr : NativeObjectService::findNode(info, keyPath);
+    if (node == nullptr) return "error: key path '" + keyPath + "' doens't exist";
+    return node->empty() ? node->data() : NativeObjectService::getNodeAsJsonStr(*node);
+}
+
+std::string NativeCatalogService::getValue(const std::string& path,
+                                           const std::string& keyPath) const {
+    PlatformLoader loader = loaderFor(path);
+    return getValue(&loader, keyPath);
+}
+
+}  // namespace mav::platform

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "mav_host/HSTVector.h"
+
+namespace mav::platform {
+
+/// One platform, or family of platforms, that is known to be good or bad.
+struct SupportEntry {
+    bool good = false;  ///< of the white list
+    HSTVector<std::string> products;
+    std::string key;  ///< object path into the platform's document
+    std::string value;
+    std::string reason;
+};
+
+/// ROOT/platforms/achromatic.
+std::string supportListPath();
+
+/// The entries of the host's support list, those of the black list first, each list in file order.
+/// None when there is no list; none after a report through "@74-49@%s" when the file is no
+/// protected container, does not decipher or parse, or is empty, and through "@74-50@%s" when it is
+/// malformed.
+HSTVector<SupportEntry> readSupportList();
+
+}  // namespace mav::platform

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "services/SupportPolicy.h"
+
+#include <algorithm>
+#include <boost/property_tree/ptree.hpp>
+#include <filesystem>
+#include <ostream>
+
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/Host.h"
+#include "mav_platform/HMAVEnv.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "services/LoadedDocument.h"
+#include "services/ObjectPath.h"
+#include "services/SupportList.h"
+
+namespace mav::platform {
+
+namespace {
+
+/// The first release whose platforms are supported.
+constexpr Release FLOOR{2017, 4};
+
+constexpr const char* BY_POLICY = "). By policy, ";
+
+/// A platform's extended warranty names the release; throws when it is no list of releases.
+bool names(const paths::Node& warranty, const Release& release) {
+    if (!warranty.hasChildren() && !warranty.data().empty())
+        throw HEXDataException("'extended_warranty' is a text and must be a list of releases");
+    return std::any_of(warranty.begin(), warranty.end(), [&](const paths::Node& item) {
+        return Release::of(std::string(item.data())) == release;
+    });
+}
+
+bool applies(const SupportEntry& entry, const std::string& product, const paths::Node& document) {
+    if (std::find(entry.products.begin(), entry.products.end(), product) == entry.products.end())
+        return false;
+    const auto node = paths::find(document, paths::withActualRoot(document, entry.key));
+    return node && !node->hasChildren() && node->data() == entry.value;
+}
+
+}  // namespace
+
+Releases releasesOf(const HMAVPlatform& platform, const std::string& toolText,
+                    const std::string& fallback, const std::string& warning) {
+    Releases releases;
+    const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
+    if (hardware != nullptr) releases.platformText = hardware->getGeneratedVersion();
+    if (releases.platformText.empty()) releases.platformText = "0.0";
+    releases.platform = Release::of(releases.platformText);
+    releases.toolText = toolText;
+    if (toolText.empty()) {
+        mav_host::console() << warning << "\n" << std::flush;
+        releases.toolText = fallback;
+    }
+    releases.tool = Release::of(releases.toolText);
+    return releases;
+}
+
+SupportPolicy::SupportPolicy(const HMAVPlatform& platform, mav_platform::PlatformLoader& loader,
+                             const char* subject, std::string& reason)
+    : platform_(platform),
+      loader_(loader),
+      subject_(std::string(subject) + " '" +
+               std::filesystem::path(loader.getFilePath()).filename().string() + "'"),
+      reason_(reason) {}
+
+std::string SupportPolicy::versions(const Releases& releases) const {
+    return subject_ + " (version " + releases.platformText + ") is not supported by the current " +
+           "tool version (" + releases.toolText;
+}
+
+const mav_platform::json::Document& SupportPolicy::document() {
+    if (!document_) document_ = documentOf(&loader_);
+    return *document_;
+}
+
+bool SupportPolicy::isUnified() {
+    if (platform_.isUnified()) return true;
+    reason_ = subject_ +
+              " is not a unified platform. By policy, non-unified platforms are not supported by "
+              "the current tool version";
+    return false;
+}
+
+bool SupportPolicy::isNotNewer(const Releases& releases) {
+    if (releases.platform <= releases.tool) return true;
+    const char* const kind = subject_.starts_with("DSA") ? "DSA" : "platform";
+    reason_ = versions(releases) + BY_POLICY + "the " + kind +
+              " version can not be newer than the current tool version";
+    return false;
+}
+
+bool SupportPolicy::isOfSameRelease(const Releases& releases) {
+    if (releases.platform == releases.tool) return true;
+    reason_ = subject_ + " (version " + releases.platformText +
+              ") is a PRE_SYNTH platform and is not supported by the current tool version (" +
+              releases.toolText + BY_POLICY +
+              "platforms are only supported on the same tool release on which the platform was "
+              "created.";
+    return false;
+}
+
+bool SupportPolicy::isInSupportedRange(const Releases& releases) {
+    if (releases.platform < FLOOR) {
+        reason_ =
+            versions(releases) + BY_POLICY + "the platform version can not be older than 2017.4";
+        return false;
+    }
+    const int year = releases.platform.year;
+    if (releases.tool.year == year || releases.tool.year - 1 == year) return true;
+    reason_ = versions(releases) + BY_POLICY +
+              "platforms are supported for the remainder of the calendar year release plus the "
+              "following calendar year release";
+    return false;
+}
+
+bool SupportPolicy::isForCards() const {
+    return platform_.getDesignIntentDataCenter() || platform_.getDesignIntentServerManaged() ||
+           platform_.getDesignIntentExternalHost();
+}
+
+bool SupportPolicy::hasExtendedWarranty(const Releases& releases) {
+    static const std::string warrantyKey = "hardwarePlatform.extensions.extended_warranty";
+    if (releases.tool.year == 0) return false;
+    try {
+        const auto root = document().root();
+        const auto warranty = paths::find(root, paths::withActualRoot(root, warrantyKey));
+        if (!warranty || !names(*warranty, releases.tool)) return false;
+    } catch (const HEXError& error) {
+        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-79@%s", {error.what()});
+        return false;
+    }
+    reason_ = subject_ + " has been explicitly enabled for this release with an extended warranty.";
+    return true;
+}
+
+bool SupportPolicy::isListed(bool& supported) {
+    const HSTVector<SupportEntry> entries = readSupportList();
+    if (entries.empty()) return false;
+    const std::string product = HMAVEnv::getProductName();
+    const auto root = document().root();
+    const auto entry = std::find_if(entries.begin(), entries.end(), [&](const SupportEntry& one) {
+        return applies(one, product, root);
+    });
+    if (entry == entries.end()) return false;
+    supported = entry->good;
+    reason_ = subject_ + " has been " +
+              (entry->good ? "explicitly enabled for this release."
+                           : "marked unsupported due to known issues.");
+    if (!entry->reason.empty()) reason_ += " Reason: " + entry->reason;
+    return true;
+}
+
+}  // namespace mav::platform
