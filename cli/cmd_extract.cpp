@@ -62,6 +62,23 @@ void checkType(const std::string& type) {
                              "add");
 }
 
+/// Refuses names that no member may have, and those that would make a file of what is a folder.
+void checkMember(const std::string& name, const mav_host::ZipArchive& archive) {
+    if (!HUTZip::isMemberName(name))
+        throw Failure(shown(name) +
+                      " cannot name a member. Give --as a path inside the archive with '/' between "
+                      "its parts, without empty parts, '.', '..' and backslashes.");
+    for (std::size_t at = name.find('/'); at != std::string::npos; at = name.find('/', at + 1)) {
+        if (archive.contains(name.substr(0, at)))
+            throw Failure("its member " + shown(name.substr(0, at)) + " is a file, so " +
+                          shown(name) + " cannot lie in it. Name another one with --as.");
+    }
+    for (const auto& member : archive.members()) {
+        if (member.name.starts_with(name + "/"))
+            throw Failure(shown(name) + " is a folder in it. Name another member with --as.");
+    }
+}
+
 /// The member to write: the one that is asked for, the one that the type is listed with, or one of
 /// the file's own name, unless that is taken by something else.
 std::string memberFor(const cli::AddOptions& options, const mav_host::ZipArchive& archive,
@@ -86,6 +103,7 @@ void addToPlatform(const cli::AddOptions& options, const mav_host::ZipArchive& a
             "its platform does not load. Correct what the messages name and run the "
             "command again.");
     const std::string member = memberFor(options, archive, hardware->getFile(options.type));
+    checkMember(member, archive);
     hardware->archiveFile(options.type, member, options.file);
 }
 
@@ -98,6 +116,7 @@ void addToIndexed(const cli::AddOptions& options, const mav_host::ZipArchive& ar
     const std::string member = memberFor(options, archive, indexed.getFiles().get(options.type));
     if (member == indexed.getJsonFileName())
         throw UsageError("'" + member + "' is the index itself.", "add");
+    checkMember(member, archive);
     indexed.archive(options.type, member, options.file);
 }
 

@@ -33,14 +33,15 @@ using Replacements = std::unordered_map<std::string, const HUTZip::Source*>;
 
 void checkSources(const std::string& archive, const HSTVector<HUTZip::Source>& sources) {
     for (const HUTZip::Source& source : sources) {
-        if (!isSafeMemberName(source.member)) {
+        if (!HUTZip::isMemberName(source.member)) {
             std::string shown = source.member;
             for (std::size_t at; (at = shown.find('\0')) != std::string::npos;) {
                 shown.replace(at, 1, "\\0");  // a text ends at a null byte
             }
-            throw HEXUserException("The member name '" + shown + "' for the archive '" + archive +
-                                   "' is empty, absolute, climbs out or holds a backslash or null "
-                                   "byte; use a relative path with '/'");
+            throw HEXUserException(
+                "The member name '" + shown + "' for the archive '" + archive +
+                "' is empty, absolute, climbs out or holds an empty or '.' part, "
+                "a backslash or null byte; use a relative path with '/'");
         }
         if (!source.file.empty() && !HUTFile::isFile(source.file)) {
             throw HEXUserException("The file '" + source.file + "' for the archive '" + archive +
@@ -134,13 +135,22 @@ void HUTZip::add(const std::string& archive, const HSTVector<Source>& sources) {
 
 void HUTZip::addWithDigest(const std::string& archive, const HSTVector<Source>& sources) {
     mav_host::checkSources(archive, sources);
+    updateWithDigest(archive, [&] { return sources; });
+}
+
+void HUTZip::updateWithDigest(const std::string& archive,
+                              const std::function<HSTVector<Source>()>& sources) {
     ArchiveWriter writer(archive, true);
-    mav_host::addSources(writer, sources, true);
+    const HSTVector<Source> added = sources();
+    mav_host::checkSources(archive, added);
+    mav_host::addSources(writer, added, true);
     writer.commit();
 }
 
 bool HUTZip::isMemberName(const std::string& name) {
-    return mav_host::isSafeMemberName(name);
+    if (!mav_host::isSafeMemberName(name)) return false;
+    const std::string parts = "/" + name + "/";
+    return parts.find("//") == std::string::npos && parts.find("/./") == std::string::npos;
 }
 
 void HUTZip::create(const std::string& archive, const HSTVector<Source>& sources) {

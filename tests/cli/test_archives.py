@@ -197,6 +197,34 @@ class Adding(ArchiveTest):
             archive.writestr("smuggled", "x")
         self.refused("add", self.archive, "PDI", self.file, code=3, says=["do not match its digest"])
 
+    def test_names_that_cannot_stand_in_the_archive(self):
+        self.pack(**{"x": "y", "bd/a.bd": "b", "hw_emu/pka.json": "{}"})
+        before = self.archive.read_bytes()
+        for name, says in (("a/", "cannot name a member"), ("./a", "cannot name a member"),
+                           ("a//b", "cannot name a member"), ("../up", "cannot name a member"),
+                           ("x/a", "is a file"), ("bd", "is a folder"),
+                           ("pka.json", "metadata itself"), ("vma.json", "metadata itself"),
+                           ("hw_emu/pka.json", "metadata itself")):
+            self.refused("add", self.archive, "PDI", self.file, "--as", name, code=3, says=[says])
+        self.assertEqual(self.archive.read_bytes(), before)
+
+    def test_several_at_once_are_all_listed(self):
+        self.pack()
+        plain = self.dir / "plain.zip"
+        with zipfile.ZipFile(plain, "w") as archive:
+            archive.writestr("x", "y")
+        calls = [[MAV, "add", self.archive, "PDI", self.file, "--as", f"m{i}"] for i in range(8)]
+        calls += [[MAV, "add", plain, f"TYPE{i}", self.file, "--as", f"m{i}"] for i in range(8)]
+        running = [subprocess.Popen(list(map(str, call))) for call in calls]
+        self.assertEqual([process.wait() for process in running], [0] * len(running))
+        names = {f"m{i}" for i in range(8)}
+        for path, index in ((self.archive, "pka.json"), (plain, "vma.json")):
+            with zipfile.ZipFile(path) as archive:
+                files = json.loads(archive.read(index))["files"]
+                self.assertLessEqual(names, set(archive.namelist()))
+            self.assertLessEqual(names, {item["name"] for item in files}, path)
+            self.mav("verify", path)
+
     def test_a_folder_that_may_not_be_written(self):
         folder = self.dir / "closed"
         folder.mkdir()

@@ -110,13 +110,19 @@ class MAV_API HUTZip {
     /// Adds the members to the archive, replacing those of equal name in place; makes the archive
     /// when there is none. Of equal names in `sources` the last counts. The other members are
     /// copied as they are, without packing them again; of equal names in the old archive the first
-    /// is kept. Member names that are empty, absolute, climb out with ".." or hold a backslash or
-    /// null byte are refused with HEXUserException before anything is written. An existing digest
+    /// is kept. Names that isMemberName refuses throw HEXUserException before anything is
+    /// written. An existing digest
     /// is dropped, for it no longer holds. Without sources nothing happens.
     static void add(const std::string& archive, const HSTVector<Source>& sources);
     /// As `add`, with a digest over the new archive, all in one step.
     static void addWithDigest(const std::string& archive, const HSTVector<Source>& sources);
-    /// True for a name that a member may be added and extracted under.
+    /// As `addWithDigest` for members that depend on what the archive holds: `sources` is called
+    /// once the lock is held, so what it reads there stays until the new archive stands. What it
+    /// throws leaves the archive as it was.
+    static void updateWithDigest(const std::string& archive,
+                                 const std::function<HSTVector<Source>()>& sources);
+    /// True for a name that a member may be added under: relative, made of parts with "/" between
+    /// them, none of them empty, "." or "..", without backslash and null byte.
     static bool isMemberName(const std::string& name);
     /// Writes a new archive that holds exactly these members in this order and a digest over them.
     /// No members and equal names are refused with HEXUserException.

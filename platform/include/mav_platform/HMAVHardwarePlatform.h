@@ -425,7 +425,9 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     bool hasHardwareDef_() const;
     std::string extractTypedFile_(const char* type, const std::string& dir,
                                   bool rewriteHpfm = false) const;
-    HSTVector<HUTZip::Source> listInMetadata_(const std::string& type, const std::string& member,
+    /// Throws when a file would take the place of metadata or index.
+    void checkNoMetadata_(const std::string& member, const std::string& name) const;
+    HSTVector<HUTZip::Source> listInMetadata_(const std::string& type,
                                               const std::string& name) const;
     bool hasMixedHBMBanks_() const;
     int countBusInterfaces_(const char* type, const char* mode) const;

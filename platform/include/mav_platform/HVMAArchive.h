@@ -17,7 +17,10 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     explicit HVMAArchive(std::string file) : file_(std::move(file)) {}
 
     const std::string& getFile() const { return file_; }
-    void setFile(std::string value) { file_ = std::move(value); }
+    void setFile(std::string value) {
+        file_ = std::move(value);
+        seen_.clear();
+    }
     const std::string& getInstPath() const { return instPath_; }
     void setInstPath(std::string value) { instPath_ = std::move(value); }
     const std::string& getDrBdInstName() const { return drBdInstName_; }
@@ -50,8 +53,9 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
 
     /// Adds the file `source` as member `name`, lists it under `type`, rewrites the index and puts
     /// a digest over the archive, all in one step: a failure leaves archive and object as they
-    /// were. Throws HEXAlgException "HVMAArchive::archive() - vmaFile is not set", "... - jsonFile
-    /// is not set", "... - vmaFile does not exist"; HEXUserException as archiveFile does and
+    /// were. Types that others listed in the index since this object read or wrote it are kept.
+    /// Throws HEXAlgException "HVMAArchive::archive() - vmaFile is not set", "... - jsonFile is not
+    /// set", "... - vmaFile does not exist"; HEXUserException as archiveFile does and
     /// "HVMAArchive::writeJSON() - Could not open file for streaming: " + archive for an index name
     /// that is refused.
     void archive(const std::string& type, const std::string& name, const std::string& source);
@@ -66,12 +70,15 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     void toJSON(mav_platform::JSONObjectWriter& writer) const override;
 
   private:
+    /// Lists what others have listed in the archive's index.
+    void takeOverOthers_(const std::string& index);
     void checkSource_(const std::string& name, const std::string& source) const;
     std::string extractFile_(const std::string& name, const std::string& destination) const;
     std::string extractDir_(const std::string& name, const std::string& destination) const;
 
     std::string file_;
     HVMAFiles files_;
+    HVMAFiles seen_;  ///< the list as it was last read from the archive or written to it
     std::string instPath_;
     std::string drBdInstName_;
     std::string pfmName_;

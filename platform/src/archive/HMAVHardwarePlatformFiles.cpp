@@ -106,28 +106,38 @@ void HMAVHardwarePlatform::archiveFile(const std::string& type, const std::strin
     if (!HUTZip::isMemberName(name)) {
         throw HEXAlgException(refused + "Could not open file for streaming: " + platformFile_);
     }
-    HSTVector<HUTZip::Source> sources =
-        listInMetadata_(type, mav_platform::memberOf(*this, name), name);
-    sources.push_back({mav_platform::memberOf(*this, name), source, ""});
+    const std::string member = mav_platform::memberOf(*this, name);
+    checkNoMetadata_(member, name);
     HPLPlatform::validateFileType(type);
-    HUTZip::addWithDigest(platformFile_, sources);
+    HUTZip::updateWithDigest(platformFile_, [&] {
+        HSTVector<HUTZip::Source> sources = listInMetadata_(type, name);
+        sources.push_back({member, source, ""});
+        return sources;
+    });
     for (const HPLFile* file : platform->getFiles()) {
         if (file->getType() == type && file->getName() == name) return;
     }
     platform->addFile(type, name);
 }
 
+void HMAVHardwarePlatform::checkNoMetadata_(const std::string& member,
+                                            const std::string& name) const {
+    for (const std::string& metadata :
+         {getJsonFileName(), getAltJsonFileName(), getHwEmuJsonFileName(),
+          getAltHwEmuJsonFileName(), HVMAArchive().getJsonFileName()}) {
+        if (metadata == member) {
+            throw HEXAlgException(REFUSED + ("'" + name) + "' is the name of the metadata itself");
+        }
+    }
+}
+
 HSTVector<HUTZip::Source> HMAVHardwarePlatform::listInMetadata_(const std::string& type,
-                                                                const std::string& member,
                                                                 const std::string& name) const {
     const bool child = childHardwareEmuPlatform_;
     const mav_host::ZipArchive archive(platformFile_);
     HSTVector<HUTZip::Source> sources;
     for (const std::string& metadata : {child ? getHwEmuJsonFileName() : getJsonFileName(),
                                         child ? getAltHwEmuJsonFileName() : getAltJsonFileName()}) {
-        if (metadata == member) {
-            throw HEXAlgException(REFUSED + ("'" + name) + "' is the name of the metadata itself");
-        }
         if (!archive.contains(metadata)) continue;
         sources.push_back({metadata, "",
                            mav_platform::withListedFile(

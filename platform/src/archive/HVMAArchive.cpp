@@ -20,6 +20,12 @@ std::string textOf(const Node& node, std::string_view key) {
     return child ? std::string(child->data()) : "";
 }
 
+void addFiles(const Node& root, HVMAFiles& out) {
+    const std::optional<Node> files = root.find("files");
+    if (!files) return;
+    for (const Node& item : *files) out.add(textOf(item, "type"), textOf(item, "name"));
+}
+
 /// The whole index; nothing when it cannot be read.
 std::optional<std::string> readIndex(const std::string& archive, const std::string& index) {
     try {
@@ -54,12 +60,12 @@ bool HVMAArchive::parse() {
         pfmName_ = textOf(root, "pfmName");
         hierName_ = textOf(root, "hierName");
         files_.clear();
-        if (const std::optional<Node> files = root.find("files")) {
-            for (const Node& item : *files) files_.add(textOf(item, "type"), textOf(item, "name"));
-        }
+        addFiles(root, files_);
+        seen_ = files_;
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-64@%s%s%s",
-                           {file_, index, error.what()});
+        ComMsgMgr::sendMsg(
+            1, "platform", ComMsgMgr::ERROR, "@74-64@%s%s%s",
+            {file_, index, "line " + std::to_string(error.line()) + ": " + error.message()});
         return false;
     }
     return true;
@@ -115,12 +121,30 @@ void HVMAArchive::archive(const std::string& type, const std::string& name,
                                file_);
     }
     HVMAFiles before = files_;
-    files_.add(type, name);
     try {
-        HUTZip::addWithDigest(file_, {{name, source, ""}, {index, "", toJSONString()}});
+        HUTZip::updateWithDigest(file_, [&]() -> HSTVector<HUTZip::Source> {
+            takeOverOthers_(index);
+            files_.add(type, name);
+            return {{name, source, ""}, {index, "", toJSONString()}};
+        });
     } catch (...) {
         files_ = std::move(before);
         throw;
+    }
+    seen_ = files_;
+}
+
+void HVMAArchive::takeOverOthers_(const std::string& index) {
+    std::optional<std::string> text = readIndex(file_, index);
+    if (!text) return;
+    try {
+        HVMAFiles there;
+        addFiles(mav_platform::json::Document(std::move(*text)).root(), there);
+        for (const auto& [type, name] : there.getMap()) {
+            if (!files_.has(type) && seen_.get(type) != name) files_.add(type, name);
+        }
+    } catch (const boost::property_tree::json_parser::json_parser_error&) {
+        return;  // an index that nobody can read is written anew
     }
 }
 

@@ -163,7 +163,7 @@ std::string withListedFile(std::string document, const std::string& type, const 
         }
         return text;
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
-        refuse(error.what());
+        refuse("line " + std::to_string(error.line()) + ": " + error.message());
     }
 }
 

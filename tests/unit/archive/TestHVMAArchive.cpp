@@ -131,6 +131,25 @@ TEST(HVMAArchive, AddsAMemberAndListsIt) {
     EXPECT_TRUE(HUTZip::containsFile(path, "loose"));
 }
 
+TEST(HVMAArchive, KeepsWhatOthersListMeanwhile) {
+    const TempDir dir;
+    const std::string path = packIndex(dir, INDEX);
+    const std::string source = dir.write("s", "s");
+    HVMAArchive first(path);
+    HVMAArchive second(path);
+    ASSERT_TRUE(first.parse() && second.parse());
+    first.archive("PDI", "first.pdi", source);
+    first.archive("BIF", "first.bif", source);
+    second.getFiles().clear();
+    second.archive("BIF", "second.bif", source);
+    HVMAArchive read(path);
+    ASSERT_TRUE(read.parse());
+    EXPECT_EQ(read.getFiles().getMap(),
+              (std::map<std::string, std::string>{{"BIF", "second.bif"}, {"PDI", "first.pdi"}}))
+        << "what the second one took out stays out";
+    EXPECT_EQ(read.getFiles().getMap(), second.getFiles().getMap());
+}
+
 TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
     const TempDir dir;
     const std::string path = packArchive(dir, "a.zip", {{"x", "y"}});
@@ -146,7 +165,7 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
     EXPECT_THROW_MSG(
         archive.archive("PDI", "n", dir.path("none")), HEXUserException,
         "HVMAArchive::archiveFile() - Could not open file for reading: " + dir.path("none"));
-    for (const char* name : {"", "/abs", "a/../../b", "a\\b"}) {
+    for (const char* name : {"", "/abs", "a/../../b", "a\\b", "a/", "a//b", "./a", "."}) {
         EXPECT_THROW_MSG(archive.archive("PDI", name, source), HEXUserException,
                          "HVMAArchive::archiveFile() - Could not open file for streaming: " + path);
     }

@@ -89,14 +89,17 @@ TEST(HUTZip, NamesAndSourcesThatCannotBeAreRefusedBeforeAnythingIsWritten) {
         {"../up", "../up"},
         {"a/../../up", "a/../../up"},
         {"a/..", "a/.."},
+        {"a/", "a/"},
+        {"a//b", "a//b"},
+        {"./a", "./a"},
         {"a\\..\\b", "a\\..\\b"},
         {std::string("a\0b", 3), "a\\0b"},
     };
     for (const auto& [name, shown] : names) {
-        const std::string text = std::string("The member name '") + shown + "' for the archive '" +
-                                 path +
-                                 "' is empty, absolute, climbs out or holds a backslash or null "
-                                 "byte; use a relative path with '/'";
+        const std::string text =
+            std::string("The member name '") + shown + "' for the archive '" + path +
+            "' is empty, absolute, climbs out or holds an empty or '.' part, a "
+            "backslash or null byte; use a relative path with '/'";
         EXPECT_THROW_MSG(HUTZip::add(path, {{name, "", ""}}), HEXUserException, text);
         EXPECT_THROW_MSG(HUTZip::create(path, {{"good", "", ""}, {name, "", ""}}), HEXUserException,
                          text);
