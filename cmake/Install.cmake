@@ -19,29 +19,37 @@ file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/share/mav)
 add_custom_target(mav_share ALL DEPENDS ${MAV_SHARE_COPIES})
 add_dependencies(mav_platform mav_share)
 
+# Three components: the library with its data, what clients are built with, and the command.
 install(TARGETS mav_platform EXPORT MavPlatformTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
 if(TARGET mav)
-  install(TARGETS mav RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS mav RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
 endif()
 install(DIRECTORY host/include/mav_host platform/include/mav_platform
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY ${CMAKE_BINARY_DIR}/share/mav/ DESTINATION ${MAV_DATA_DIR})
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY ${CMAKE_BINARY_DIR}/share/mav/ DESTINATION ${MAV_DATA_DIR} COMPONENT library
+  PATTERN samples EXCLUDE)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/share/mav/samples DESTINATION ${MAV_DATA_DIR}
+  COMPONENT development OPTIONAL)
 install(DIRECTORY platform/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/mav_platform/schema
-  FILES_MATCHING PATTERN "*.xsd" PATTERN "*.schema.json")
-install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  COMPONENT development FILES_MATCHING PATTERN "*.xsd" PATTERN "*.schema.json")
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 
-install(EXPORT MavPlatformTargets NAMESPACE MavPlatform:: DESTINATION ${MAV_PACKAGE_DIR})
+install(EXPORT MavPlatformTargets NAMESPACE MavPlatform:: DESTINATION ${MAV_PACKAGE_DIR}
+  COMPONENT development)
 configure_package_config_file(cmake/MavPlatformConfig.cmake.in
   ${CMAKE_BINARY_DIR}/MavPlatformConfig.cmake INSTALL_DESTINATION ${MAV_PACKAGE_DIR})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/MavPlatformConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/MavPlatformConfig.cmake
-  ${CMAKE_BINARY_DIR}/MavPlatformConfigVersion.cmake DESTINATION ${MAV_PACKAGE_DIR})
+  ${CMAKE_BINARY_DIR}/MavPlatformConfigVersion.cmake DESTINATION ${MAV_PACKAGE_DIR}
+  COMPONENT development)
 
 # The way from the .pc file back to the prefix, so that pkg-config follows a moved tree.
 file(RELATIVE_PATH MAV_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" MAV_PC_TO_PREFIX "${MAV_PC_TO_PREFIX}")
 configure_file(cmake/mav-platform.pc.in ${CMAKE_BINARY_DIR}/mav-platform.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/mav-platform.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+include(cmake/Package.cmake)

@@ -9,20 +9,9 @@ readonly build="$(cd "$1" && pwd)"
 readonly work="$(mktemp -d)"
 readonly prefix="$work/moved"
 trap 'rm -rf "$work"' EXIT
-passed=0 failed=0
-
-check() {
-    local name="$1"
-    shift
-    if "$@" >"$work/log" 2>&1; then
-        echo "ok     install: $name"
-        passed=$((passed + 1))
-    else
-        echo "FAILED install: $name"
-        sed 's/^/    /' "$work/log"
-        failed=$((failed + 1))
-    fi
-}
+readonly title=install
+# shellcheck source=tests/install/common.sh
+source "$here/common.sh"
 
 install_and_move() {
     cmake --install "$build" --prefix "$work/first" && mv "$work/first" "$prefix"
@@ -41,30 +30,6 @@ files_in_place() {
 
 no_trace_of_the_build() { ! grep -rl -e "$build" -e "$work/first" "$prefix"; }
 
-# The installed command finds its library and gives the bytes that the built one gives.
-command_works() {
-    "$prefix/bin/mav" --version && "$prefix/bin/mav" json "$sample" >"$work/installed.json" &&
-        "$build/bin/mav" json "$sample" >"$work/built.json" &&
-        cmp "$work/installed.json" "$work/built.json"
-}
-
-client_by_cmake() {
-    local language="$1" dir="$work/cmake-$1"
-    cmake -S "$here" -B "$dir" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-        -DMAV_CLIENT_LANGUAGE="$language" && cmake --build "$dir" && "$dir/client" "$sample"
-}
-
-flags() { PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config "$@" mav-platform; }
-
-# The flags are words to be split.
-# shellcheck disable=SC2046
-client_by_pkg_config() {
-    local source="$1" binary="$work/pc-client"
-    shift
-    "$@" -Wall -Wextra -Wpedantic -Werror "$here/$source" -o "$binary" \
-        $(flags --cflags --libs) -Wl,-rpath,"$(flags --variable=libdir)" && "$binary" "$sample"
-}
-
 sample="$(find "$build/share/mav/samples" -name '*.pka' 2>/dev/null | sort | tail -n 1)"
 readonly sample
 check "into an empty prefix, which then moves" install_and_move
@@ -76,5 +41,4 @@ check "C client with find_package" client_by_cmake C
 check "C++ client with find_package" client_by_cmake CXX
 check "C client with pkg-config" client_by_pkg_config client.c gcc -std=c11
 check "C++ client with pkg-config" client_by_pkg_config client.cpp g++ -std=c++20
-echo "$passed passed, $failed failed"
-((failed == 0))
+summary

@@ -1,0 +1,50 @@
+# SPDX-License-Identifier: Apache-2.0
+# `cpack` makes three Debian packages from the components of Install.cmake: the library with its data,
+# what clients are built with, and the command.
+set(MAV_LIBRARY_PACKAGE libmav-platform${PROJECT_VERSION_MAJOR})
+set(MAV_DEVELOPMENT_PACKAGE libmav-platform-dev)
+set(MAV_COMMAND_PACKAGE mav)
+
+# Debian wants the licence in a folder named like the package; a plain install has it once.
+foreach(component library development command)
+  string(TOUPPER ${component} upper)
+  install(FILES LICENSE RENAME copyright COMPONENT ${component} EXCLUDE_FROM_ALL
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${MAV_${upper}_PACKAGE})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${MAV_${upper}_PACKAGE})
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME mav-platform)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "The platform library's maintainers <maintainers@localhost>")
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development command)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+# Only the library is measured for what it links; the command links it and what it links itself.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_SOURCE_DIR}/cmake/debian/postinst ${CMAKE_SOURCE_DIR}/cmake/debian/postrm)
+# Nobody of the building machine owns what is installed.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(exactly "${MAV_LIBRARY_PACKAGE} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${exactly}, libboost-dev (>= 1.74)")
+set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${exactly}")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION devel)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "platform library of the accelerated-application toolchain
+ Reads, describes and makes the archives and descriptions of platforms.
+ This package holds the shared library and the data that it ships.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "platform library, files for building clients
+ Headers, CMake and pkg-config files, schemas of the file formats and
+ sample platforms.")
+set(CPACK_COMPONENT_COMMAND_DESCRIPTION "shows, checks and makes accelerator platforms
+ The mav command with its manual pages and shell completion.")
+include(CPack)
