@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "Archive.h"
 #include "Command.h"
 #include "Load.h"
 #include "Output.h"
@@ -33,7 +34,7 @@ void cli::runJson(const JsonOptions& options) {
         writer.addKey("file", platform->getPlatformFile());
         writer.addKey("description", platform->getDescription());
     } else {
-        writer.writeObject(platform.get());
+        guarded("describe", options.file, [&] { writer.writeObject(platform.get()); });
     }
     writeAnswer(writer.textView());
 }

@@ -113,6 +113,10 @@ TEST_F(DpePartitions, AFailedReadIsNotRepeatedAndLeavesNothingBehind) {
     pack("no JSON");
     EXPECT_THROW(platform.getDpePartitions(), HEXAlgException);
     EXPECT_FALSE(platform.hasDpePartitions());
+    EXPECT_EQ(messages.text(),
+              "@74-64@%s%s%s|" + dir.path("p.pka") +
+                  "|dpe/array.zip|its member 'dpearchive/arch/dpe_partition.json' is no JSON "
+                  "document\n");
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(HUTEnv::getHDITmpDir())) {
         EXPECT_EQ(entry.path().filename().string().find("dpe_partitions"), std::string::npos);
@@ -138,6 +142,12 @@ TEST_F(DpePartitions, ADamagedOrMissingProjectHasNone) {
     damaged.setPlatformFile(packArchive(dir, "q.pka", {{"dpe/array.zip", "no zip"}}));
     damaged.addFile("DPEPRJ", "dpe/array.zip");
     EXPECT_FALSE(damaged.hasDpePartitions());
+    EXPECT_EQ(messages.text(), "@74-64@%s%s%s|" + dir.path("p.pka") +
+                                   "|dpe/array.zip|it is listed as DPEPRJ and absent from the "
+                                   "archive\n@74-64@%s%s%s|" +
+                                   dir.path("q.pka") +
+                                   "|dpe/array.zip|it is listed as DPEPRJ and is no zip archive, "
+                                   "or one that is cut off\n");
 }
 
 }  // namespace

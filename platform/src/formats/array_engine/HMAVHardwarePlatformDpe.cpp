@@ -3,8 +3,11 @@
 #include <atomic>
 
 #include "formats/array_engine/HMAVDpePartitionsJsonReader.h"
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
 #include "mav_platform/PlatformDpeprjFileExtractor.h"
 
@@ -30,6 +33,35 @@ class ScratchFile {
     std::string path_;
 };
 
+constexpr const char* PARTITIONS = "dpearchive/arch/dpe_partition.json";
+
+void reportProject(const HMAVHardwarePlatform& platform, const std::string& project,
+                   const std::string& fault) {
+    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-64@%s%s%s",
+                       {platform.getPlatformFile(), project, fault});
+}
+
+bool opens(const std::string& archive) {
+    try {
+        const mav_host::ZipArchive opened(archive);
+        return true;
+    } catch (const HEXError&) {
+        return false;
+    }
+}
+
+/// Tells why a project that is listed gave no partitions; one without the file is in order.
+void reportUnreadProject(const HMAVHardwarePlatform& platform) {
+    const PlatformDpeprjFileExtractor::PlatformDPEPRJFile project(platform);
+    if (!HUTFile::isFile(project.getPath())) {
+        reportProject(platform, project.getName(),
+                      "it is listed as DPEPRJ and absent from the archive");
+    } else if (!opens(project.getPath())) {
+        reportProject(platform, project.getName(),
+                      "it is listed as DPEPRJ and is no zip archive, or one that is cut off");
+    }
+}
+
 }  // namespace
 
 void HMAVHardwarePlatform::initDpePartitions() const {
@@ -38,8 +70,17 @@ void HMAVHardwarePlatform::initDpePartitions() const {
     if (!hasFile(HMAVPfmFileTypes::DPEPRJ)) return;
     const ScratchFile scratch;
     const PlatformDpeprjFileExtractor project(*this);
-    if (project.extractFile("dpearchive/arch/dpe_partition.json", scratch.path())) {
+    try {
+        if (!project.extractFile(PARTITIONS, scratch.path())) return reportUnreadProject(*this);
         parseDPEPartitions(scratch.path());
+    } catch (const HEXDataException&) {
+        reportProject(*this, getFile(HMAVPfmFileTypes::DPEPRJ),
+                      std::string("its member '") + PARTITIONS + "' is damaged");
+        throw;
+    } catch (const HEXAlgException&) {
+        reportProject(*this, getFile(HMAVPfmFileTypes::DPEPRJ),
+                      std::string("its member '") + PARTITIONS + "' is no JSON document");
+        throw;
     }
 }
 
