@@ -134,4 +134,36 @@ struct ProtectOptions {
 void runProtect(const ProtectOptions& options);
 void runUnprotect(const ProtectOptions& options);
 
+struct KeysOptions {
+    std::string file;
+    bool json = false;
+};
+/// Lists the paths of the platform's description and how often each occurs. Throws UsageError,
+/// Failure.
+void runKeys(const KeysOptions& options);
+
+struct DictOptions {
+    std::string file;
+    std::string path;
+    std::vector<std::string> names;  ///< empty: all
+    bool json = false;
+};
+/// Prints what is below the path as names and values; false when nothing is. Throws UsageError,
+/// Failure.
+bool runDict(const DictOptions& options);
+
+struct TransformOptions {
+    std::string file;
+    std::string spec;  ///< JSON text, else the name of a file with it
+};
+/// Prints what the specification makes of the platform's description. Throws UsageError, Failure.
+void runTransform(const TransformOptions& options);
+
+struct DocOptions {
+    std::string key = "list_keys";
+    bool json = false;
+};
+/// Explains keys of the description; false for one that does not exist. Throws Failure.
+bool runDoc(const DocOptions& options);
+
 }  // namespace cli

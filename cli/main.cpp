@@ -47,6 +47,11 @@ constexpr const char* PATH_NOTES =
     "element. A path that begins with hardwarePlatform finds the hardware platform wherever the\n"
     "description holds it.\n";
 
+constexpr const char* TRANSFORM_NOTES =
+    "SPEC is a JSON object. Each member makes one of the same name: its value is a path, or\n"
+    "{\"each\": PATH, \"select\": {...}}, which makes an object for every element at PATH, with\n"
+    "paths that begin at the element.\n";
+
 constexpr const char* SHOW_NOTES =
     "Sections: identity, device, targets, clocks, memories, banks, interfaces, partitions, array,\n"
     "software, emulation, files. Without --section all are shown and long lists are cut; the\n"
@@ -77,6 +82,10 @@ struct Options {
     cli::GetOptions get;
     cli::ShowOptions show;
     cli::DiffOptions diff;
+    cli::KeysOptions keys;
+    cli::DictOptions dict;
+    cli::TransformOptions transform;
+    cli::DocOptions doc;
     cli::InfoOptions info;
     cli::CheckOptions check;
     cli::ProtectOptions protect;
@@ -163,6 +172,26 @@ void describeQueries(CLI::App& app, Options& options) {
     get->add_option("PATH", options.get.path, "Path into the description")->required();
     get->add_flag("--json", options.get.json, "Print single values as JSON too");
     get->footer(PATH_NOTES);
+    CLI::App* keys = app.add_subcommand("keys", "List the paths of the description");
+    keys->add_option("FILE", options.keys.file, "Platform file")->required();
+    keys->add_flag("--json", options.keys.json, "Print JSON");
+    CLI::App* dict =
+        app.add_subcommand("dict", "Print a part of the description as names and values");
+    dict->add_option("FILE", options.dict.file, "Platform file")->required();
+    dict->add_option("PATH", options.dict.path, "Path into the description")->required();
+    dict->add_option("--name", options.dict.names, "Only this name; may be repeated")
+        ->allow_extra_args(false);
+    dict->add_flag("--json", options.dict.json, "Print JSON");
+    dict->footer(PATH_NOTES);
+    CLI::App* transform = app.add_subcommand("transform", "Make another document from a platform");
+    transform->add_option("FILE", options.transform.file, "Platform file")->required();
+    transform->add_option("SPEC", options.transform.spec, "Specification, or a file with it")
+        ->required();
+    transform->footer(TRANSFORM_NOTES);
+    CLI::App* doc = app.add_subcommand("doc", "Explain the keys of the description");
+    doc->add_option("KEY", options.doc.key,
+                    "Class, CLASS.MEMBER or path; without it every key is listed");
+    doc->add_flag("--json", options.doc.json, "Print JSON");
 }
 
 void describeViews(CLI::App& app, Options& options) {
@@ -222,6 +251,8 @@ bool answer(const CLI::App& app, const Options& options) {
     const std::string command = app.get_subcommands().front()->get_name();
     if (command == "verify") return cli::runVerify(options.verify);
     if (command == "diff") return cli::runDiff(options.diff);
+    if (command == "dict") return cli::runDict(options.dict);
+    if (command == "doc") return cli::runDoc(options.doc);
     if (command == "get") return cli::runGet(options.get);
     if (command == "check") return cli::runCheck(options.check);
     if (command == "json") cli::runJson(options.json);
@@ -230,6 +261,8 @@ bool answer(const CLI::App& app, const Options& options) {
     if (command == "extract") cli::runExtract(options.extract);
     if (command == "add") cli::runAdd(options.add);
     if (command == "show") cli::runShow(options.show);
+    if (command == "keys") cli::runKeys(options.keys);
+    if (command == "transform") cli::runTransform(options.transform);
     if (command == "info") cli::runInfo(options.info);
     if (command == "protect") cli::runProtect(options.protect);
     if (command == "unprotect") cli::runUnprotect(options.unprotect);

@@ -98,3 +98,37 @@ class Policy(CommandTest):
             self.assertIn(says, errors)
         self.env["MAV_KEY_FILE"] = ""
         self.assertIn("key", self.mav("protect", clear, "x", code=3, env=self.env)[1])
+
+
+class Queries(CommandTest):
+    def test_keys(self):
+        listed = json.loads(self.mav("keys", BOARD, "--json")[0])["keys"]
+        lines = [line.split() for line in self.mav("keys", BOARD)[0].splitlines()]
+        self.assertEqual(lines, [[key["count"], key["path"]] for key in listed])
+        partitions = "hardwarePlatforms.reconfigurablePartitions"
+        self.assertIn(["2", partitions + "[]"], lines)
+        self.assertIn(["2", partitions + "[].id"], lines)
+
+    def test_dict(self):
+        clocks = "hardwarePlatform.systemClocks[*]"
+        text, _ = self.mav("dict", CARD, clocks, "--name", "name", "--name", "id")
+        names = [line.split(" = ") for line in text.splitlines()]
+        self.assertEqual([name for name, _ in names[:3]], ["[0].name", "[0].id", "[1].name"])
+        as_json = json.loads(self.mav("dict", CARD, clocks, "--name", "name", "--name", "id",
+                                      "--json")[0])
+        self.assertEqual(as_json, dict(names))
+        self.assertEqual(self.mav("dict", CARD, "type")[0], "Pellux\n")
+        self.refused("dict", CARD, "nowhere", code=1, says=["nothing is at 'nowhere'"])
+        self.refused("dict", CARD, clocks, "--name", "x", code=1, says=["none of the names"])
+
+    def test_transform(self):
+        spec = ('{"card": "hardwarePlatform.name", "clocks": {"each": '
+                '"hardwarePlatform.systemClocks", "select": {"of": "name"}}}')
+        made = json.loads(self.mav("transform", CARD, spec)[0])
+        self.assertEqual(made["card"], "gen3x16_hbm")
+        self.assertEqual(len(made["clocks"]), 4)
+        (self.dir / "spec.json").write_text(spec)
+        self.assertEqual(json.loads(self.mav("transform", CARD, self.dir / "spec.json")[0]), made)
+        self.refused("transform", CARD, '{"a": {"each": "b"}}', code=2,
+                     says=["at 'a': 'select' is missing"])
+        self.refused("transform", CARD, self.dir / "none.json", code=3, says=["none.json"])

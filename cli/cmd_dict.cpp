@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Command.h"
+#include "Load.h"
+#include "Output.h"
+#include "mav_platform/HMAVNativeDictService.h"
+
+namespace {
+
+using mav::platform::NativeDictService;
+
+std::string lines(const NativeDictService::Dict& dict) {
+    std::string text;
+    for (const auto& [name, value] : dict)
+        text += cli::printable(name) + (name.empty() ? "" : " = ") + cli::printable(value) + "\n";
+    return text;
+}
+
+}  // namespace
+
+bool cli::runDict(const DictOptions& options) {
+    const NativeDictService service;
+    const auto loader = loadFile("dict", options.file);
+    bool found = false;
+    NativeDictService::Dict dict;
+    if (options.names.empty()) {
+        dict = service.getAsDict(loader.get(), options.path, found);
+    } else {
+        dict = service.getFilteredDict(loader.get(), options.path,
+                                       {options.names.begin(), options.names.end()});
+        found = !dict.empty();
+    }
+    if (!found) {
+        complain((options.names.empty() ? "nothing is at '" : "none of the names is below '") +
+                 printable(options.path) + "' in '" + printable(options.file) +
+                 "'. 'mav keys' lists the paths of a platform.");
+        return false;
+    }
+    writeAnswer(options.json ? NativeDictService::getAsJsonStr(dict) : lines(dict));
+    return true;
+}
