@@ -132,3 +132,24 @@ class Queries(CommandTest):
         self.refused("transform", CARD, '{"a": {"each": "b"}}', code=2,
                      says=["at 'a': 'select' is missing"])
         self.refused("transform", CARD, self.dir / "none.json", code=3, says=["none.json"])
+
+
+class Doc(CommandTest):
+    def test_keys_by_class_and_path(self):
+        text, _ = self.mav("doc", "hardwarePlatform.systemClocks[0].frequency")
+        self.assertIn("meaning: Frequency of the clock\n", text)
+        self.assertIn("unit: MHz\n", text)
+        self.assertEqual(self.mav("doc", "HMAVSystemClock.frequency")[0], text)
+        self.assertIn("HMAVSystemClock.name  Name of the clock\n",
+                      self.mav("doc", "HMAVSystemClock")[0])
+        everything = json.loads(self.mav("doc", "all", "--json")[0])
+        listed = self.mav("doc")[0].splitlines()
+        self.assertEqual([line.split("  ")[0] for line in listed],
+                         [f"{name}.{key}" for name, keys in everything.items() for key in keys])
+        _, errors = self.mav("doc", "nothing", code=1)
+        self.assertIn("Could not find the specified key: <nothing>.", errors)
+
+    def test_without_the_file(self):
+        env = {**os.environ, "MAV_APP_ROOT": str(self.dir)}
+        _, errors = self.mav("doc", code=3, env=env)
+        self.assertIn("Check the install area.", errors)

@@ -1,0 +1,99 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The documentation of keys that ships, held against what the library writes and may write: no key
+of a document is without explanation, and no explanation is about a key that nothing writes."""
+import json
+import re
+import unittest
+
+from support import SCHEMAS, SOURCE, golden_documents
+from test_coverage import UNFILLED
+
+FILE = SOURCE / "platform/share/platforms/platform_keys_doc.json"
+TOP = "HMAVPlatform"
+FACTS = ["meaning", "type", "unit", "values", "object", "example"]
+# Classes of objects that the schema describes inside another one.
+INLINE = {"hardwarePlatforms": "HardwarePlatforms", "flash": "Flash",
+          "dpengineIDs": "DpengineIDs", "featureBitMap": "FeatureBitMap"}
+TYPES = {
+    "text": r".+",
+    "boolean": r"true|false",
+    "boolean, written only when true": r"true",
+    "list of texts": r".*",
+    "unsigned number of 32 bits": r"[0-9]{1,10}",
+    "unsigned number of 64 bits": r"[0-9]{1,20}",
+    "integer": r"-?[0-9]{1,10}",
+    "hexadecimal number": r"0x(0|[1-9a-f][0-9a-f]*)",
+    "UUID": r"[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}",
+}
+
+
+def documented(classes):
+    return {f"{name}/{key}" for name, members in classes.items() for key in members}
+
+
+def written(classes, members, value):
+    """CLASS/KEY of everything in the document; "?" stands for a class that is not documented."""
+    if isinstance(value, list):
+        for item in value:
+            yield from written(classes, members, item)
+    elif isinstance(value, dict):
+        for key, inner in value.items():
+            yield f"{members}/{key}"
+            entry = classes.get(members, {}).get(key, {})
+            if entry.get("type") != "object of any form":
+                yield from written(classes, entry.get("object", "?"), inner)
+
+
+def admitted(schema):
+    """CLASS/KEY of everything that the schema admits."""
+    def members(name, node):
+        for key, inner in node.get("properties", {}).items():
+            yield f"{name}/{key}"
+            if key in INLINE:
+                yield from members(INLINE[key], inner)
+        pattern = node.get("propertyNames", {}).get("pattern")
+        for bit in (f"bit{number:02}" for number in range(100)):
+            if pattern and re.search(pattern, bit):
+                yield f"{name}/{bit}"
+    yield from members(TOP, schema)
+    for name, node in schema["$defs"].items():
+        yield from members(name, node.get("items", node))
+
+
+class KeyDocumentation(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.classes = json.loads(FILE.read_text())["documentation_keys"]
+        self.keys = documented(self.classes)
+
+    def test_every_key_of_every_sample_is_documented_and_every_documented_key_is_written(self):
+        found = set()
+        for document in golden_documents():
+            found.update(written(self.classes, TOP, json.loads(document.text)))
+        self.assertGreater(len(found), 200)
+        self.assertEqual(sorted(found - self.keys), [], "keys without documentation")
+        self.assertEqual(sorted(self.keys - found - set(UNFILLED)), [], "keys that nothing writes")
+
+    def test_schema_and_documentation_name_the_same_keys(self):
+        schema = json.loads((SCHEMAS / "document.schema.json").read_text())
+        self.assertEqual(sorted(self.keys ^ set(admitted(schema))), [])
+
+    def test_each_key_is_explained_in_full(self):
+        for name, members in self.classes.items():
+            for key, entry in members.items():
+                with self.subTest(key=f"{name}.{key}"):
+                    self.assertEqual(list(entry), [fact for fact in FACTS if fact in entry])
+                    self.assertGreater(len(entry["meaning"]), 7)
+                    self.assertNotEqual(entry["meaning"][-1], ".")
+                    if "object" in entry:
+                        self.assertIn(entry["object"], self.classes)
+                        self.assertIn(entry["type"], ("object", "list of objects"))
+                    elif entry["type"] != "object of any form":
+                        self.assertRegex(entry["example"], f"^({TYPES[entry['type']]})$")
+                        if "values" in entry:
+                            self.assertIn(entry["example"], entry["values"].split(", "))
+
+
+if __name__ == "__main__":
+    unittest.main()

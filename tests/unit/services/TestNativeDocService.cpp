@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/ptree.hpp>
+
+#include "mav_platform/HMAVNativeDocService.h"
+#include "mav_platform/HMAVNativeObjectService.h"
+#include "support/Doubles.h"
+#include "support/Json.h"
+
+namespace {
+
+using boost::property_tree::ptree;
+using mav::platform::NativeDocService;
+
+const NativeDocService SERVICE;
+
+/// The documentation that ships, without the application root of another test.
+ptree shipped() {
+    const EnvVar root("MAV_APP_ROOT", std::string(MAV_BINARY_DIR) + "/share/mav");
+    ptree doc;
+    EXPECT_TRUE(SERVICE.getFromFile(doc));
+    return doc;
+}
+
+TEST(NativeDocService, BranchesByClassMemberAndPath) {
+    const CapturedConsole console;
+    ptree doc = shipped();
+    const ptree clock = SERVICE.getDocKeyBranch(doc, "HMAVSystemClock.frequency");
+    EXPECT_EQ(clock.get<std::string>("unit"), "MHz");
+    EXPECT_EQ(keysOf(clock), "meaning type unit example ");
+    EXPECT_EQ(keysOf(SERVICE.getDocKeyBranch(doc, "Flash")), "interfaceType offsetAddress size ");
+    for (const char* path :
+         {"hardwarePlatforms.hardwarePlatform.systemClocks[0].frequency",
+          "hardwarePlatform.systemClocks[].frequency", "hardwarePlatform.systemClocks.frequency",
+          "hardwarePlatforms.reconfigurablePartitions[1].hwEmuPlatform.systemClocks[*]."
+          "frequency"}) {
+        EXPECT_EQ(SERVICE.getDocKeyBranch(doc, path), clock) << path;
+        EXPECT_TRUE(SERVICE.isValidDocKey(doc, path));
+    }
+    EXPECT_TRUE(SERVICE.isValidDocKey(doc, "all"));
+    EXPECT_TRUE(SERVICE.isValidDocKey(doc, "list_keys"));
+    EXPECT_EQ(console.text(), "");
+    std::string expected;
+    for (const char* key : {"", "nothing", "HMAVSystemClock.Frequency", "vendor.more",
+                            "hardwarePlatform.name.more", "HMAVPlatform.vendor.meaning"}) {
+        EXPECT_TRUE(SERVICE.getDocKeyBranch(doc, key).empty()) << key;
+        EXPECT_FALSE(SERVICE.isValidDocKey(doc, key));
+        expected.append("Could not find the specified key: <").append(key).append(">.\n");
+    }
+    EXPECT_EQ(console.text(), expected);
+}
+
+TEST(NativeDocService, AnyNodeAndItsText) {
+    const ptree doc = shipped();
+    bool found = false;
+    const ptree node = SERVICE.getBranch(doc, "documentation_keys.PBlock", found);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(mav::platform::NativeObjectService().readJson(SERVICE.getAsJsonStr(node)), node);
+    EXPECT_TRUE(SERVICE.getBranch(doc, "PBlock", found).empty());
+    EXPECT_FALSE(found);
+    EXPECT_EQ(SERVICE.getAsJsonStr(ptree()), "{\n}\n");
+}
+
+TEST(NativeDocService, FilesThatAreMissingOrDamaged) {
+    const TempDir dir;
+    const EnvVar root("MAV_APP_ROOT", dir.path());
+    const CapturedConsole console;
+    const std::string file = dir.path("platforms/platform_keys_doc.json");
+    ptree doc;
+    EXPECT_FALSE(SERVICE.getFromFile(doc));
+    EXPECT_FALSE(SERVICE.isValidDocKey(doc, "PBlock"));
+    dir.write("platforms/platform_keys_doc.json", "{");
+    EXPECT_FALSE(SERVICE.getFromFile(doc));
+    EXPECT_TRUE(doc.empty());
+    const std::string missing = "Could not find the <" + file +
+                                " >. Check the install area.  Can not continue with this task.\n";
+    EXPECT_EQ(console.text(), missing + missing + "Exception: Failed to read platform: " + file +
+                                  "(1): expected key string\n");
+    dir.write("platforms/platform_keys_doc.json", R"({"documentation_keys": {"A": {"b": {}}}})");
+    EXPECT_TRUE(SERVICE.isValidDocKey(doc, "A.b")) << "read when it is asked for";
+}
+
+}  // namespace
