@@ -12,7 +12,8 @@ namespace mav::platform {
 /// "[i]" for the elements of lists, and the value's text. A node that is a value itself has the
 /// empty name.
 ///
-/// The forms for platforms throw as NativeObjectService does and rewrite paths as it does.
+/// The forms for platforms throw as NativeObjectService does and rewrite paths as it does. All
+/// throw HEXAlgException "Failed to read platform: the paths of its description exceed 1 GiB".
 class MAV_API NativeDictService : public DictService {
   public:
     ~NativeDictService() override;

@@ -12,7 +12,8 @@ namespace mav::platform {
 /// entry for each distinct path below the root in the order of first appearance. "[]" stands for
 /// the elements of a list, `count` tells how often the path occurs.
 ///
-/// The forms for platforms throw as NativeObjectService does.
+/// The forms for platforms throw as NativeObjectService does, all HEXAlgException "Failed to read
+/// platform: the paths of its description exceed 1 GiB".
 class MAV_API NativeKeyService : public KeyService {
   public:
     ~NativeKeyService() override;

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <boost/property_tree/ptree.hpp>
+#include <cstddef>
 #include <string_view>
 
 #include "json/Document.h"
+#include "mav_host/HEXError.h"
 
 namespace mav::platform {
 
@@ -18,5 +20,21 @@ template <class Visit>
 void forEachChild(const mav_platform::json::Node& node, Visit visit) {
     for (const mav_platform::json::Node& child : node) visit(child.key(), child);
 }
+
+/// Bounds the names that one answer may hold: long keys above many values would otherwise multiply.
+class NameBudget {
+  public:
+    /// Throws HEXAlgException when the names altogether exceed 1 GiB.
+    void take(std::size_t size) {
+        if (size > left_) {
+            throw HEXAlgException(
+                "Failed to read platform: the paths of its description exceed 1 GiB");
+        }
+        left_ -= size;
+    }
+
+  private:
+    std::size_t left_ = std::size_t{1} << 30;
+};
 
 }  // namespace mav::platform

@@ -32,8 +32,9 @@ std::string valueOf(const paths::Node& node) {
 
 /// Appends the values below the node; `name` is the path so far and comes back as it was.
 template <class Tree>
-void flatten(const Tree& node, std::string& name, Dict& out) {
+void flatten(const Tree& node, std::string& name, NameBudget& budget, Dict& out) {
     if (isValue(node)) {
+        budget.take(name.size());
         out.emplace_back(name, valueOf(node));
         return;
     }
@@ -46,7 +47,7 @@ void flatten(const Tree& node, std::string& name, Dict& out) {
             if (size != 0) name += '.';
             name += key;
         }
-        flatten(child, name, out);
+        flatten(child, name, budget, out);
         name.resize(size);
     });
 }
@@ -55,7 +56,8 @@ template <class Place>
 Dict dictOf(const Place& place) {
     Dict dict;
     std::string name;
-    if (place) flatten(*place, name, dict);
+    NameBudget budget;
+    if (place) flatten(*place, name, budget, dict);
     return dict;
 }
 

@@ -33,6 +33,7 @@ class Counter {
             }
             const auto [place, isNew] = places_.try_emplace(path_, counts_.size());
             if (isNew) {
+                budget_.take(path_.size());
                 counts_.push_back(0);
                 order_.push_back(&place->first);
             }
@@ -54,6 +55,7 @@ class Counter {
     }
 
   private:
+    NameBudget budget_;
     std::string path_;
     std::unordered_map<std::string, std::size_t> places_;
     std::vector<std::size_t> counts_;

@@ -8,6 +8,7 @@
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVNativeTransformService.h"
 #include "mav_platform/PlatformLoader.h"
+#include "services/Children.h"
 #include "support/Archives.h"
 
 namespace {
@@ -97,6 +98,15 @@ TEST_F(QueryServices, FilteredDictionaries) {
               "[0].value=1\n[1].value=2\n");
     EXPECT_EQ(filtered(clocks + "[*]", {"none"}), "");
     EXPECT_EQ(filtered("nowhere[*]", keys), "");
+}
+
+TEST_F(QueryServices, NamesAreBounded) {
+    constexpr std::size_t LIMIT = std::size_t{1} << 30;
+    mav::platform::NameBudget budget;
+    budget.take(LIMIT - 5);
+    budget.take(5);
+    EXPECT_THROW_MSG(budget.take(1), HEXAlgException,
+                     "Failed to read platform: the paths of its description exceed 1 GiB");
 }
 
 TEST_F(QueryServices, DictionariesAsJson) {
