@@ -126,6 +126,22 @@ struct CheckOptions {
 /// UsageError, and Failure behind the last platform when one does not load.
 bool runCheck(const CheckOptions& options);
 
+struct ListOptions {
+    std::vector<std::string> dirs;  ///< empty: the default search directories
+    std::string part, board, vendor, type;
+    bool latest = false;
+    bool all = false;  ///< also those that were left out, and why
+    bool json = false;
+};
+/// Lists the platforms of the directories. Throws Failure.
+void runList(const ListOptions& options);
+
+struct DirsOptions {
+    bool json = false;
+};
+/// Lists the default search directories and tells which exist. Throws Failure.
+void runDirs(const DirsOptions& options);
+
 struct ProtectOptions {
     std::string source;
     std::string target;  ///< of unprotecting: empty for standard output

@@ -71,6 +71,13 @@ constexpr const char* PROTECT_NOTES =
     "The variable MAV_KEY_FILE names the file with the key. A file that exists at the target is\n"
     "replaced only when the new one is complete.\n";
 
+constexpr const char* LIST_NOTES =
+    "Descriptions (.qpfm) are found in each DIR and three levels below, bare archives (.pka, "
+    ".dsa)\n"
+    "at any depth. Without a DIR the default directories are searched; 'mav dirs' shows them.\n"
+    "Vendor and board are compared exactly, part and type in any letter case; of those that fit,\n"
+    "--latest keeps the greatest version of each vendor, board and name.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -88,6 +95,8 @@ struct Options {
     cli::DocOptions doc;
     cli::InfoOptions info;
     cli::CheckOptions check;
+    cli::ListOptions list;
+    cli::DirsOptions dirs;
     cli::ProtectOptions protect;
     cli::ProtectOptions unprotect;
 };
@@ -210,6 +219,22 @@ void describeViews(CLI::App& app, Options& options) {
     diff->footer(DIFF_NOTES);
 }
 
+void describeSearch(CLI::App& app, Options& options) {
+    CLI::App* list = app.add_subcommand("list", "List the platforms of search directories");
+    list->add_option("DIR", options.list.dirs, "Directories to search");
+    list->add_option("--part", options.list.part, "Only platforms of this part");
+    list->add_option("--board", options.list.board, "Only platforms of this board");
+    list->add_option("--vendor", options.list.vendor, "Only platforms of this vendor");
+    list->add_option("--type", options.list.type,
+                     "Only platforms of this type: pellux, quorin, acceleration or undefined");
+    list->add_flag("--latest", options.list.latest, "Only the latest versions");
+    list->add_flag("--all", options.list.all, "Also what was left out, and why");
+    list->add_flag("--json", options.list.json, "Print JSON");
+    list->footer(LIST_NOTES);
+    CLI::App* dirs = app.add_subcommand("dirs", "Show where platforms are looked for");
+    dirs->add_flag("--json", options.dirs.json, "Print JSON");
+}
+
 void describePolicy(CLI::App& app, Options& options) {
     CLI::App* info = app.add_subcommand("info", "Sum a platform up");
     info->add_option("FILE", options.info.file, "Platform file")->required();
@@ -239,6 +264,7 @@ void describe(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(EXIT_CODES);
+    describeSearch(app, options);
     describeViews(app, options);
     describePacking(app, options.json, options.pack);
     describeArchives(app, options);
@@ -264,6 +290,8 @@ bool answer(const CLI::App& app, const Options& options) {
     if (command == "keys") cli::runKeys(options.keys);
     if (command == "transform") cli::runTransform(options.transform);
     if (command == "info") cli::runInfo(options.info);
+    if (command == "list") cli::runList(options.list);
+    if (command == "dirs") cli::runDirs(options.dirs);
     if (command == "protect") cli::runProtect(options.protect);
     if (command == "unprotect") cli::runUnprotect(options.unprotect);
     return true;

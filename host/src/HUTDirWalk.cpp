@@ -20,6 +20,8 @@ namespace {
 /// Bounds trees in which links make the paths multiply with every level.
 constexpr unsigned MOST_VISITS = 16;
 
+HUTDirWalkProgress* theProgress = nullptr;
+
 using Identity = std::pair<dev_t, ino_t>;
 
 struct Item {
@@ -56,6 +58,7 @@ class Walk {
             }
             const Item& item = level.items[level.next++];
             const HUTDirWalk::Entry entry{level.prefix + item.name, levels_.size() - 1, item.isDir};
+            if (theProgress != nullptr) theProgress->visit(entry.path);
             if (!visit_(entry)) return false;
             if (entry.isDir && entry.depth < options_.maxDepth) enter(entry.path);
         }
@@ -130,4 +133,10 @@ class Walk {
 
 bool HUTDirWalk::walk(const std::string& dir, const Options& options, const Visitor& visit) {
     return Walk(options, visit).run(dir);
+}
+
+HUTDirWalkProgress::~HUTDirWalkProgress() = default;
+
+HUTDirWalkProgress* HUTDirWalk::setProgress(HUTDirWalkProgress* progress) {
+    return std::exchange(theProgress, progress);
 }

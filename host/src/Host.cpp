@@ -11,6 +11,7 @@
 #include "mav_host/HBOBoardCDataManager.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HHSMHwManager.h"
+#include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
@@ -78,6 +79,7 @@ void resetHost() {
     HBOBoardCDataManager::setFactory(nullptr);
     HHSMHwManager::set(nullptr);
     HUTZip::setProgress(nullptr);
+    HUTDirWalk::setProgress(nullptr);
 }
 
 }  // namespace mav_host

@@ -8,6 +8,14 @@
 
 #include "mav_host/Export.h"
 
+/// Is told of every entry that a walk comes to, so that a tool can show that a search goes on.
+class MAV_API HUTDirWalkProgress {
+  public:
+    virtual ~HUTDirWalkProgress();
+    /// Called before the walk's own visitor. What it throws ends the walk and passes through.
+    virtual void visit(const std::string& path) = 0;
+};
+
 /// Walks a directory with all that is below it, in an order that does not depend on the file
 /// system: the names of each directory by bytes, what is in a directory right behind it.
 class MAV_API HUTDirWalk {
@@ -33,4 +41,8 @@ class MAV_API HUTDirWalk {
     /// 'PATH' cannot be read: REASON" for the walked directory and any below it; what a visitor
     /// throws passes through.
     static bool walk(const std::string& dir, const Options& options, const Visitor& visit);
+
+    /// Installs who is told of every entry; null tells nobody. It stays owned by the caller and
+    /// must outlive its installation. Answers the one in force before.
+    static HUTDirWalkProgress* setProgress(HUTDirWalkProgress* progress);
 };

@@ -83,9 +83,18 @@ class MAV_API HMAVPlatformMgr {
     std::size_t getNumPlatforms() const;
     std::size_t getNumOrphanedHandoffs() const { return handoffs_.size(); }
 
+    /// A description that was left out, with the texts that tell why, a line each.
+    struct Refusal {
+        std::string file;
+        std::string reason;
+    };
+
     /// Appends the texts of all failures so far, in order.
     void getParsingErrorMsgs(HSTVector<std::string>& out) const;
-    void clearParsingErrorMsgs() { parsingErrorMsgs_.clear(); }
+    /// The descriptions that these failures left out, in order; valid until the next search.
+    const HSTVector<Refusal>& getRefusals() const { return refusals_; }
+    /// Empties both.
+    void clearParsingErrorMsgs();
 
     void setProjectType(MAVProjectType type);
     MAVProjectType getProjectTypeAsEnumVal() const { return projectType_; }
@@ -107,6 +116,7 @@ class MAV_API HMAVPlatformMgr {
     std::unique_ptr<HMAVPlatform> loadDescription_(const std::string& path);
     bool addHardwarePlatformsFromDirs_(const HSTVector<std::string>& dirs);
     Files heldFiles_() const;
+    void noteRefusal_(const std::string& path, std::size_t firstText);
     bool parseDescription_(const std::string& path, HMAVPlatform* platform);
     bool attachHardwarePlatforms_(HMAVPlatform* platform);
     bool attachSingleHardwarePlatform_(HMAVPlatform* platform);
@@ -123,6 +133,7 @@ class MAV_API HMAVPlatformMgr {
     Platforms* activePlatforms_ = &platforms_;
     std::unordered_map<std::string, HMAVPlatform*> handoffs_;
     HSTVector<std::string> parsingErrorMsgs_;
+    HSTVector<Refusal> refusals_;
     MAVProjectType projectType_ = MAVProjectType::MAV;
     HSTVector<std::string> boardRepoPaths_;
     std::unique_ptr<HBOBoardCDataManager> boardDataMgr_;

@@ -149,12 +149,25 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
 }
 
 std::unique_ptr<HMAVPlatform> HMAVPlatformMgr::loadDescription_(const std::string& path) {
+    const std::size_t texts = parsingErrorMsgs_.size();
     auto platform = std::make_unique<HMAVPlatform>();
     platform->setQpfm(true);
     const bool loaded = parseDescription_(path, platform.get()) &&
                         attachHardwarePlatforms_(platform.get()) &&
                         attachSoftwarePlatforms_(platform.get());
-    return loaded ? std::move(platform) : nullptr;
+    if (loaded) return platform;
+    noteRefusal_(path, texts);
+    return nullptr;
+}
+
+void HMAVPlatformMgr::noteRefusal_(const std::string& path, std::size_t firstText) {
+    std::string reason;
+    for (std::size_t i = firstText; i < parsingErrorMsgs_.size(); ++i) {
+        if (!reason.empty() && reason.back() != '\n') reason += '\n';
+        reason += parsingErrorMsgs_[i];
+    }
+    while (reason.ends_with('\n')) reason.pop_back();
+    refusals_.push_back({path, reason});
 }
 
 bool HMAVPlatformMgr::parseDescription_(const std::string& path, HMAVPlatform* platform) {
@@ -370,6 +383,11 @@ std::size_t HMAVPlatformMgr::getNumPlatforms() const {
 
 void HMAVPlatformMgr::getParsingErrorMsgs(HSTVector<std::string>& out) const {
     out.insert(out.end(), parsingErrorMsgs_.begin(), parsingErrorMsgs_.end());
+}
+
+void HMAVPlatformMgr::clearParsingErrorMsgs() {
+    parsingErrorMsgs_.clear();
+    refusals_.clear();
 }
 
 void HMAVPlatformMgr::setProjectType(MAVProjectType type) {
