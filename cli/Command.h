@@ -97,6 +97,16 @@ struct ShowOptions {
 /// Prints the platform for people. Throws UsageError, Failure.
 void runShow(const ShowOptions& options);
 
+struct ValidateOptions {
+    std::vector<std::string> files;
+    bool json = false;
+    bool sarif = false;
+    std::string rule;  ///< to explain; nothing is validated then
+    std::string color = "auto";
+};
+/// Prints every finding; false when one is an error. Throws UsageError.
+bool runValidate(const ValidateOptions& options);
+
 struct DiffOptions {
     std::string first;
     std::string second;

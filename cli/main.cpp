@@ -78,6 +78,10 @@ constexpr const char* LIST_NOTES =
     "Vendor and board are compared exactly, part and type in any letter case; of those that fit,\n"
     "--latest keeps the greatest version of each vendor, board and name.\n";
 
+constexpr const char* VALIDATE_NOTES =
+    "Looks at the platform file and all that it refers to, and prints every finding as\n"
+    "FILE:LINE:COLUMN: SEVERITY: SENTENCE [RULE]. The code is 1 when one of them is an error.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -93,6 +97,7 @@ struct Options {
     cli::DictOptions dict;
     cli::TransformOptions transform;
     cli::DocOptions doc;
+    cli::ValidateOptions validate;
     cli::InfoOptions info;
     cli::CheckOptions check;
     cli::ListOptions list;
@@ -211,6 +216,13 @@ void describeViews(CLI::App& app, Options& options) {
     show->add_option("--color", options.show.color,
                      "auto (on a terminal, without NO_COLOR), always or never");
     show->footer(SHOW_NOTES);
+    CLI::App* validate = app.add_subcommand("validate", "Find all that is wrong with platforms");
+    validate->add_option("FILE", options.validate.files, "Platform files");
+    validate->add_flag("--json", options.validate.json, "Print JSON");
+    validate->add_flag("--sarif", options.validate.sarif, "Print SARIF 2.1.0");
+    validate->add_option("--explain", options.validate.rule, "Print the page about a rule");
+    validate->add_option("--color", options.validate.color, "auto, always or never");
+    validate->footer(VALIDATE_NOTES);
     CLI::App* diff = app.add_subcommand("diff", "Tell what differs between two platforms");
     diff->add_option("A", options.diff.first, "Platform file")->required();
     diff->add_option("B", options.diff.second, "Platform file")->required();
@@ -279,6 +291,7 @@ bool answer(const CLI::App& app, const Options& options) {
     if (command == "diff") return cli::runDiff(options.diff);
     if (command == "dict") return cli::runDict(options.dict);
     if (command == "doc") return cli::runDoc(options.doc);
+    if (command == "validate") return cli::runValidate(options.validate);
     if (command == "get") return cli::runGet(options.get);
     if (command == "check") return cli::runCheck(options.check);
     if (command == "json") cli::runJson(options.json);

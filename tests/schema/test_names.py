@@ -38,7 +38,7 @@ def bound_items(text):
             statement = statement.split("return")[0]
             looped = re.search(r"for \(const char\* \w+ :(.*?)\)", statement, re.DOTALL)
             accepted = re.search(r"accept\((\w+), \{(.*)\}\)", statement, re.DOTALL)
-            target = re.search(r"(\w+)\s*\.(?:attribute|element|either|order|text)\(", statement)
+            target = re.search(r"(\w+)\s*\.(?:attribute|element|either|order|line|text)\(", statement)
             if looped or accepted:
                 names = QUOTED.findall(looped.group(1) if looped else accepted.group(2))
                 table = current[accepted.group(1) if accepted else target.group(1)]

@@ -77,6 +77,9 @@ class Node {
     std::optional<Node> find(std::string_view key) const;
     /// The node and all below it as a property tree.
     boost::property_tree::ptree tree() const;
+    /// Where the node stands in the text that was parsed, in bytes: its key, else its data, else
+    /// the first of its children that has a place; 0 for what is empty.
+    std::size_t offset() const;
 
     class Iterator;
     Iterator begin() const;
@@ -121,6 +124,13 @@ class Node::Iterator {
 
 inline Node::Iterator Node::begin() const {
     return Iterator(Node(text_, cell_ + 1));
+}
+inline std::size_t Node::offset() const {
+    for (const Cell* cell = cell_; cell != cell_ + cell_->span; ++cell) {
+        if (cell->keySize > 0) return cell->key;
+        if (cell->dataSize > 0) return cell->data;
+    }
+    return 0;
 }
 inline Node::Iterator Node::end() const {
     return Iterator(Node(text_, cell_ + cell_->span));

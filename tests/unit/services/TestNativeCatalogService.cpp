@@ -83,7 +83,7 @@ TEST(NativeCatalogService, PartitionsAndEmulationPlatforms) {
                   .get<std::string>("twoHwEmuBd"),
               "true");
     const ptree merged = infoOf(SAMPLES + "veltrin_h90/veltrin_h90.pka", false, false);
-    EXPECT_EQ(merged.get<std::string>("hwEmuSystemClockCount"), "2");
+    EXPECT_EQ(merged.get<std::string>("hwEmuSystemClockCount"), "3");
     EXPECT_EQ(merged.get<std::string>("twoHwEmuBd"), "false") << "one archive holds both";
 }
 

@@ -10,7 +10,8 @@ using mav_host::xml::Need;
 
 Items<FileReference> fileReference() {
     Items<FileReference> items;
-    items.attribute("mav:path", &FileReference::path, Need::Required)
+    items.line(&FileReference::line)
+        .attribute("mav:path", &FileReference::path, Need::Required)
         .attribute("mav:name", &FileReference::name, Need::Required);
     return items;
 }
@@ -18,7 +19,8 @@ Items<FileReference> fileReference() {
 Items<ReconfigurablePartition> reconfigurablePartition(const Items<FileReference>& file) {
     using Element = ReconfigurablePartition;
     Items<Element> items;
-    items.attribute("mav:id", &Element::id, Need::Required)
+    items.line(&Element::line)
+        .attribute("mav:id", &Element::id, Need::Required)
         .element("mav:hardwarePlatform", &Element::hardwarePlatform, file)
         .element("mav:hwEmuPlatform", &Element::hwEmuPlatform, file)
         .choice({{"mav:hardwarePlatform", "mav:hwEmuPlatform?"}, {"mav:hwEmuPlatform"}});
@@ -28,7 +30,8 @@ Items<ReconfigurablePartition> reconfigurablePartition(const Items<FileReference
 Items<HardwarePlatforms> hardwarePlatforms(const Items<FileReference>& file) {
     using Element = HardwarePlatforms;
     Items<Element> items;
-    items.attribute("mav:defaultRP", &Element::defaultRP)
+    items.line(&Element::line)
+        .attribute("mav:defaultRP", &Element::defaultRP)
         .element("mav:hardwarePlatform", &Element::hardwarePlatform, file)
         .element("mav:hwEmuPlatform", &Element::hwEmuPlatform, file)
         .element("mav:reconfigurablePartition", &Element::reconfigurablePartitions,

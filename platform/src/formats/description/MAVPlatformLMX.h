@@ -15,12 +15,14 @@ namespace mav_platform::lmx {
 struct FileReference {
     std::string path;  ///< directory, relative to the one that holds the description
     std::string name;  ///< file in that directory
+    std::size_t line = 0;
 };
 
 struct ReconfigurablePartition {
     unsigned id = 0;
     std::optional<FileReference> hardwarePlatform;
     std::optional<FileReference> hwEmuPlatform;
+    std::size_t line = 0;
 };
 
 /// Exactly one alternative: a hardware platform with or without an emulation platform, an emulation
@@ -30,6 +32,7 @@ struct HardwarePlatforms {
     std::optional<FileReference> hardwarePlatform;
     std::optional<FileReference> hwEmuPlatform;
     std::vector<ReconfigurablePartition> reconfigurablePartitions;
+    std::size_t line = 0;
 };
 
 struct SoftwarePlatforms {

@@ -76,6 +76,7 @@ Items<HpfmBusInterface> busInterface() {
     using Bus = HpfmBusInterface;
     Items<Bus> items;
     items.order(&Bus::order)
+        .line(&Bus::line)
         .attribute("qd:name", &Bus::name)
         .attribute("qd:mode", &Bus::mode)
         .attribute("qd:busTypeRef", &Bus::busTypeRef)

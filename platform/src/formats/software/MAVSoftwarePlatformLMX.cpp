@@ -29,7 +29,8 @@ Items<OperatingSystem> operatingSystem() {
 Items<ProcessorGroup> processorGroup() {
     using Group = ProcessorGroup;
     Items<Group> items;
-    items.attribute("mav:name", &Group::name, Need::Required)
+    items.line(&Group::line)
+        .attribute("mav:name", &Group::name, Need::Required)
         .attribute("mav:displayName", &Group::displayName)
         .attribute("mav:cpuType", &Group::cpuType)
         .attribute("mav:cpuInstance", &Group::cpuInstance)
@@ -64,7 +65,8 @@ Items<SystemConfiguration> systemConfiguration() {
     Items<Prebuilt> prebuilt;
     prebuilt.attribute("mav:data", &Prebuilt::data);
     Items<Config> items;
-    items.attribute("mav:name", &Config::name, Need::Required)
+    items.line(&Config::line)
+        .attribute("mav:name", &Config::name, Need::Required)
         .attribute("mav:displayName", &Config::displayName)
         .attribute("mav:defaultProcessorGroup", &Config::defaultProcessorGroup)
         .attribute("mav:runtimes", &Config::runtimes)
@@ -79,7 +81,8 @@ Items<SoftwarePlatform> softwarePlatform() {
     using Platform = SoftwarePlatform;
     using Configs = SystemConfigurations;
     Items<Configs> configs;
-    configs.attribute("mav:defaultConfiguration", &Configs::defaultConfiguration)
+    configs.line(&Configs::line)
+        .attribute("mav:defaultConfiguration", &Configs::defaultConfiguration)
         .element("mav:configuration", &Configs::configurations, systemConfiguration());
     Items<Platform> items;
     items.attribute("mav:name", &Platform::name)

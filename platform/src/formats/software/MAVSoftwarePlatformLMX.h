@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,6 +29,7 @@ struct ProcessorGroup {
     std::string cpuInstance;
     std::string architecture;
     OperatingSystem os;
+    std::size_t line = 0;
 };
 
 struct BootImage {
@@ -63,11 +65,13 @@ struct SystemConfiguration {
     std::optional<Prebuilt> prebuilt;
     std::vector<ProcessorGroup> processorGroups;
     std::optional<BootImages> bootImages;
+    std::size_t line = 0;
 };
 
 struct SystemConfigurations {
     std::string defaultConfiguration;
     std::vector<SystemConfiguration> configurations;
+    std::size_t line = 0;
 };
 
 struct SoftwarePlatform {

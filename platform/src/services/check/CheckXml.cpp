@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "services/check/CheckXml.h"
+
+namespace mav_platform::check {
+
+namespace xml = mav_host::xml;
+
+void reportBinding(const xml::BindingError& error, const std::string& file, Report& report) {
+    const std::string text = error.what();
+    const bool isForm = text.rfind("XML syntax error", 0) != 0 &&
+                        text.find("DOCTYPE") == std::string::npos &&
+                        text.find("nested deeper") == std::string::npos;
+    report.add(isForm ? "schema" : "syntax", {file, error.line(), error.column()}, text);
+}
+
+void reportFindings(const xml::Findings& findings, const std::string& file, Report& report) {
+    for (const xml::Finding& finding : findings.list) {
+        const bool isElement = finding.kind == xml::Finding::Kind::Element;
+        report.add("unknown-item", {file, finding.line, 0},
+                   std::string(isElement ? "element " : "attribute ") + shown(finding.name) +
+                       " of " + shown(finding.parent) +
+                       " is not part of the format; loading ignores it");
+    }
+    if (findings.more > 0) {
+        report.add("unknown-item", {file, 0, 0},
+                   std::to_string(findings.more) + " more items are not part of the format");
+    }
+}
+
+}  // namespace mav_platform::check

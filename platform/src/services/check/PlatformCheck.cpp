@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/PlatformCheck.h"
+
+#include <algorithm>
+#include <ostream>
+#include <set>
+#include <sstream>
+
+#include "formats/description/MAVPlatformLMX.h"
+#include "formats/software/MAVSoftwarePlatformLMX.h"
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
+#include "mav_platform/HMAVHardwarePlatform.h"
+#include "mav_platform/HMAVNativeCatalogService.h"
+#include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/HMAVReconfigurablePartition.h"
+#include "mav_platform/PlatformLoader.h"
+#include "services/check/CheckArchive.h"
+#include "services/check/CheckXml.h"
+
+namespace mav_platform {
+namespace {
+
+using namespace check;
+
+/// Takes reports and console lines aside as long as it lives.
+class Aside final : public ComMsgSink {
+  public:
+    Aside() : sink_(ComMsgMgr::setSink(this)), console_(mav_host::setConsole(&lines_)) {}
+    ~Aside() override {
+        ComMsgMgr::setSink(sink_);
+        mav_host::setConsole(console_);
+    }
+    void send(const ComMsg& message) override { last_ = ComMsgMgr::format(message); }
+    const std::string& last() const { return last_; }
+
+  private:
+    std::ostringstream lines_;
+    std::string last_;
+    ComMsgSink* sink_;
+    std::ostream* console_;
+};
+
+class Walk {
+  public:
+    explicit Walk(Report& report) : report_(report) {}
+
+    void file(const std::string& path) {
+        if (!seen_.insert(HUTFile::getCanonicalName(path)).second) return;
+        if (!HUTFile::isFile(path)) {
+            report_.add("unreadable", {path},
+                        HUTFile::exists(path) ? "this is no file" : "there is no such file");
+            return;
+        }
+        const std::string extension = HUTPathUtils::extension(path);
+        if (HMAVHardwarePlatform::isValidPlatformExt(extension)) {
+            checkArchive(path, report_);
+        } else if (extension == ".spfm") {
+            software(path);
+        } else {
+            description(path);
+        }
+    }
+
+  private:
+    static constexpr std::uint64_t LARGEST = std::uint64_t{256} << 20;
+
+    std::optional<std::string> read(const std::string& path) {
+        try {
+            return HUTFileUtils::readWhole(path, LARGEST);
+        } catch (const HEXError& error) {
+            report_.add("unreadable", {path}, error.what());
+            return std::nullopt;
+        }
+    }
+
+    void description(const std::string& path) {
+        const auto text = read(path);
+        if (!text) return;
+        const auto document = bindDocument(lmx::platformFormat(), *text, path, report_);
+        if (!document) return;
+        if (!document->hardwarePlatforms) {
+            report_.add("schema", {path, document->line},
+                        "element 'mav:platform': required element 'mav:hardwarePlatforms' is "
+                        "missing");
+            return;
+        }
+        const lmx::HardwarePlatforms& hardware = *document->hardwarePlatforms;
+        archive(path, hardware.hardwarePlatform);
+        archive(path, hardware.hwEmuPlatform);
+        partitions(path, hardware);
+        if (document->softwarePlatforms) {
+            const lmx::FileReference& reference = document->softwarePlatforms->softwarePlatform;
+            const std::string target = joined(path, reference);
+            if (exists(path, reference, target)) software(target);
+        }
+    }
+
+    void partitions(const std::string& path, const lmx::HardwarePlatforms& hardware) {
+        std::set<unsigned> ids;
+        for (const lmx::ReconfigurablePartition& partition : hardware.reconfigurablePartitions) {
+            if (!ids.insert(partition.id).second) {
+                report_.add("duplicate", {path, partition.line},
+                            "the partition id " + std::to_string(partition.id) +
+                                " stands more than once; the last one counts");
+            }
+            archive(path, partition.hardwarePlatform);
+            archive(path, partition.hwEmuPlatform);
+        }
+        const unsigned standard = hardware.defaultRP.value_or(0);
+        if (!ids.empty() && ids.count(standard) == 0) {
+            report_.add("default-partition", {path, hardware.line},
+                        "the default partition is " + std::to_string(standard) +
+                            (hardware.defaultRP ? "" : ", for none is named,") +
+                            " and no partition has that id");
+        }
+    }
+
+    static std::string joined(const std::string& path, const lmx::FileReference& reference) {
+        const std::string parent = HUTFile::getParent(path);
+        return (parent.empty() ? "." : parent) + "/" + reference.path + "/" + reference.name;
+    }
+
+    bool exists(const std::string& path, const lmx::FileReference& reference,
+                const std::string& target) {
+        if (HUTFile::isFile(target)) return true;
+        report_.add("missing-file", {path, reference.line}, shown(target) + " is no file");
+        return false;
+    }
+
+    void archive(const std::string& path, const std::optional<lmx::FileReference>& reference) {
+        if (!reference) return;
+        const std::string target = joined(path, *reference);
+        if (!exists(path, *reference, target)) return;
+        if (!HMAVHardwarePlatform::isValidPlatformExt(HUTPathUtils::extension(target))) {
+            report_.add("extension", {path, reference->line},
+                        shown(reference->name) + " does not end in .pka or .dsa");
+            return;
+        }
+        const std::string canonical = HUTFile::getCanonicalName(target);
+        if (seen_.insert(canonical).second) checkArchive(canonical, report_);
+    }
+
+    void software(const std::string& path) {
+        const auto text = read(path);
+        if (!text) return;
+        const auto document = bindDocument(lmx::softwarePlatformFormat(), *text, path, report_);
+        if (!document) return;
+        const lmx::SystemConfigurations& configs = document->systemConfigurations;
+        std::set<std::string> names;
+        for (const lmx::SystemConfiguration& config : configs.configurations) {
+            unique(path, config.line, "configuration", config.name, names);
+            std::set<std::string> groups;
+            for (const lmx::ProcessorGroup& group : config.processorGroups) {
+                unique(path, group.line, "processor group", group.name, groups);
+            }
+            standard(path, config.line, "processor group", config.defaultProcessorGroup, groups);
+            if (config.bootImages) {
+                standard(path, config.line, "boot image", config.bootImages->defaultImage,
+                         {config.bootImages->image.name});
+            }
+        }
+        standard(path, configs.line, "configuration", configs.defaultConfiguration, names);
+    }
+
+    void unique(const std::string& path, std::size_t line, const char* kind,
+                const std::string& name, std::set<std::string>& names) {
+        if (names.insert(name).second) return;
+        report_.add("duplicate", {path, line},
+                    std::string("the ") + kind + " " + shown(name) + " stands more than once");
+    }
+    void standard(const std::string& path, std::size_t line, const char* kind,
+                  const std::string& name, const std::set<std::string>& names) {
+        if (name.empty() || names.count(name) > 0) return;
+        report_.add("software-default", {path, line},
+                    std::string("the default ") + kind + " " + shown(name) +
+                        " is not there; the first one stands in for it");
+    }
+
+    Report& report_;
+    std::set<std::string> seen_;  ///< canonical paths of the files looked at
+};
+
+/// Whether it loads after all, and what is read only on the first question.
+void load(const std::string& path, Report& report) {
+    const Aside aside;
+    try {
+        PlatformLoader loader(path, PlatformLoader::HW_METADATA_AUTO);
+        const auto platform = loader.load();
+        if (!platform) {
+            // Mostly its cause has been found already.
+            if (!report.hasErrors()) report.add("load", {path}, aside.last());
+            return;
+        }
+        std::string reason;
+        if (!mav::platform::NativeCatalogService().isUnderWarranty(&loader, reason)) {
+            report.add("release", {path},
+                       reason.empty() ? "the platform is not supported" : reason);
+        }
+        try {
+            std::set<const HMAVHardwarePlatform*> all{platform->getHardwarePlatform(),
+                                                      platform->getHardwareEmulationPlatform()};
+            HSTVector<HMAVReconfigurablePartition*> partitions;
+            platform->getReconfigurablePartitions(partitions);
+            for (const auto* partition : partitions) {
+                all.insert(partition->getHardwarePlatform());
+                all.insert(partition->getHardwareEmulationPlatform());
+            }
+            for (const HMAVHardwarePlatform* hardware : all) {
+                if (hardware != nullptr) hardware->initDpePartitions();
+            }
+        } catch (const HEXError& error) {
+            report.add("array-engine", {path}, error.what());
+        }
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (!report.hasErrors()) report.add("load", {path}, error.what());
+    }
+}
+
+}  // namespace
+
+HSTVector<CheckFinding> PlatformCheck::run(const std::string& path) {
+    Report report;
+    {
+        const Aside aside;
+        Walk(report).file(path);
+    }
+    if (HUTFile::isFile(path)) load(path, report);
+    return report.take();
+}
+
+}  // namespace mav_platform

@@ -1,0 +1,150 @@
+# SPDX-License-Identifier: Apache-2.0
+"""`mav validate`: each rule finds the bad example of its page and not the good one."""
+import json
+import re
+import shutil
+import unittest
+import zipfile
+
+from support import PLATFORMS, SAMPLES, SOURCE, CommandTest
+
+PAGES = SOURCE / "docs/rules"
+IDENTITY = {"vendor": "v", "boardId": "b", "name": "n", "versionMajor": "1", "versionMinor": "0",
+            "files": [{"name": "a.txt", "type": "DCP"}]}
+# Rules whose examples are no texts; each has a test of its own below.
+WITHOUT_EXAMPLES = {"array-engine", "digest", "load", "metadata", "release", "unreadable"}
+
+
+class Validate(CommandTest):
+    def pack(self, metadata, **members):
+        """An archive p.pka with the identity, this metadata, a.txt and these members."""
+        folder = self.dir / "folder"
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir()
+        (folder / "pka.json").write_text(json.dumps(dict(IDENTITY, **metadata)), encoding="utf-8")
+        for member, content in dict({"a.txt": b"a"}, **members).items():
+            (folder / member).write_bytes(content)
+        (self.dir / "p.pka").unlink(missing_ok=True)
+        self.mav("pack", folder, self.dir / "p.pka")
+        return self.dir / "p.pka"
+
+    def findings(self, *files, code=None):
+        """The findings as (rule, severity, file name, line)."""
+        codes = (0, 1) if code is None else (code,)
+        output = self.mav("validate", "--json", *files, codes=codes)[0]
+        document = json.loads(output)
+        found = document.get("findings", [])
+        self.assertEqual(int(document["errors"]),
+                         sum(item["severity"] == "error" for item in found))
+        return [(item["rule"], item["severity"], item["file"].removeprefix(str(self.dir) + "/"),
+                 int(item["line"])) for item in found]
+
+    def mav(self, *arguments, code=0, codes=None, **options):
+        for allowed in (codes or (code,))[:-1]:
+            try:
+                return super().mav(*arguments, code=allowed, **options)
+            except AssertionError:
+                continue
+        return super().mav(*arguments, code=(codes or (code,))[-1], **options)
+
+    def example(self, kind, text):
+        if kind == "json metadata":
+            return self.pack(json.loads(text))
+        self.pack({})
+        path = self.dir / ("p." + kind.split()[1])
+        path.write_text(text, encoding="utf-8")
+        return path
+
+    def test_examples_of_the_pages(self):
+        rules = {page.stem: page.read_text(encoding="utf-8") for page in PAGES.glob("*.md")}
+        source = (SOURCE / "platform/src/services/check/CheckReport.cpp").read_text()
+        known = dict(re.findall(r'\{"([a-z-]+)", (ERROR|WARNING|NOTE),', source))
+        self.assertEqual(sorted(rules), sorted(known))
+        for rule, page in rules.items():
+            with self.subTest(rule=rule):
+                self.assertIn(f"# {rule} ({known[rule].lower()})\n", page)
+                self.assertEqual(self.mav("validate", "--explain", rule)[0],
+                                 page[page.index("# "):])
+                examples = re.findall(r"## (Bad|Good)\n\n```(.*)\n((?:.*\n)*?)```", page)
+                if rule in WITHOUT_EXAMPLES:
+                    self.assertEqual(examples, [])
+                    continue
+                self.assertEqual([name for name, _, _ in examples], ["Bad", "Good"])
+                for name, kind, text in examples:
+                    found = {finding[0] for finding in self.findings(self.example(kind, text))}
+                    (self.assertIn if name == "Bad" else self.assertNotIn)(rule, found, name)
+
+    def test_samples_have_no_errors(self):
+        for name in PLATFORMS:
+            with self.subTest(platform=name):
+                rules = {rule for rule, *_ in self.findings(SAMPLES / name, code=0)}
+                self.assertEqual(rules - {"release", "unlisted-member", "hbm-preferred"}, set())
+
+    def test_every_finding_with_its_place(self):
+        archive = self.dir / "p.pka"
+        text = ('{"vendor": "v", "boardId": "b", "name": "n",\n'
+                '"versionMajor": "1", "versionMinor": "x",\n'
+                '"systemClocks": [{"name": "c", "id": "0"},\n'
+                '  {"name": "c", "id": "0", "old": "1"}],\n'
+                '"files": [{"name": "gone", "type": "HPFM"},\n'
+                '  {"name": "h", "type": "HPFM"}]}')
+        with zipfile.ZipFile(archive, "w") as out:
+            out.writestr("pka.json", text)
+            out.writestr("h", "<qd:repository>\n<qd:busInterface qd:dataWidth='wide'/>"
+                              "</qd:repository>")
+        found = self.findings(archive, code=1)
+        self.assertEqual(sorted(found), sorted([
+            ("schema", "error", "p.pka/pka.json", 2),
+            ("duplicate", "error", "p.pka/pka.json", 4),
+            ("duplicate", "error", "p.pka/pka.json", 4),
+            ("unknown-item", "warning", "p.pka/pka.json", 4),
+            ("missing-member", "error", "p.pka/pka.json", 5),
+            ("schema", "error", "p.pka/h", 2),
+            ("digest", "error", "p.pka", 0)] + [item for item in found if item[0] == "release"]))
+        self.assertEqual([line for _, _, file, line in found if file == "p.pka/pka.json"],
+                         [2, 4, 4, 4, 5], "by line")
+        plain = self.mav("validate", archive, code=1)[0]
+        self.assertIn(f"{archive}/pka.json:4:29: warning: 'systemClocks[1].old' is not part of the "
+                      "format; loading ignores it [unknown-item]\n", plain)
+        log = json.loads(self.mav("validate", "--sarif", archive, code=1)[0])
+        self.assertEqual(log["version"], "2.1.0")
+        results = log["runs"][0]["results"]
+        self.assertEqual(len(results), len(found))
+        self.assertEqual(results[0]["locations"][0]["physicalLocation"]["region"]["startLine"], 2)
+
+    def test_what_cannot_be_read(self):
+        nothing = self.dir / "none.pka"
+        self.assertEqual(self.findings(nothing, code=1), [("unreadable", "error", "none.pka", 0)])
+        broken = self.dir / "broken.pka"
+        broken.write_bytes(b"PK no zip")
+        self.assertEqual(self.findings(broken, self.dir, code=1)[0][0], "unreadable")
+        bare = self.dir / "bare.pka"
+        with zipfile.ZipFile(bare, "w") as out:
+            out.writestr("x", "y")
+        self.assertIn("metadata", [rule for rule, *_ in self.findings(bare, code=1)])
+
+    def test_digest_release_and_array(self):
+        archive = self.pack({})
+        self.assertNotIn("digest", [rule for rule, *_ in self.findings(archive)])
+        with zipfile.ZipFile(archive, "a") as out:
+            out.writestr("late", "x")
+        self.assertIn("digest", [rule for rule, *_ in self.findings(archive, code=1)])
+        listed = {"files": [{"name": "a.txt", "type": "DCP"}, {"name": "e.zip", "type": "DPEPRJ"}]}
+        inner = self.dir / "inner.zip"
+        with zipfile.ZipFile(inner, "w") as out:
+            out.writestr("dpearchive/arch/dpe_partition.json", "no JSON")
+        project = {"e.zip": inner.read_bytes()}
+        self.assertIn("array-engine", [rule for rule, *_ in
+                                       self.findings(self.pack(listed, **project), code=1)])
+        future = self.pack({"generatedVersion": "2999.1", "unifiedPlatform": "true",
+                            "designIntent": {"dataCenter": {"value": "true"}}})
+        self.assertIn("release", [rule for rule, *_ in self.findings(future, code=0)])
+
+    def test_wrong_use(self):
+        self.refused("validate", code=2, says=["FILE is missing"])
+        self.refused("validate", "--explain", "shema", code=2, says=["Did you mean 'schema'?"])
+        self.refused("validate", "--json", "--sarif", "x", code=2, says=["give one of them"])
+
+
+if __name__ == "__main__":
+    unittest.main()
