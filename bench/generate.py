@@ -68,4 +68,5 @@ def main():
             archive.writestr("pka.json", json.dumps(metadata(buses), indent=2))
 
 
-main()
+if __name__ == "__main__":
+    main()
