@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <compare>
 #include <string>
 
 namespace mav::platform {
@@ -14,7 +13,10 @@ struct Release {
     /// The first two parts of a text split at "."; a second part that is not there is 0, a text
     /// with a part that is no decimal number is 0.0.
     static Release of(const std::string& text);
-    auto operator<=>(const Release&) const = default;
+    bool operator==(const Release&) const = default;
+    bool operator<(const Release& other) const {
+        return year != other.year ? year < other.year : number < other.number;
+    }
 };
 
 }  // namespace mav::platform

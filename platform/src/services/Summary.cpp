@@ -12,8 +12,8 @@ namespace {
 
 using boost::property_tree::ptree;
 
-void put(ptree& info, const char* key, std::string value) {
-    info.push_back({key, ptree(std::move(value))});
+void put(ptree& info, const char* key, const std::string& value) {
+    info.push_back({key, ptree(value)});
 }
 
 void put(ptree& info, const char* key, const char* value) {

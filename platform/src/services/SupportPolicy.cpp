@@ -85,7 +85,7 @@ bool SupportPolicy::isUnified() {
 }
 
 bool SupportPolicy::isNotNewer(const Releases& releases) {
-    if (releases.platform <= releases.tool) return true;
+    if (!(releases.tool < releases.platform)) return true;
     const char* const kind = subject_.starts_with("DSA") ? "DSA" : "platform";
     reason_ = versions(releases) + BY_POLICY + "the " + kind +
               " version can not be newer than the current tool version";
