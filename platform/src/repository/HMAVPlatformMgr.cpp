@@ -281,8 +281,8 @@ bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
     for (const std::string& file : files) {
         std::unique_ptr<HMAVPlatform> platform = found.take(file);
         if (platform == nullptr || !held.insert(file).second) continue;
-        dsaPlatforms_.push_back(platform.get());
-        platform.release();
+        dsaPlatforms_.push_back(nullptr);
+        dsaPlatforms_.back() = platform.release();
     }
     return !dsaPlatforms_.empty();
 }
