@@ -54,9 +54,9 @@ class MAV_API NativeCatalogService : public CatalogService {
     std::string getAsJsonStr(PlatformLoader* loader, bool warranty, bool partitions) const override;
     std::string getAsJsonStr(const std::string& path, bool warranty,
                              bool partitions) const override;
-    /// The summaries of every description file below the directories (joined by ":"), sorted by
-    /// path in each of them, as an array under "platforms". Platforms that do not load are left
-    /// out, which the messages explain.
+    /// The summaries of every description file below the directories (joined by ":"), in the order
+    /// of NativePlatformRepoService::getQpfmFiles and each once, as an array under "platforms".
+    /// Platforms that do not load are left out, which the messages explain.
     std::string getAllAsJsonStr(const std::string& directories, bool warranty,
                                 bool partitions) const override;
     /// One value of the summary by its key. A key that does not exist gives the text "error: key

@@ -4,16 +4,18 @@
 #include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <ostream>
+#include <set>
 
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
+#include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/NativePlatformRepoService.h"
 #include "mav_platform/PlatformLoader.h"
 #include "mav_platform/PlatformParseException.h"
-#include "services/DescriptionFiles.h"
 #include "services/Summary.h"
 #include "services/SupportPolicy.h"
 
@@ -43,6 +45,17 @@ bool isPreSynth(const HMAVPlatform& platform) {
     constexpr int PRE_SYNTH = 2;
     const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
     return hardware != nullptr && hardware->getState() == PRE_SYNTH;
+}
+
+/// The description files below the directories, each once also where links lead to it again.
+HSTVector<std::string> descriptionFiles(const std::string& directories) {
+    HSTVector<std::string> found;
+    NativePlatformRepoService().getQpfmFiles("", directories, found);
+    std::set<std::string> seen;
+    std::erase_if(found, [&](const std::string& path) {
+        return !seen.insert(HUTFile::getCanonicalName(path)).second;
+    });
+    return found;
 }
 
 /// The rules in their order; the first that decides ends the evaluation.
