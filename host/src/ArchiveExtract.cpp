@@ -137,8 +137,9 @@ class Extraction {
     std::string dir_;
 };
 
+/// The entry of the directory itself, which ends in "/", counts too.
 bool isBelow(const std::string& name, const std::string& dir) {
-    return name.size() > dir.size() + 1 && name[dir.size()] == '/' && name.starts_with(dir);
+    return name.size() > dir.size() && name[dir.size()] == '/' && name.starts_with(dir);
 }
 
 }  // namespace
@@ -174,13 +175,15 @@ bool HUTZip::extractAs(const std::string& archive, const std::string& member,
 bool HUTZip::extractDir(const std::string& archive, const std::string& member,
                         const std::string& dir) {
     const mav_host::Extraction extraction(archive, dir);
+    const std::string folder = member.substr(0, member.find_last_not_of('/') + 1);
+    if (folder.empty()) return false;
     const zip_int64_t count = zip_get_num_entries(extraction.zip(), 0);
     HSTVector<zip_uint64_t> found;
     for (zip_int64_t i = 0; i < count; ++i) {
         const auto index = static_cast<zip_uint64_t>(i);
         const std::string name = mav_host::memberName(extraction.zip(), index);
         // Of equal names the first counts.
-        if (mav_host::isBelow(name, member) && mav_host::findMember(extraction.zip(), name) == i) {
+        if (mav_host::isBelow(name, folder) && mav_host::findMember(extraction.zip(), name) == i) {
             found.push_back(index);
         }
     }

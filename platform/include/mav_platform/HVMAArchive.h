@@ -53,11 +53,12 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
 
     /// Adds the file `source` as member `name`, lists it under `type`, rewrites the index and puts
     /// a digest over the archive, all in one step: a failure leaves archive and object as they
-    /// were. Types that others listed in the index since this object read or wrote it are kept.
+    /// were. What others listed in the index since this object read or wrote it is kept, except
+    /// under the types that this object lists otherwise itself.
     /// Throws HEXAlgException "HVMAArchive::archive() - vmaFile is not set", "... - jsonFile is not
     /// set", "... - vmaFile does not exist"; HEXUserException as archiveFile does and
     /// "HVMAArchive::writeJSON() - Could not open file for streaming: " + archive for an index name
-    /// that is refused.
+    /// that is refused, and "HVMAArchive::archive() - 'NAME' is the name of the index itself; ...".
     void archive(const std::string& type, const std::string& name, const std::string& source);
 
     /// Adds the file `source` as member `name` without listing it; the archive's digest goes.

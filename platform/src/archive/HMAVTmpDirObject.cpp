@@ -1,11 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVTmpDirObject.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
+
+namespace {
+
+/// Makes a directory that was not there before; empty when none can be made.
+std::string makeOwnDir(const std::string& name) {
+    for (;;) {
+        std::string wanted = HUTFileUtils::makeUniqueName(HUTEnv::getHDITmpDir(), name);
+        std::error_code error;
+        if (!HUTFileUtils::makeDirs(HUTFile::getParent(wanted))) return "";
+        if (std::filesystem::create_directory(wanted, error)) return wanted;
+        if (error) return "";
+        // Another thread was faster; the next free name is asked for.
+    }
+}
+
+}  // namespace
 
 HMAVTmpDirObject::HMAVTmpDirObject(const std::string& name) {
     create(name);
@@ -21,10 +40,8 @@ bool HMAVTmpDirObject::createTmpDir(const std::string& name) {
         throw HEXUserException("HMAVTmpDirObject::createTmpDir() - '" + name +
                                "' leads out of the temporary directory; give a plain name");
     }
-    const std::string wanted = HUTFileUtils::makeUniqueName(HUTEnv::getHDITmpDir(), name);
-    if (HUTFileUtils::makeDirs(wanted) && HUTFile::isWritable(wanted)) {
-        path_ = HUTFile::getCanonicalName(wanted);
-    }
+    const std::string made = makeOwnDir(name);
+    if (HUTFile::isWritable(made)) path_ = HUTFile::getCanonicalName(made);
     return exists();
 }
 

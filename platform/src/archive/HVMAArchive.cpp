@@ -116,6 +116,10 @@ void HVMAArchive::archive(const std::string& type, const std::string& name,
         throw HEXAlgException("HVMAArchive::archive() - vmaFile does not exist");
     }
     checkSource_(name, source);
+    if (name == index) {
+        throw HEXUserException("HVMAArchive::archive() - '" + name +
+                               "' is the name of the index itself; give the member another name");
+    }
     if (!HUTZip::isMemberName(index)) {
         throw HEXUserException("HVMAArchive::writeJSON() - Could not open file for streaming: " +
                                file_);
@@ -141,7 +145,8 @@ void HVMAArchive::takeOverOthers_(const std::string& index) {
         HVMAFiles there;
         addFiles(mav_platform::json::Document(std::move(*text)).root(), there);
         for (const auto& [type, name] : there.getMap()) {
-            if (!files_.has(type) && seen_.get(type) != name) files_.add(type, name);
+            const bool isOurs = files_.has(type) && files_.get(type) != seen_.get(type);
+            if (!isOurs && seen_.get(type) != name) files_.add(type, name);
         }
     } catch (const boost::property_tree::json_parser::json_parser_error&) {
         return;  // an index that nobody can read is written anew

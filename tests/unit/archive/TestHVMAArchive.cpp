@@ -107,6 +107,9 @@ TEST(HVMAArchive, ExtractsByType) {
                      "HVMAArchive::_extractFile() - file was not extracted to the expected "
                      "location: " +
                          out + "/none");
+    archive.registerFile("IP_REPO_PATH", "iprepo/");
+    EXPECT_EQ(archive.extract("IP_REPO_PATH", dir.path("slash")), dir.path("slash/iprepo/"));
+    EXPECT_EQ(dir.read("slash/iprepo/ip/component.xml"), "ip");
     archive.registerFile("PDI", "../../evil");
     EXPECT_THROW(archive.extract("PDI", out), HEXUserException);
 }
@@ -148,6 +151,15 @@ TEST(HVMAArchive, KeepsWhatOthersListMeanwhile) {
               (std::map<std::string, std::string>{{"BIF", "second.bif"}, {"PDI", "first.pdi"}}))
         << "what the second one took out stays out";
     EXPECT_EQ(read.getFiles().getMap(), second.getFiles().getMap());
+
+    second.archive("BIF", "newer.bif", source);
+    read.registerFile("PDI", "ours.pdi");
+    second.archive("PDI", "theirs.pdi", source);
+    read.archive("MMI", "m", source);
+    EXPECT_EQ(read.getFiles().getMap(),
+              (std::map<std::string, std::string>{
+                  {"BIF", "newer.bif"}, {"MMI", "m"}, {"PDI", "ours.pdi"}}))
+        << "a replacement by others stays, unless the type was listed anew here";
 }
 
 TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
@@ -169,6 +181,9 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
         EXPECT_THROW_MSG(archive.archive("PDI", name, source), HEXUserException,
                          "HVMAArchive::archiveFile() - Could not open file for streaming: " + path);
     }
+    EXPECT_THROW_MSG(archive.archive("PDI", "vma.json", source), HEXUserException,
+                     "HVMAArchive::archive() - 'vma.json' is the name of the index itself; give "
+                     "the member another name");
     EXPECT_THROW_MSG(NamedIndex(path, "../x").archive("PDI", "n", source), HEXUserException,
                      "HVMAArchive::writeJSON() - Could not open file for streaming: " + path);
     EXPECT_TRUE(archive.getFiles().empty());

@@ -353,6 +353,11 @@ TEST(Extract, FilesAndDirectoriesGoBelowTheTarget) {
     EXPECT_EQ(dir.read("out/d/one"), "1");
     EXPECT_FALSE(HUTZip::extractFile(path, "d", dir.path("none")));
     EXPECT_FALSE(HUTZip::extractDir(path, "four", dir.path("none")));
+    EXPECT_FALSE(HUTZip::extractDir(path, "/", dir.path("none")));
+    EXPECT_TRUE(HUTZip::extractDir(path, "d/empty", dir.path("out/alone")));
+    EXPECT_TRUE(std::filesystem::is_directory(dir.path("out/alone/d/empty")));
+    EXPECT_TRUE(HUTZip::extractDir(path, "dd/", dir.path("out")));
+    EXPECT_EQ(dir.read("out/dd/three"), "3");
     EXPECT_EQ(dir.list(), "a.zip\nout\n");
 }
 
