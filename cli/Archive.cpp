@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 #include <iostream>
 #include <new>
 
@@ -33,6 +35,33 @@ void appendPlatform(TypedMembers& out, const HMAVHardwarePlatform* hardware,
         out.entries.emplace_back(file->getType(), folder + file->getName());
     }
 }
+
+volatile std::sig_atomic_t caught = 0;
+
+/// Notes the signals that end a command as long as it lives. Ignored ones stay ignored.
+class SignalsHeld {
+  public:
+    SignalsHeld() {
+        caught = 0;
+        struct sigaction note {};
+        note.sa_handler = [](int signal) { caught = signal; };
+        for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
+            ::sigaction(SIGNALS[i], nullptr, &before_[i]);
+            if (before_[i].sa_handler != SIG_IGN) ::sigaction(SIGNALS[i], &note, nullptr);
+        }
+    }
+    ~SignalsHeld() {
+        for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
+            ::sigaction(SIGNALS[i], &before_[i], nullptr);
+        }
+    }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+  private:
+    static constexpr std::array SIGNALS{SIGINT, SIGTERM, SIGHUP};
+    std::array<struct sigaction, SIGNALS.size()> before_{};
+};
 
 bool isBelow(const std::string& member, const std::string& folder) {
     return !folder.empty() && member.size() > folder.size() && member.starts_with(folder) &&
@@ -127,8 +156,18 @@ void guarded(const std::string& action, const std::string& path,
     }
 }
 
-ProgressLine::ProgressLine() {
-    if (::isatty(STDERR_FILENO) == 1) HUTZip::setProgress(this);
+void endingCleanly(const std::function<void()>& work) {
+    const SignalsHeld held;
+    try {
+        work();
+    } catch (...) {
+        if (caught == 0) throw;
+        throw Interrupted{caught};
+    }
+}
+
+ProgressLine::ProgressLine() : visible_(::isatty(STDERR_FILENO) == 1) {
+    HUTZip::setProgress(this);
 }
 
 ProgressLine::~ProgressLine() {
@@ -137,12 +176,17 @@ ProgressLine::~ProgressLine() {
 }
 
 void ProgressLine::advance(const std::string& what, double done) {
+    if (!visible_) return;
     const int percent = static_cast<int>(done * 100);
     if (percent == percent_ && what == what_) return;
     if (what != what_) clear();
     percent_ = percent;
     what_ = what;
     std::cerr << "\r\033[K" << percent << " %  " << printable(what) << std::flush;
+}
+
+bool ProgressLine::cancelled() {
+    return caught != 0;
 }
 
 void ProgressLine::clear() {

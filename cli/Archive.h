@@ -43,15 +43,23 @@ TypedMembers typedMembers(const mav_host::ZipArchive& archive);
 /// Runs `work`; what it throws becomes "cannot ACTION 'PATH': REASON. Correct the cause …".
 void guarded(const std::string& action, const std::string& path, const std::function<void()>& work);
 
-/// Shows the progress of long work on standard error, when that is a terminal.
+/// Runs work that writes an archive so that SIGINT, SIGTERM and SIGHUP end it with nothing left
+/// behind: Interrupted is thrown then. A signal that comes too late, when the archive stands, is
+/// let be.
+void endingCleanly(const std::function<void()>& work);
+
+/// Shows the progress of long work on standard error, when that is a terminal, and ends it when a
+/// signal has come inside endingCleanly.
 class ProgressLine final : public mav_host::ZipProgress {
   public:
     ProgressLine();
     ~ProgressLine() override;
     void advance(const std::string& what, double done) override;
+    bool cancelled() override;
 
   private:
     void clear();
+    bool visible_;
     int percent_ = -1;
     std::string what_;
 };

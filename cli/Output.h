@@ -9,6 +9,13 @@ namespace cli {
 /// Standard output has no reader any more. Ends the command without a word.
 class NoReader {};
 
+/// A signal ended the command, which has put everything in order. Ends it without a word.
+struct Interrupted {
+    int signal;
+};
+/// What the exit code of such a command begins at.
+constexpr int KILLED_BY = 128;
+
 /// Opens the standard streams that the caller closed, so that no file of ours takes their place.
 /// A replaced standard output refuses what is written.
 void holdStandardStreams();

@@ -36,8 +36,11 @@ void extract(const cli::ExtractOptions& options) {
     while (member.ends_with('/')) member.pop_back();
     const std::string dir = options.directory.empty() ? "." : options.directory;
     const cli::ProgressLine progress;
-    const bool done = archive.contains(member) ? HUTZip::extractFile(options.archive, member, dir)
-                                               : HUTZip::extractDir(options.archive, member, dir);
+    bool done = false;
+    cli::endingCleanly([&] {
+        done = archive.contains(member) ? HUTZip::extractFile(options.archive, member, dir)
+                                        : HUTZip::extractDir(options.archive, member, dir);
+    });
     if (!done && typed != nullptr)
         throw Failure("type " + shown(options.what) + " is listed as " + shown(member) +
                       ", which the archive lacks. Make the archive again.");
@@ -130,11 +133,13 @@ void add(const cli::AddOptions& options) {
         throw Failure(
             "its members do not match its digest, and adding would give them a new one. "
             "See 'mav verify', get the archive afresh or pack it again.");
-    if (cli::holdsPlatform(archive)) {
-        addToPlatform(options, archive);
-    } else {
-        addToIndexed(options, archive);
-    }
+    cli::endingCleanly([&] {
+        if (cli::holdsPlatform(archive)) {
+            addToPlatform(options, archive);
+        } else {
+            addToIndexed(options, archive);
+        }
+    });
 }
 
 }  // namespace

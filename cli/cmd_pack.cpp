@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "Archive.h"
 #include "Command.h"
 #include "Output.h"
 #include "mav_host/HUTZip.h"
@@ -113,7 +114,8 @@ void pack(const cli::PackOptions& options, const std::string& kind) {
     auto sources = collect(options.directory);
     sortMembers(sources, kind);
     checkMembers(sources, options, kind);
-    HUTZip::create(options.archive, sources);
+    const cli::ProgressLine progress;
+    cli::endingCleanly([&] { HUTZip::create(options.archive, sources); });
 }
 
 }  // namespace

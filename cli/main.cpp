@@ -337,6 +337,8 @@ int main(int argc, char** argv) {
         return run(argc, argv);
     } catch (const cli::NoReader&) {
         return cli::NO_READER;
+    } catch (const cli::Interrupted& interrupted) {
+        return cli::KILLED_BY + interrupted.signal;
     } catch (const UsageError& error) {
         cli::complain(error.what() + pointer(error.command()));
         return cli::WRONG_USE;

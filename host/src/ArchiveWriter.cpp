@@ -56,6 +56,7 @@ ArchiveWriter::~ArchiveWriter() {
 
 void ArchiveWriter::step(WriteStep step, const char* name) {
     name_ = name;
+    if (isCancelled()) refuse("it was stopped");
     if (!writeHooks().before) return;
     errno = writeHooks().before(step);
     if (errno != 0) refuse(systemText());
@@ -89,6 +90,7 @@ void ArchiveWriter::lock() {
         if (Clock::now() > deadline) {
             refuse("another writer holds '" + lockPath_ + "'; try again when it is done");
         }
+        if (isCancelled()) refuse("it was stopped");
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
 }
@@ -172,6 +174,8 @@ void ArchiveWriter::build() {
         zip_.get(), 0.01,
         [](zip_t*, double done, void* teller) { static_cast<ProgressTeller*>(teller)->tell(done); },
         nullptr, &progress);
+    zip_register_cancel_callback_with_state(
+        zip_.get(), [](zip_t*, void*) { return isCancelled() ? 1 : 0; }, nullptr, nullptr);
     if (zip_close(zip_.get()) != 0) refuse(zip_strerror(zip_.get()));
     static_cast<void>(zip_.release());
 }

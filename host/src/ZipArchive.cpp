@@ -169,6 +169,9 @@ void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::
         left -= static_cast<std::uint64_t>(count);
         sink(piece.data(), static_cast<std::size_t>(count));
         progress.done(status.size - left);
+        if (isCancelled()) {
+            throw HEXUserException("The archive '" + path + "' is not read to its end: stopped");
+        }
     }
     if (left != 0) refuseMember(path, status.name, WRONG_SIZE);
 }

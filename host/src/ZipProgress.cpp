@@ -20,6 +20,10 @@ ProgressTeller::ProgressTeller(const std::string& what, std::uint64_t size)
       what_(listener_ != nullptr ? what : ""),
       size_(static_cast<double>(size)) {}
 
+bool isCancelled() {
+    return listener() != nullptr && listener()->cancelled();
+}
+
 void ProgressTeller::tell(double done) {
     if (listener_ != nullptr) listener_->advance(what_, done);
 }

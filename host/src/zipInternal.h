@@ -77,6 +77,9 @@ class ProgressTeller {
     double size_;
 };
 
+/// True when the installed listener wants the work to end.
+bool isCancelled();
+
 /// What a digest begins with, of any version.
 constexpr char DIGEST_START[] = "mav-digest:";
 /// Text form of the digest over all members, with the host's key if there is one.

@@ -7,7 +7,9 @@ import pty
 import re
 import resource
 import shutil
+import signal
 import subprocess
+import time
 import unittest
 import zipfile
 
@@ -243,6 +245,24 @@ class Adding(ArchiveTest):
 
 class LargeMembers(ArchiveTest):
     SIZE = 200 << 20
+
+    def test_a_signal_leaves_nothing_behind(self):
+        self.pack()
+        before = self.archive.read_bytes()
+        with open(self.file, "wb") as file:
+            file.truncate(8 << 30)  # far more than is packed before the signal comes
+        for sent in (signal.SIGINT, signal.SIGTERM):
+            process = subprocess.Popen(
+                list(map(str, (MAV, "add", self.archive, "PDI", self.file))),
+                preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+            while not list(self.dir.glob("*.new-*")):
+                self.assertIsNone(process.poll())
+                time.sleep(0.01)
+            process.send_signal(sent)
+            self.assertEqual(process.wait(), 128 + sent)
+            self.assertEqual(self.archive.read_bytes(), before)
+            self.assertEqual(sorted(entry.name for entry in self.dir.iterdir()),
+                             sorted([self.archive.name, self.file.name]))
 
     def test_constant_memory_and_progress(self):
         self.pack()

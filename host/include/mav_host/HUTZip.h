@@ -68,6 +68,9 @@ class MAV_API ZipProgress {
     /// `what` is the member that is read, or the archive that is written; `done` goes from 0 to 1
     /// and reaches 1 when nothing fails. Called on the thread that works. Must not throw.
     virtual void advance(const std::string& what, double done) = 0;
+    /// Asked now and then while an archive is written, and on the way through large members. True
+    /// ends the work with HEXUserException; an archive that is being written stays as it was.
+    virtual bool cancelled() { return false; }
 };
 
 }  // namespace mav_host
