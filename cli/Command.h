@@ -5,6 +5,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace cli {
 
 /// What the process answers with.
@@ -96,6 +100,21 @@ struct ShowOptions {
 };
 /// Prints the platform for people. Throws UsageError, Failure.
 void runShow(const ShowOptions& options);
+/// What `--section` takes, in the order of the screen.
+std::vector<std::string> sectionNames();
+
+struct CompletionOptions {
+    std::string shell;  ///< bash, zsh or fish
+};
+/// Prints the completion script, made from the options of `app`. Throws UsageError, Failure.
+void runCompletion(const CompletionOptions& options, const CLI::App& app);
+
+struct ManualOptions {
+    std::string directory;
+};
+/// Writes mav.1 and a page for each command into the folder, which is made when it is missing.
+/// Throws Failure.
+void runManual(const ManualOptions& options, const CLI::App& app);
 
 struct ValidateOptions {
     std::vector<std::string> files;

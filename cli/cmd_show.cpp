@@ -338,8 +338,7 @@ constexpr Section SECTIONS[] = {
 
 void checkSections(const std::vector<std::string>& wanted) {
     for (const std::string& name : wanted) {
-        std::vector<std::string> known;
-        for (const Section& section : SECTIONS) known.emplace_back(section.name);
+        const std::vector<std::string> known = cli::sectionNames();
         if (std::find(known.begin(), known.end(), name) != known.end()) continue;
         const std::string meant = cli::nearest(name, known);
         throw cli::UsageError("unknown section '" + cli::printable(name) + "': use " +
@@ -350,6 +349,12 @@ void checkSections(const std::vector<std::string>& wanted) {
 }
 
 }  // namespace
+
+std::vector<std::string> cli::sectionNames() {
+    std::vector<std::string> names;
+    for (const Section& section : SECTIONS) names.emplace_back(section.name);
+    return names;
+}
 
 void cli::runShow(const ShowOptions& options) {
     checkSections(options.sections);

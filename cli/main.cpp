@@ -82,6 +82,13 @@ constexpr const char* VALIDATE_NOTES =
     "Looks at the platform file and all that it refers to, and prints every finding as\n"
     "FILE:LINE:COLUMN: SEVERITY: SENTENCE [RULE]. The code is 1 when one of them is an error.\n";
 
+constexpr const char* COMPLETION_NOTES =
+    "To have it in one shell:\n"
+    "  source <(mav completion bash)\n"
+    "  source <(mav completion zsh)     after compinit\n"
+    "  mav completion fish | source\n"
+    "The packages install it for all three.\n";
+
 /// What the command line sets.
 struct Options {
     cli::JsonOptions json;
@@ -92,6 +99,8 @@ struct Options {
     cli::AddOptions add;
     cli::GetOptions get;
     cli::ShowOptions show;
+    cli::CompletionOptions completion;
+    cli::ManualOptions manual;
     cli::DiffOptions diff;
     cli::KeysOptions keys;
     cli::DictOptions dict;
@@ -148,9 +157,11 @@ void describePacking(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pa
     CLI::App* toJson = app.add_subcommand("json", "Print the description of a platform as JSON");
     toJson->add_option("FILE", json.file, "Platform file")->required();
     toJson->add_flag("--short", json.shortForm, "Only uniqueName, file and description");
-    toJson->add_option("--metadata", json.metadata,
-                       "Metadata of hardware archives: auto (JSON, else XML), json (JSON when the "
-                       "primary member is there, else XML), xml");
+    toJson
+        ->add_option("--metadata", json.metadata,
+                     "Metadata of hardware archives: auto (JSON, else XML), json (JSON when the "
+                     "primary member is there, else XML), xml")
+        ->type_name("auto|json|xml");
     toJson->footer(JSON_NOTES);
     CLI::App* toArchive = app.add_subcommand("pack", "Pack a folder into a platform archive");
     toArchive->add_option("DIR", pack.directory, "Folder with the files")->required();
@@ -166,15 +177,16 @@ void describeArchives(CLI::App& app, Options& options) {
     CLI::App* extract = app.add_subcommand("extract", "Extract a member of an archive");
     extract->add_option("ARCHIVE", options.extract.archive, "Archive to read")->required();
     extract->add_option("WHAT", options.extract.what, "Type, member or folder")->required();
-    extract->add_option(
-        "-o,--output", options.extract.directory,
-        "Folder to extract into, made when it is missing; without it the present one");
+    extract
+        ->add_option("-o,--output", options.extract.directory,
+                     "Folder to extract into, made when it is missing; without it the present one")
+        ->type_name("DIR");
     extract->footer(EXTRACT_NOTES);
     CLI::App* add = app.add_subcommand("add", "Add a file to an archive");
     add->add_option("ARCHIVE", options.add.archive, "Archive to change")->required();
     add->add_option("TYPE", options.add.type, "File type")->required();
     add->add_option("FILE", options.add.file, "File to add")->required();
-    add->add_option("--as", options.add.member, "Path inside the archive");
+    add->add_option("--as", options.add.member, "Path inside the archive")->type_name("NAME");
     add->footer(ADD_NOTES);
     CLI::App* verify = app.add_subcommand("verify", "Check members and digest of an archive");
     verify->add_option("ARCHIVE", options.verify.archive, "Archive to check")->required();
@@ -212,9 +224,11 @@ void describeViews(CLI::App& app, Options& options) {
     CLI::App* show = app.add_subcommand("show", "Show a platform on one screen");
     show->add_option("FILE", options.show.file, "Platform file")->required();
     show->add_option("--section", options.show.sections, "Only this section; may be repeated")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->type_name("SECTION");
     show->add_option("--color", options.show.color,
-                     "auto (on a terminal, without NO_COLOR), always or never");
+                     "auto (on a terminal, without NO_COLOR), always or never")
+        ->type_name("auto|always|never");
     show->footer(SHOW_NOTES);
     CLI::App* validate = app.add_subcommand("validate", "Find all that is wrong with platforms");
     validate->add_option("FILE", options.validate.files, "Platform files");
@@ -227,7 +241,8 @@ void describeViews(CLI::App& app, Options& options) {
     diff->add_option("A", options.diff.first, "Platform file")->required();
     diff->add_option("B", options.diff.second, "Platform file")->required();
     diff->add_flag("--json", options.diff.json, "Print JSON");
-    diff->add_option("--color", options.diff.color, "auto, always or never");
+    diff->add_option("--color", options.diff.color, "When to colour")
+        ->type_name("auto|always|never");
     diff->footer(DIFF_NOTES);
 }
 
@@ -272,6 +287,14 @@ void describePolicy(CLI::App& app, Options& options) {
     unprotect->footer(PROTECT_NOTES);
 }
 
+void describeHelp(CLI::App& app, Options& options) {
+    CLI::App* completion = app.add_subcommand("completion", "Print the completion of a shell");
+    completion->add_option("SHELL", options.completion.shell, "bash, zsh or fish")->required();
+    completion->footer(COMPLETION_NOTES);
+    CLI::App* manual = app.add_subcommand("manual", "Write the manual pages into a folder");
+    manual->add_option("DIR", options.manual.directory, "Folder to write into")->required();
+}
+
 void describe(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "mav " MAV_VERSION, "Print the version and exit");
     app.require_subcommand(1);
@@ -282,6 +305,7 @@ void describe(CLI::App& app, Options& options) {
     describeArchives(app, options);
     describeQueries(app, options);
     describePolicy(app, options);
+    describeHelp(app, options);
 }
 
 /// Runs the chosen command; false when it answers the question with no.
@@ -294,6 +318,8 @@ bool answer(const CLI::App& app, const Options& options) {
     if (command == "validate") return cli::runValidate(options.validate);
     if (command == "get") return cli::runGet(options.get);
     if (command == "check") return cli::runCheck(options.check);
+    if (command == "completion") cli::runCompletion(options.completion, app);
+    if (command == "manual") cli::runManual(options.manual, app);
     if (command == "json") cli::runJson(options.json);
     if (command == "pack") cli::runPack(options.pack);
     if (command == "files") cli::runFiles(options.files);

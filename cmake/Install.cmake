@@ -22,8 +22,15 @@ add_dependencies(mav_platform mav_share)
 # Three components: the library with its data, what clients are built with, and the command.
 install(TARGETS mav_platform EXPORT MavPlatformTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
-if(TARGET mav)
+if(TARGET mav_help)
   install(TARGETS mav RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
+  install(DIRECTORY ${MAV_HELP_DIR}/man1 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
+  install(FILES ${MAV_HELP_DIR}/mav.bash RENAME mav COMPONENT command
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${MAV_HELP_DIR}/mav.zsh RENAME _mav COMPONENT command
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+  install(FILES ${MAV_HELP_DIR}/mav.fish COMPONENT command
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 install(DIRECTORY host/include/mav_host platform/include/mav_platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "OptionTable.h"
+
+namespace cli {
+
+// The completion scripts of three shells. Each offers commands, options, choices, file types, files
+// and folders; keys are asked of `mav keys` for the file that is typed already.
+std::string bashCompletion(const std::vector<CommandTable>& tables);
+std::string zshCompletion(const std::vector<CommandTable>& tables);
+std::string fishCompletion(const std::vector<CommandTable>& tables);
+
+}  // namespace cli

@@ -1,0 +1,130 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Manual pages and completions: built from the command's own tables, complete, and understood."""
+import pathlib
+import re
+import shutil
+import unittest
+
+from support import MAV, SAMPLES, CommandTest, run
+
+BUILT = SAMPLES.parent.parent.parent / "help"
+SAMPLE = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+SHELLS = ["bash", "zsh", "fish"]
+
+BASH = """source "$1"; shift
+COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _mav; printf '%s\\n' "${COMPREPLY[@]}"
+"""
+# A terminal of its own, in which zsh lists what it would insert.
+ZSH = """zmodload zsh/zpty; zpty shell zsh -f -i
+zpty -w shell "PS1=; TERM=dumb; path=($1 \\$path); autoload -Uz compinit; compinit -D -u; source $2"
+zpty -w shell "zstyle ':completion:*' list-prompt ''; zstyle ':completion:*' menu no; setopt no_beep; print READY-\\$((1+1))"
+zpty -m -r shell line '*READY-2*'
+zpty -w -n shell "$3"$'\\t\\t'
+zpty -m -r shell line "*$4*"; print -rn -- "$line"
+zpty -d shell
+"""
+
+
+def commands():
+    """The commands that the help lists, each with the options that its own help lists."""
+    listed = run(MAV, "--help").stdout.decode().split("Subcommands:")[1].split("Exit codes")[0]
+    names = re.findall(r"^  (\w+) ", listed, re.MULTILINE)
+    helps = {name: run(MAV, name, "--help").stdout.decode() for name in names}
+    return {name: re.findall(r"^  (?:-\w,)?(--[\w-]+)", text, re.MULTILINE)
+            for name, text in helps.items()}
+
+
+class HelpTest(CommandTest):
+    def offered(self, *words):
+        """What bash offers for the last word."""
+        path = {"PATH": f"{pathlib.Path(MAV).parent}:/usr/bin:/bin"}
+        done = run("bash", "-c", BASH, "bash", BUILT / "mav.bash", "mav", *words, env=path,
+                   cwd=self.dir)
+        self.assertEqual(done.stderr, b"")
+        return done.stdout.decode().split("\n")[:-1]
+
+    def offered_by_fish(self, line):
+        done = run("fish", "--no-config", "-c", f"source {BUILT}/mav.fish; complete -C '{line}'",
+                   cwd=self.dir, env={"HOME": str(self.dir), "PATH": "/usr/bin:/bin"})
+        self.assertEqual(done.stderr, b"")
+        return [entry.split("\t")[0] for entry in done.stdout.decode().splitlines()]
+
+    def test_built_files_are_what_the_command_writes(self):
+        self.mav("manual", self.dir / "man")
+        names = sorted(path.name for path in (self.dir / "man").iterdir())
+        self.assertEqual(names, sorted(path.name for path in (BUILT / "man1").iterdir()))
+        self.assertEqual(names, sorted(["mav.1"] + [f"mav-{name}.1" for name in commands()]))
+        for name in names:
+            self.assertEqual((self.dir / "man" / name).read_bytes(),
+                             (BUILT / "man1" / name).read_bytes(), name)
+        for shell in SHELLS:
+            self.assertEqual(self.mav("completion", shell)[0], (BUILT / f"mav.{shell}").read_text())
+
+    def test_every_command_and_option_is_everywhere(self):
+        found = commands()
+        self.assertGreater(len(found), 10)
+        main = (BUILT / "man1/mav.1").read_text()
+        for name, options in found.items():
+            self.assertIn(f"\\fB{name}\\fR\n", main)
+            self.assertIn(name, self.offered(""))
+            page = (BUILT / f"man1/mav-{name}.1").read_text().replace("\\-", "-")
+            self.assertIn("--help", options)
+            for option in options:
+                self.assertIn(f"\\fB{option}\\fR", page, name)
+            self.assertLessEqual(set(options), set(self.offered(name, "--")))
+            self.assertLessEqual(set(options), set(self.offered_by_fish(f"mav {name} --")))
+
+    def test_pages_are_well_formed(self):
+        for page in sorted((BUILT / "man1").iterdir()):
+            done = run("groff", "-man", "-Tutf8", "-P-cbou", "-ww", page)
+            self.assertEqual((done.returncode, done.stderr), (0, b""), page.name)
+            self.assertIn("SYNOPSIS", done.stdout.decode())
+
+    def test_bash_offers_what_fits_the_place(self):
+        (self.dir / "card one.pka").write_text("")
+        (self.dir / "folder").mkdir()
+        for words, expected in [
+                (["verif"], ["verify"]), (["--vers"], ["--version"]),
+                (["show", "--color", "a"], ["auto", "always"]),
+                (["show", "--color", "=", "ne"], ["never"]),
+                (["show", "--section", "cl"], ["clocks"]),
+                (["json", "--metadata", "x"], ["xml"]), (["json", "card"], ["card one.pka"]),
+                (["extract", "-o", ""], ["folder"]), (["completion", "z"], ["zsh"]),
+                (["add", "a.pka", "DR_"], ["DR_BD"]),
+                (["extract", "-o", "folder", "a.pka", "STAGE1"], ["STAGE1_BIT"]),
+                (["verify", "a.pka", "c"], [])]:
+            self.assertEqual([word for word in self.offered(*words) if word], expected, words)
+
+    @unittest.skipUnless("keys" in commands(), "keys are asked of `mav keys`")
+    def test_bash_offers_the_keys_of_the_file(self):
+        offered = self.offered("get", str(SAMPLE), "hardwarePlatforms.hardwarePlatform.systemCl")
+        self.assertTrue(any("systemClocks[*]" in key for key in offered), offered)
+
+    def test_fish_offers_what_fits_the_place(self):
+        (self.dir / "card.pka").write_text("")
+        (self.dir / "folder").mkdir()
+        for line, expected in [
+                ("mav verif", ["verify"]), ("mav show --color a", ["always", "auto"]),
+                ("mav show --section cl", ["clocks"]), ("mav json car", ["card.pka"]),
+                ("mav extract -o f", ["folder/"]), ("mav add a.pka DR_", ["DR_BD"]),
+                ("mav extract -o folder a.pka STAGE1", ["STAGE1_BIT"])]:
+            self.assertEqual(self.offered_by_fish(line), expected, line)
+
+    def test_zsh_offers_what_fits_the_place(self):
+        for line, expected in [("mav verif", "verify"), ("mav show --color=nev", "never"),
+                               ("mav add a.pka DR_", "DR_BD"), ("mav completion fi", "fish")]:
+            done = run("timeout", "30", "zsh", "-f", "-c", ZSH, "zsh", pathlib.Path(MAV).parent,
+                       BUILT / "mav.zsh", line, expected, cwd=self.dir,
+                       env={"PATH": "/usr/bin:/bin", "HOME": str(self.dir), "TERM": "dumb"})
+            self.assertIn(expected, done.stdout.decode(errors="replace"), done.stderr)
+
+    def test_wrong_use(self):
+        self.refused("completion", "bahs", code=2, says=["'bahs'", "Did you mean 'bash'?"])
+        (self.dir / "file").write_text("")
+        self.refused("manual", self.dir / "file", code=3, says=["cannot make the folder"])
+        for tool in SHELLS + ["groff"]:
+            self.assertIsNotNone(shutil.which(tool), f"./dev install-deps brings {tool}")
+
+
+if __name__ == "__main__":
+    unittest.main()
