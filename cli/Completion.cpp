@@ -287,6 +287,7 @@ end
 
 function __mav_keys
     set -l words (__mav_words)
+    set -q words[2]; or return
     mav keys $words[2] 2>/dev/null | string replace -r '^ *[0-9]* +' '' | string replace -a '[]' '[*]'
 end
 

@@ -9,6 +9,7 @@ from support import MAV, SAMPLES, CommandTest, run
 
 BUILT = SAMPLES.parent.parent.parent / "help"
 SAMPLE = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+PATH = f"{pathlib.Path(MAV).parent}:/usr/bin:/bin"
 SHELLS = ["bash", "zsh", "fish"]
 
 BASH = """source "$1"; shift
@@ -37,15 +38,14 @@ def commands():
 class HelpTest(CommandTest):
     def offered(self, *words):
         """What bash offers for the last word."""
-        path = {"PATH": f"{pathlib.Path(MAV).parent}:/usr/bin:/bin"}
-        done = run("bash", "-c", BASH, "bash", BUILT / "mav.bash", "mav", *words, env=path,
-                   cwd=self.dir)
+        done = run("bash", "-c", BASH, "bash", BUILT / "mav.bash", "mav", *words,
+                   env={"PATH": PATH}, cwd=self.dir)
         self.assertEqual(done.stderr, b"")
         return done.stdout.decode().split("\n")[:-1]
 
     def offered_by_fish(self, line):
         done = run("fish", "--no-config", "-c", f"source {BUILT}/mav.fish; complete -C '{line}'",
-                   cwd=self.dir, env={"HOME": str(self.dir), "PATH": "/usr/bin:/bin"})
+                   cwd=self.dir, env={"HOME": str(self.dir), "PATH": PATH})
         self.assertEqual(done.stderr, b"")
         return [entry.split("\t")[0] for entry in done.stdout.decode().splitlines()]
 
@@ -95,10 +95,11 @@ class HelpTest(CommandTest):
                 (["verify", "a.pka", "c"], [])]:
             self.assertEqual([word for word in self.offered(*words) if word], expected, words)
 
-    @unittest.skipUnless("keys" in commands(), "keys are asked of `mav keys`")
-    def test_bash_offers_the_keys_of_the_file(self):
-        offered = self.offered("get", str(SAMPLE), "hardwarePlatforms.hardwarePlatform.systemCl")
-        self.assertTrue(any("systemClocks[*]" in key for key in offered), offered)
+    def test_keys_of_the_file_are_offered(self):
+        start = "hardwarePlatforms.hardwarePlatform.systemCl"
+        for offered in (self.offered("get", str(SAMPLE), start),
+                        self.offered_by_fish(f"mav get {SAMPLE} {start}")):
+            self.assertTrue(any("systemClocks[*]" in key for key in offered), offered)
 
     def test_fish_offers_what_fits_the_place(self):
         (self.dir / "card.pka").write_text("")
