@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Command.h"
+#include "KeyHint.h"
 #include "Load.h"
 #include "Output.h"
 #include "mav_platform/HMAVNativeDictService.h"
@@ -31,8 +32,8 @@ bool cli::runDict(const DictOptions& options) {
     }
     if (!found) {
         complain((options.names.empty() ? "nothing is at '" : "none of the names is below '") +
-                 printable(options.path) + "' in '" + printable(options.file) +
-                 "'. 'mav keys' lists the paths of a platform.");
+                 printable(options.path) + "' in '" + printable(options.file) + "'." +
+                 keyHint(*loader, options.path) + " 'mav keys' lists the paths of a platform.");
         return false;
     }
     writeAnswer(options.json ? NativeDictService::getAsJsonStr(dict) : lines(dict));

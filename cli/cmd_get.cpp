@@ -2,6 +2,7 @@
 #include <boost/property_tree/ptree.hpp>
 
 #include "Command.h"
+#include "KeyHint.h"
 #include "Load.h"
 #include "Output.h"
 #include "mav_platform/HMAVNativeObjectService.h"
@@ -13,7 +14,8 @@ bool cli::runGet(const GetOptions& options) {
     const auto node = NativeObjectService().getObjectsByPath(loader.get(), options.path, found);
     if (!found) {
         complain("nothing is at '" + printable(options.path) + "' in '" + printable(options.file) +
-                 "'. 'mav keys' lists the paths of a platform.");
+                 "'." + keyHint(*loader, options.path) +
+                 " 'mav keys' lists the paths of a platform.");
         return false;
     }
     writeAnswer(node.empty() && !options.json ? node.data() + "\n"
