@@ -10,6 +10,7 @@
 #include "json/Document.h"
 #include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVJSONUtils.h"
+#include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformLoader.h"
@@ -97,6 +98,30 @@ void writeByBoost(benchmark::State& state) {
     setBytes(state, size);
 }
 
+/// Asks the property tree of a document for the last bus interface.
+void askTree(benchmark::State& state) {
+    using mav::platform::NativeObjectService;
+    const std::string file = archive(state);
+    const std::string interfaces = "hardwarePlatforms.hardwarePlatform.busInterfaces";
+    const ptree tree = NativeObjectService().getAsPropertyTree(file);
+    const std::size_t count = tree.get_child(interfaces).size();
+    const std::string path = interfaces + "[" + std::to_string(count - 1) + "].name";
+    if (NativeObjectService::findNode(tree, path) == nullptr) state.SkipWithError("nothing found");
+    for (auto _ : state) benchmark::DoNotOptimize(NativeObjectService::findNode(tree, path));
+}
+
+/// Asks a loader that has loaded: the document is written and read for each question.
+void askLoader(benchmark::State& state) {
+    mav_platform::PlatformLoader loader(archive(state),
+                                        mav_platform::PlatformLoader::HW_METADATA_AUTO);
+    const mav::platform::NativeObjectService service;
+    bool found = false;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            service.getObjectsByPath(&loader, "hardwarePlatform.busInterfaces[0].name", found));
+    if (!found) state.SkipWithError("nothing found");
+}
+
 BENCHMARK(readMember)->DenseRange(0, 2);
 BENCHMARK(parse)->DenseRange(0, 2);
 BENCHMARK(parseByBoost)->DenseRange(0, 2);
@@ -104,6 +129,8 @@ BENCHMARK(parseBySimdjson)->DenseRange(0, 2);
 BENCHMARK(load)->DenseRange(0, 2);
 BENCHMARK(write)->DenseRange(0, 2);
 BENCHMARK(writeByBoost)->DenseRange(0, 2);
+BENCHMARK(askTree)->DenseRange(0, 2);
+BENCHMARK(askLoader)->DenseRange(0, 2);
 
 }  // namespace
 
