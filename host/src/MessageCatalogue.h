@@ -50,7 +50,8 @@ inline constexpr CatalogueEntry MESSAGE_CATALOGUE[] = {
     {"74-34", "@74-34@%s%s",
      "The archive '%1' has no readable member '%2'; pack the archive again with it."},
     {"74-49", "@74-49@%s",
-     "The support list '%1' is empty, not protected or unreadable; platforms are judged without it."},
+     "The support list '%1' is empty, not protected or unreadable; platforms are judged without "
+     "it."},
     {"74-50", "@74-50@%s",
      "The support list '%1' is malformed: it must hold 'black_list' and 'white_list' with "
      "'products' in every entry; platforms are judged without it."},
