@@ -201,7 +201,7 @@ struct TransformOptions {
     std::string file;
     std::string spec;  ///< JSON text, else the name of a file with it
 };
-/// Prints what the specification makes of the platform's description. Throws UsageError, Failure.
+/// Prints what SPEC makes of the platform's description. Throws UsageError, Failure.
 void runTransform(const TransformOptions& options);
 
 struct DocOptions {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t MAX_SIZE = std::uint64_t{1} << 30;
 
-/// The specification itself, or the content of the file that is named.
+/// SPEC itself, or the content of the file that is named.
 std::string specText(const std::string& spec) {
     const std::size_t start = spec.find_first_not_of(" \t\r\n");
     if (start != std::string::npos && spec[start] == '{') return spec;

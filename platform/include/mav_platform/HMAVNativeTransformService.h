@@ -19,9 +19,9 @@ class MAV_API NativeTransformService : public TransformService {
   public:
     ~NativeTransformService() override;
 
-    /// The specification checked and as pretty JSON text.
+    /// The transform checked and as pretty JSON text.
     std::string getTransformSpecAsJsonStr(const std::string& spec) const override;
-    /// What the specification makes of the platform's document.
+    /// What the transform makes of the platform's document.
     ptree getObjectsBySpec(const std::string& platformFile, const std::string& spec) const override;
     ptree getObjectsBySpec(PlatformLoader* loader, const std::string& spec) const override;
     /// The same as pretty JSON text.

@@ -103,7 +103,7 @@ void addChild(ptree& parent, std::string_view key, ptree& child) {
     parent.push_back({std::string(key), ptree()})->second.swap(child);
 }
 
-/// What the specification makes of the node. Older paths are rewritten at the document's root
+/// What the transform makes of the node. Older paths are rewritten at the document's root
 /// alone.
 ptree apply(const Node& spec, const Node& root, bool top) {
     ptree result;
