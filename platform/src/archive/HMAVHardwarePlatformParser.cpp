@@ -52,7 +52,7 @@ HMAVHardwarePlatform* HMAVHardwarePlatformParser::parseDSAFile_(const std::strin
     std::string member;
     if (reader.canParse(file, Mode::HW_METADATA_AUTO, member)) {
         // What is wrong with the member has been reported; of another kind the archive is not.
-        reader.parseDSA(file, Mode::HW_METADATA_AUTO);
+        reader.parseMember(file, member);
         return first.get();
     }
     if (!HUTFile::exists(file)) return first.get();

@@ -13,8 +13,11 @@ class OpenArchives {
   public:
     /// The opened archive; throws as mav_host::ZipArchive does. Valid while this object lives.
     const mav_host::ZipArchive& open(const std::string& path);
+    /// HUTFile::getCanonicalName, asked once for each path.
+    const std::string& canonicalName(const std::string& path);
 
   private:
+    std::unordered_map<std::string, std::string> canonical_;
     std::unordered_map<std::string, mav_host::ZipArchive> byPath_;
 };
 

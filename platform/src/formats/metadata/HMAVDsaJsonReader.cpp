@@ -62,7 +62,7 @@ bool HMAVDsaJsonReader::canParse(const std::string& path, Mode mode, std::string
         return false;
     }
     if (mode == Mode::HW_METADATA_XML) return false;
-    platform_->setPlatformFile(HUTFile::getCanonicalName(path));
+    platform_->setPlatformFile(archives_->canonicalName(path));
     return canParse_(path, mode, platform_->getJsonFileName(), platform_->getAltJsonFileName(),
                      member);
 }
@@ -73,14 +73,14 @@ bool HMAVDsaJsonReader::canParseHwEmu(const std::string& path, Mode mode, std::s
         return false;
     }
     if (mode == Mode::HW_METADATA_XML) return false;
-    platform_->setPlatformFile(HUTFile::getCanonicalName(path));
+    platform_->setPlatformFile(archives_->canonicalName(path));
     return canParse_(path, mode, platform_->getHwEmuJsonFileName(),
                      platform_->getAltHwEmuJsonFileName(), member);
 }
 
 bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
     std::string member;
-    if (canParse(path, mode, member)) return parseMember_(path, member);
+    if (canParse(path, mode, member)) return parseMember(path, member);
     reportDeclined_(path, mode);
     return false;
 }
@@ -88,7 +88,7 @@ bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
 bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
     std::string member;
     merged_ = true;
-    const bool parsed = canParseHwEmu(path, mode, member) && parseMember_(path, member);
+    const bool parsed = canParseHwEmu(path, mode, member) && parseMember(path, member);
     merged_ = false;
     return parsed;
 }
@@ -109,7 +109,7 @@ void HMAVDsaJsonReader::reportDeclined_(const std::string& path, Mode mode) {
     }
 }
 
-bool HMAVDsaJsonReader::parseMember_(const std::string& path, const std::string& member) {
+bool HMAVDsaJsonReader::parseMember(const std::string& path, const std::string& member) {
     std::string text;
     try {
         text = archives_->open(path).read(member, HUTZip::MAX_METADATA_SIZE);

@@ -51,6 +51,8 @@ class HMAVDsaJsonReader {
     bool parseDSA(const std::string& path, Mode mode);
     /// The same for the hardware-emulation platform inside the archive; silent when there is none.
     bool parseHwEmuPKA(const std::string& path, Mode mode);
+    /// Reads the member that canParse has named; reports as parseDSA does.
+    bool parseMember(const std::string& path, const std::string& member);
 
     /// Reads metadata that stands in a file of its own, or in a text. Reports as parseDSA does,
     /// with the file (or "text") in place of the archive.
@@ -110,7 +112,6 @@ class HMAVDsaJsonReader {
 
     bool canParse_(const std::string& path, Mode mode, const std::string& primary,
                    const std::string& alternative, std::string& member);
-    bool parseMember_(const std::string& path, const std::string& member);
     bool parseDocument_(std::string text, const std::string& path, const std::string& member,
                         bool inArchive = false);
     std::string placed_(const std::string& member) const;
