@@ -264,6 +264,16 @@ class LargeMembers(ArchiveTest):
             self.assertEqual(sorted(entry.name for entry in self.dir.iterdir()),
                              sorted([self.archive.name, self.file.name]))
 
+    @staticmethod
+    def sanitizer_memory():
+        """What the tool of a sanitized build takes before any work is done; 0 without one."""
+        if not os.environ.get("MAV_ASAN_RUNTIME"):
+            return 0
+        with subprocess.Popen([MAV, "--version"], stdout=subprocess.DEVNULL) as process:
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = os.waitstatus_to_exitcode(status)
+        return usage.ru_maxrss
+
     def test_constant_memory_and_progress(self):
         self.pack()
         block = bytes(range(256)) * 16 + os.urandom(12288)
@@ -290,7 +300,7 @@ class LargeMembers(ArchiveTest):
             peak.append(usage.ru_maxrss)
             self.assertIn(b"50 %", shown)
             self.assertTrue(shown.endswith(b"\r\x1b[K"), shown[-80:])
-        self.assertLess(max(peak), 64 << 10, "kB")
+        self.assertLess(max(peak) - self.sanitizer_memory(), 64 << 10, "kB")
         self.assertEqual((self.dir / "out/new.pdi").stat().st_size, self.file.stat().st_size)
         self.mav("verify", self.archive)
 
