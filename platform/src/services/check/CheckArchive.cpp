@@ -328,14 +328,18 @@ class ArchiveCheck {
         }
     }
 
+    bool isInListedFolder(const std::string& member) const {
+        for (std::size_t i = member.find('/'); i != std::string::npos;
+             i = member.find('/', i + 1)) {
+            if (folders_.count(member.substr(0, i + 1)) > 0) return true;
+        }
+        return false;
+    }
+
     void checkUnlisted() {
         for (const std::string& member : members_) {
             if (listed_.count(member) > 0 || member.back() == '/') continue;
-            const bool inFolder =
-                std::any_of(folders_.begin(), folders_.end(), [&](const std::string& folder) {
-                    return member.compare(0, folder.size(), folder) == 0;
-                });
-            if (inFolder) continue;
+            if (isInListedFolder(member)) continue;
             report_.add("unlisted-member", {archive_.path()},
                         "the member " + shown(member) + " is not listed anywhere");
         }
