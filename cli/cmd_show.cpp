@@ -13,6 +13,7 @@
 #include "mav_platform/HMAVBootImg.h"
 #include "mav_platform/HMAVEmulation.h"
 #include "mav_platform/HMAVEmulations.h"
+#include "mav_platform/HMAVNativeCatalogService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVProcessorGroup.h"
 #include "mav_platform/HMAVReconfigurablePartition.h"
@@ -27,6 +28,7 @@ using Rows = std::vector<Screen::Row>;
 
 /// What the sections show, found once.
 struct Subject {
+    mav_platform::PlatformLoader& loader;  ///< of the platform
     const HMAVPlatform& platform;
     const HPLPlatform* hardware;  ///< the own one, else the default partition's; null without
     bool whole;                   ///< no list is cut
@@ -128,6 +130,18 @@ void showTargets(Screen& screen, const Subject& subject) {
                    {"expandable", yesNo(platform.isExpandable())},
                    {"unified", yesNo(platform.isUnified())},
                    {"design intent", joined(intents, ", ")}});
+}
+
+void showSupport(Screen& screen, const Subject& subject) {
+    if (subject.hardware == nullptr) return;
+    const mav::platform::NativeCatalogService service;
+    std::string reason;
+    const bool supported = service.isUnderWarranty(&subject.loader, reason);
+    const std::string release = service.getCompilerVersion_();
+    screen.section("support");
+    screen.values({{"verdict", supported ? "supported" : "refused"},
+                   {"reason", reason},
+                   {"tool release", release.empty() ? "versionless" : release}});
 }
 
 void showClocks(Screen& screen, const Subject& subject) {
@@ -330,10 +344,11 @@ struct Section {
     void (*show)(Screen&, const Subject&);
 };
 constexpr Section SECTIONS[] = {
-    {"identity", showIdentity},     {"device", showDevice},         {"targets", showTargets},
-    {"clocks", showClocks},         {"memories", showMemories},     {"banks", showBanks},
-    {"interfaces", showInterfaces}, {"partitions", showPartitions}, {"array", showArray},
-    {"software", showSoftware},     {"emulation", showEmulation},   {"files", showFiles},
+    {"identity", showIdentity}, {"device", showDevice},         {"targets", showTargets},
+    {"support", showSupport},   {"clocks", showClocks},         {"memories", showMemories},
+    {"banks", showBanks},       {"interfaces", showInterfaces}, {"partitions", showPartitions},
+    {"array", showArray},       {"software", showSoftware},     {"emulation", showEmulation},
+    {"files", showFiles},
 };
 
 void checkSections(const std::vector<std::string>& wanted) {
@@ -359,9 +374,11 @@ std::vector<std::string> cli::sectionNames() {
 void cli::runShow(const ShowOptions& options) {
     checkSections(options.sections);
     const bool color = wantsColor(options.color, "show");
-    const auto platform = loadFile("show", options.file)->load();
+    const auto loader = loadFile("show", options.file);
+    const auto platform = loader->load();
     const Subject subject{
-        *platform, dynamic_cast<const HPLPlatform*>(std::as_const(*platform).getHardwarePlatform()),
+        *loader, *platform,
+        dynamic_cast<const HPLPlatform*>(std::as_const(*platform).getHardwarePlatform()),
         !options.sections.empty()};
     Screen screen(color, screenWidth());
     if (!subject.whole) {

@@ -53,8 +53,8 @@ constexpr const char* TRANSFORM_NOTES =
     "paths that begin at the element.\n";
 
 constexpr const char* SHOW_NOTES =
-    "Sections: identity, device, targets, clocks, memories, banks, interfaces, partitions, array,\n"
-    "software, emulation, files. Without --section all are shown and long lists are cut; the\n"
+    "Sections: identity, device, targets, support, clocks, memories, banks, interfaces, partitions,\n"
+    "array, software, emulation, files. Without --section all are shown and long lists are cut; the\n"
     "sections that are asked for are shown whole, in this order.\n";
 
 constexpr const char* DIFF_NOTES =

@@ -66,6 +66,28 @@ class Show(CommandTest):
         self.assertIn("HBM[31]", text)
         self.assertEqual(re.findall(r"^\S.*", text, re.MULTILINE), ["clocks", "memories"])
 
+    def test_support_is_the_verdict_for_the_release_in_force(self):
+        def support(name, release):
+            return self.mav("show", SAMPLES / name, "--section", "support",
+                            env={**os.environ, "MAV_TOOL_RELEASE": release})
+        good = support("tessomar_r2/tessomar_r2.qpfm", "2027.4")[0]
+        self.assertEqual(good, "support\n  verdict       supported\n  tool release  2027.4\n")
+        bad = support("tessomar_r2/tessomar_r2.qpfm", "2028.1")[0]
+        self.assertIn("verdict       refused\n", bad)
+        self.assertIn("tool release  2028.1\n", bad)
+        reason = self.mav("info", PARTED, "--json",
+                          env={**os.environ, "MAV_TOOL_RELEASE": "2028.1"})[0]
+        words = re.search(r"  reason +((?:.*\n)*?)  tool release", bad)[1].split()
+        self.assertIn(" ".join(words), reason)
+        self.assertRegex(support(PARTED, "0.3")[0], r"\n  tool release  versionless\n")
+        # Judged once and where it is asked for: no message of the policy when it is not.
+        self.assertIn("versionless", support(PARTED, "0.3")[1])
+        self.assertNotIn("versionless", self.mav("show", PARTED, "--section", "clocks",
+                                                 env={**os.environ, "MAV_TOOL_RELEASE": "0.3"})[1])
+        software = next(SAMPLES.glob("**/*.spfm"))
+        self.assertEqual(support(software, "2028.1")[0], "")
+        self.assertNotIn("support", re.findall(r"^\S.*", self.show(software), re.MULTILINE))
+
     def test_wrong_choices(self):
         self.refused("show", CARD, "--section", "clock", code=2,
                      says=["unknown section 'clock': use identity", "Did you mean 'clocks'?"])
