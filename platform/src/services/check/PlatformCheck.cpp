@@ -5,6 +5,7 @@
 #include <ostream>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "formats/description/MAVPlatformLMX.h"
 #include "formats/software/MAVSoftwarePlatformLMX.h"
@@ -33,12 +34,24 @@ class Aside final : public ComMsgSink {
         ComMsgMgr::setSink(sink_);
         mav_host::setConsole(console_);
     }
-    void send(const ComMsg& message) override { last_ = ComMsgMgr::format(message); }
-    const std::string& last() const { return last_; }
+    void send(const ComMsg& message) override {
+        last_ = ComMsgMgr::format(message);
+        if (message.id.starts_with("@74-64@") && message.args.size() == 3) {
+            faults_.push_back(message.args);
+        }
+    }
+    /// The sentence of the last report, without severity and number.
+    std::string last() const {
+        if (last_.empty()) return "the platform does not load";
+        return last_.substr(last_.find("] ") + 2);
+    }
+    /// Archive, member and fault of each report about a member since the last call.
+    HSTVector<HSTVector<std::string>> takeFaults() { return std::exchange(faults_, {}); }
 
   private:
     std::ostringstream lines_;
     std::string last_;
+    HSTVector<HSTVector<std::string>> faults_;
     ComMsgSink* sink_;
     std::ostream* console_;
 };
@@ -183,9 +196,23 @@ class Walk {
     std::set<std::string> seen_;  ///< canonical paths of the files looked at
 };
 
+/// The nested array-engine project, which is read on the first question about it.
+void arrayProject(const HMAVHardwarePlatform& hardware, Aside& aside, Report& report) {
+    aside.takeFaults();
+    std::string cause;
+    try {
+        hardware.initDpePartitions();
+    } catch (const HEXError& error) {
+        cause = std::string(": ") + error.what();
+    }
+    for (const auto& fault : aside.takeFaults()) {
+        report.add("array-engine", {fault[0] + "/" + fault[1]}, fault[2] + cause);
+    }
+}
+
 /// Whether it loads after all, and what is read only on the first question.
 void load(const std::string& path, Report& report) {
-    const Aside aside;
+    Aside aside;
     try {
         PlatformLoader loader(path, PlatformLoader::HW_METADATA_AUTO);
         const auto platform = loader.load();
@@ -199,20 +226,17 @@ void load(const std::string& path, Report& report) {
             report.add("release", {path},
                        reason.empty() ? "the platform is not supported" : reason);
         }
-        try {
-            std::set<const HMAVHardwarePlatform*> all{platform->getHardwarePlatform(),
-                                                      platform->getHardwareEmulationPlatform()};
-            HSTVector<HMAVReconfigurablePartition*> partitions;
-            platform->getReconfigurablePartitions(partitions);
-            for (const auto* partition : partitions) {
-                all.insert(partition->getHardwarePlatform());
-                all.insert(partition->getHardwareEmulationPlatform());
-            }
-            for (const HMAVHardwarePlatform* hardware : all) {
-                if (hardware != nullptr) hardware->initDpePartitions();
-            }
-        } catch (const HEXError& error) {
-            report.add("array-engine", {path}, error.what());
+        HSTVector<const HMAVHardwarePlatform*> all{platform->getHardwarePlatform(),
+                                                   platform->getHardwareEmulationPlatform()};
+        HSTVector<HMAVReconfigurablePartition*> partitions;
+        platform->getReconfigurablePartitions(partitions);
+        for (const auto* partition : partitions) {
+            all.push_back(partition->getHardwarePlatform());
+            all.push_back(partition->getHardwareEmulationPlatform());
+        }
+        // One that stands twice is read once.
+        for (const HMAVHardwarePlatform* hardware : all) {
+            if (hardware != nullptr) arrayProject(*hardware, aside, report);
         }
     } catch (const std::bad_alloc&) {
         throw;
