@@ -42,6 +42,8 @@ std::string kindWord(const Argument& argument) {
             return "types";
         case ValueKind::KEYS:
             return "keys";
+        case ValueKind::DOCS:
+            return "docs";
         case ValueKind::CHOICES:
             return joined(argument.choices);
         case ValueKind::NONE:
@@ -96,6 +98,10 @@ _mav_keys() {
     [[ -n "$1" ]] && mav keys "$1" 2>/dev/null | sed 's/^ *[0-9]*  *//; s/\[\]/[*]/g'
 }
 
+_mav_docs() {
+    mav doc 2>/dev/null | sed 's/ .*//; h; s/\..*//p; g' | sort -u
+}
+
 # Sets command, option, file and place from the words before the cursor.
 _mav_before() {
     local word i
@@ -134,6 +140,7 @@ _mav() {
         folders) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$cur") ;;
         types) _mav_offer < <(tr ' ' '\n' <<<"$_mav_types") ;;
         keys) _mav_offer < <(_mav_keys "${file/#\~/$HOME}") ;;
+        docs) _mav_offer < <(_mav_docs) ;;
         none | '') ;;
         *) _mav_offer < <(tr ' ' '\n' <<<"$kind") ;;
     esac
@@ -164,6 +171,8 @@ std::string zshAction(const Argument& argument) {
             return "_mav_types";
         case ValueKind::KEYS:
             return "_mav_keys";
+        case ValueKind::DOCS:
+            return "_mav_docs";
         case ValueKind::CHOICES:
             return text("(", joined(argument.choices), ")");
         case ValueKind::NONE:
@@ -203,6 +212,10 @@ constexpr const char* ZSH_KEYS = R"ZSH(_mav_keys() {
     compadd -M 'r:|.=*' -- ${found:#}
 }
 
+_mav_docs() {
+    compadd -M 'r:|.=*' -- ${(f)"$(mav doc 2>/dev/null | sed 's/ .*//; h; s/\..*//p; g' | sort -u)"}
+}
+
 )ZSH";
 
 // --- fish ---
@@ -223,6 +236,8 @@ std::string fishValues(const Argument& argument) {
             return " -f -a '(__mav_types)'";
         case ValueKind::KEYS:
             return " -f -a '(__mav_keys)'";
+        case ValueKind::DOCS:
+            return " -f -a '(__mav_docs)'";
         case ValueKind::CHOICES:
             return text(" -f -a ", fishText(joined(argument.choices)));
         case ValueKind::NONE:
@@ -289,6 +304,10 @@ function __mav_keys
     set -l words (__mav_words)
     set -q words[2]; or return
     mav keys $words[2] 2>/dev/null | string replace -r '^ *[0-9]* +' '' | string replace -a '[]' '[*]'
+end
+
+function __mav_docs
+    mav doc 2>/dev/null | string replace -r ' .*' '' | string replace -r '^([^.]*)\..*' '$0\n$1' | sort -u
 end
 
 complete -c mav -f

@@ -7,6 +7,7 @@
 
 #include "Command.h"
 #include "mav_platform/HMAVPfmFileTypes.h"
+#include "mav_platform/PlatformCheck.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ constexpr std::array<Named, 7> KINDS{{{"DIR", ValueKind::FOLDERS},
                                       {"TYPE", ValueKind::TYPES},
                                       {"WHAT", ValueKind::TYPES},
                                       {"PATH", ValueKind::KEYS},
-                                      {"KEY", ValueKind::KEYS},
+                                      {"KEY", ValueKind::DOCS},
                                       {"OBJECT", ValueKind::KEYS},
                                       {"NAME", ValueKind::NONE}}};
 
@@ -36,13 +37,21 @@ std::vector<std::string> pieces(const std::string& text) {
     return found;
 }
 
-/// The name of a value tells what it can be; a file is the usual thing.
+/// The name of a value tells what it can be; in a place of its own a file is the usual thing.
 void classify(Argument& argument) {
     if (argument.value.empty()) return;
     if (argument.value == "SECTION") argument.choices = cli::sectionNames();
+    if (argument.value == "RULE") {
+        for (const auto& rule : mav_platform::PlatformCheck::rules())
+            argument.choices.push_back(rule.name);
+    }
     if (argument.value == "SHELL") argument.choices = {"bash", "zsh", "fish"};
     if (argument.value.find('|') != std::string::npos) argument.choices = pieces(argument.value);
-    argument.kind = argument.choices.empty() ? ValueKind::FILES : ValueKind::CHOICES;
+    if (!argument.choices.empty()) {
+        argument.kind = ValueKind::CHOICES;
+    } else if (argument.names.empty()) {
+        argument.kind = ValueKind::FILES;
+    }
     for (const Named& named : KINDS)
         if (named.value == argument.value) argument.kind = named.kind;
 }

@@ -18,8 +18,9 @@ std::string text(const Pieces&... pieces) {
     return made;
 }
 
-/// What a shell offers for a value.
-enum class ValueKind { NONE, FILES, FOLDERS, TYPES, KEYS, CHOICES };
+/// What a shell offers for a value; KEYS are those of the platform file that is typed already, DOCS
+/// those that are documented.
+enum class ValueKind { NONE, FILES, FOLDERS, TYPES, KEYS, DOCS, CHOICES };
 
 /// An option, or an argument that is told by its place.
 struct Argument {

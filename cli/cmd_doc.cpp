@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 
+#include "Archive.h"
 #include "Command.h"
 #include "Output.h"
+#include "Suggest.h"
 #include "mav_platform/HMAVNativeDocService.h"
 
 namespace {
@@ -36,6 +39,37 @@ std::string describe(const ptree& keys, const std::string& key, const ptree& bra
     return text;
 }
 
+void addKeys(const ptree& node, std::vector<std::string>& names) {
+    for (const auto& [key, none] : node) names.push_back(key);
+}
+
+/// The part of the key that leads nowhere replaced by the nearest that leads on; empty without one.
+std::string nearestKey(const NativeDocService& service, const ptree& doc, const std::string& key) {
+    const ptree& keys = doc.get_child("documentation_keys");
+    std::size_t start = 0;
+    ptree inside;
+    for (std::size_t dot = key.find('.'); dot != std::string::npos; dot = key.find('.', dot + 1)) {
+        const ptree branch = service.getDocKeyBranch(doc, key.substr(0, dot));
+        if (branch.empty()) break;
+        const auto object = branch.find("object");
+        const std::string name = object != branch.not_found() ? object->second.data() : "";
+        inside = name.empty() ? branch : keys.get_child(ptree::path_type(name, '\0'), ptree());
+        start = dot + 1;
+    }
+    std::vector<std::string> names;
+    addKeys(start > 0 ? inside : keys, names);
+    if (start == 0) {
+        addKeys(keys.get_child("HMAVPlatform", ptree()), names);
+        names.emplace_back("hardwarePlatform");
+    }
+    const std::size_t end = std::min(key.find_first_of(".[", start), key.size());
+    const std::string meant = cli::nearest(key.substr(start, end - start), names);
+    if (meant.empty()) return {};
+    const std::string whole = key.substr(0, start) + meant + key.substr(end);
+    const bool leads = !service.getDocKeyBranch(doc, whole).empty();
+    return leads ? whole : key.substr(0, start) + meant;
+}
+
 }  // namespace
 
 bool cli::runDoc(const DocOptions& options) {
@@ -45,7 +79,13 @@ bool cli::runDoc(const DocOptions& options) {
         throw Failure(
             "the documentation of the keys cannot be read. Install the library anew or "
             "set MAV_APP_ROOT to its share directory.");
-    if (!service.isValidDocKey(doc, options.key)) return false;
+    if (!service.isValidDocKey(doc, options.key)) {
+        const std::string meant = nearestKey(service, doc, options.key);
+        complain("no key " + shown(options.key) + " is documented." +
+                 (meant.empty() ? "" : " Did you mean " + shown(meant) + "?") +
+                 " 'mav doc' lists the keys.");
+        return false;
+    }
     const ptree& keys = doc.get_child("documentation_keys");
     const bool all = options.key == "all" || options.key == "list_keys";
     const ptree branch = all ? keys : service.getDocKeyBranch(doc, options.key);

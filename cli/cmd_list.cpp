@@ -12,6 +12,7 @@
 #include "Archive.h"
 #include "Command.h"
 #include "Output.h"
+#include "Suggest.h"
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
@@ -196,6 +197,17 @@ std::string json(const std::vector<Entry>& entries, const std::vector<Refusal>& 
     return writer.text();
 }
 
+void checkType(const std::string& type) {
+    static const std::vector<std::string> TYPES{"pellux", "quorin", "acceleration", "undefined"};
+    const auto isType = [&](const std::string& known) { return boost::iequals(type, known); };
+    if (type.empty() || std::any_of(TYPES.begin(), TYPES.end(), isType)) return;
+    const std::string meant = cli::nearest(type, TYPES);
+    throw cli::UsageError("unknown platform type " + cli::shown(type) +
+                              ": use pellux, quorin, acceleration or undefined." +
+                              (meant.empty() ? "" : " Did you mean '" + meant + "'?"),
+                          "list");
+}
+
 HSTVector<std::string> searched(const cli::ListOptions& options) {
     for (const std::string& dir : options.dirs) {
         if (!HUTFile::isDir(dir)) {
@@ -242,6 +254,7 @@ void separate(const Reports& reports, Platforms& platforms, std::vector<Refusal>
 }  // namespace
 
 void cli::runList(const ListOptions& options) {
+    checkType(options.type);
     const HSTVector<std::string> dirs = searched(options);
     HMAVPlatformMgr manager;
     Platforms platforms;

@@ -53,8 +53,10 @@ constexpr const char* TRANSFORM_NOTES =
     "paths that begin at the element.\n";
 
 constexpr const char* SHOW_NOTES =
-    "Sections: identity, device, targets, support, clocks, memories, banks, interfaces, partitions,\n"
-    "array, software, emulation, files. Without --section all are shown and long lists are cut; the\n"
+    "Sections: identity, device, targets, support, clocks, memories, banks, interfaces, "
+    "partitions,\n"
+    "array, software, emulation, files. Without --section all are shown and long lists are cut; "
+    "the\n"
     "sections that are asked for are shown whole, in this order.\n";
 
 constexpr const char* DIFF_NOTES =
@@ -206,7 +208,8 @@ void describeQueries(CLI::App& app, Options& options) {
     dict->add_option("FILE", options.dict.file, "Platform file")->required();
     dict->add_option("PATH", options.dict.path, "Path into the description")->required();
     dict->add_option("--name", options.dict.names, "Only this name; may be repeated")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->type_name("NAME");
     dict->add_flag("--json", options.dict.json, "Print JSON");
     dict->footer(PATH_NOTES);
     CLI::App* transform = app.add_subcommand("transform", "Make another document from a platform");
@@ -234,8 +237,10 @@ void describeViews(CLI::App& app, Options& options) {
     validate->add_option("FILE", options.validate.files, "Platform files");
     validate->add_flag("--json", options.validate.json, "Print JSON");
     validate->add_flag("--sarif", options.validate.sarif, "Print SARIF 2.1.0");
-    validate->add_option("--explain", options.validate.rule, "Print the page about a rule");
-    validate->add_option("--color", options.validate.color, "auto, always or never");
+    validate->add_option("--explain", options.validate.rule, "Print the page about a rule")
+        ->type_name("RULE");
+    validate->add_option("--color", options.validate.color, "When to colour")
+        ->type_name("auto|always|never");
     validate->footer(VALIDATE_NOTES);
     CLI::App* diff = app.add_subcommand("diff", "Tell what differs between two platforms");
     diff->add_option("A", options.diff.first, "Platform file")->required();
@@ -249,11 +254,13 @@ void describeViews(CLI::App& app, Options& options) {
 void describeSearch(CLI::App& app, Options& options) {
     CLI::App* list = app.add_subcommand("list", "List the platforms of search directories");
     list->add_option("DIR", options.list.dirs, "Directories to search");
-    list->add_option("--part", options.list.part, "Only platforms of this part");
-    list->add_option("--board", options.list.board, "Only platforms of this board");
-    list->add_option("--vendor", options.list.vendor, "Only platforms of this vendor");
-    list->add_option("--type", options.list.type,
-                     "Only platforms of this type: pellux, quorin, acceleration or undefined");
+    list->add_option("--part", options.list.part, "Only platforms of this part")->type_name("PART");
+    list->add_option("--board", options.list.board, "Only platforms of this board")
+        ->type_name("BOARD");
+    list->add_option("--vendor", options.list.vendor, "Only platforms of this vendor")
+        ->type_name("VENDOR");
+    list->add_option("--type", options.list.type, "Only platforms of this type")
+        ->type_name("pellux|quorin|acceleration|undefined");
     list->add_flag("--latest", options.list.latest, "Only the latest versions");
     list->add_flag("--all", options.list.all, "Also what was left out, and why");
     list->add_flag("--json", options.list.json, "Print JSON");
@@ -271,9 +278,12 @@ void describePolicy(CLI::App& app, Options& options) {
     check->add_option("FILE", options.check.files, "Platform files")->required();
     check->add_flag("--presynth", options.check.preSynth, "As pre-synthesis platforms");
     check->add_flag("--archive", options.check.archive, "As device support archives");
-    check->add_option("--tool-release", options.check.toolRelease,
-                      "Judge for this release, such as 2026.1, in place of the present one");
-    check->add_option("--product", options.check.product, "Product that the support list is for");
+    check
+        ->add_option("--tool-release", options.check.toolRelease,
+                     "Judge for this release, such as 2026.1, in place of the present one")
+        ->type_name("RELEASE");
+    check->add_option("--product", options.check.product, "Product that the support list is for")
+        ->type_name("PRODUCT");
     check->add_flag("--json", options.check.json, "Print JSON");
     check->footer(CHECK_NOTES);
     CLI::App* protect = app.add_subcommand("protect", "Encipher a support list");

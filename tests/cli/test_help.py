@@ -88,6 +88,11 @@ class HelpTest(CommandTest):
                 (["show", "--color", "a"], ["auto", "always"]),
                 (["show", "--color", "=", "ne"], ["never"]),
                 (["show", "--section", "cl"], ["clocks"]),
+                (["list", "--type", "p"], ["pellux"]), (["list", "--vendor", ""], []),
+                (["validate", "--explain", "dig"], ["digest"]),
+                (["doc", "HMAVSystemClock.freq"], ["HMAVSystemClock.frequency"]),
+                (["doc", "HMAVSystemClo"], ["HMAVSystemClock"] + [
+                    name for name in self.offered("doc", "HMAVSystemClock.")]),
                 (["json", "--metadata", "x"], ["xml"]), (["json", "card"], ["card one.pka"]),
                 (["extract", "-o", ""], ["folder"]), (["completion", "z"], ["zsh"]),
                 (["add", "a.pka", "DR_"], ["DR_BD"]),
@@ -107,13 +112,18 @@ class HelpTest(CommandTest):
         for line, expected in [
                 ("mav verif", ["verify"]), ("mav show --color a", ["always", "auto"]),
                 ("mav show --section cl", ["clocks"]), ("mav json car", ["card.pka"]),
+                ("mav list --type p", ["pellux"]), ("mav list --vendor ", []),
+                ("mav validate --explain dig", ["digest"]),
+                ("mav doc HMAVSystemClock.freq", ["HMAVSystemClock.frequency"]),
                 ("mav extract -o f", ["folder/"]), ("mav add a.pka DR_", ["DR_BD"]),
                 ("mav extract -o folder a.pka STAGE1", ["STAGE1_BIT"])]:
             self.assertEqual(self.offered_by_fish(line), expected, line)
 
     def test_zsh_offers_what_fits_the_place(self):
         for line, expected in [("mav verif", "verify"), ("mav show --color=nev", "never"),
-                               ("mav add a.pka DR_", "DR_BD"), ("mav completion fi", "fish")]:
+                               ("mav add a.pka DR_", "DR_BD"), ("mav completion fi", "fish"),
+                               ("mav list --type=pel", "pellux"),
+                               ("mav doc HMAVSystemClock.freq", "frequency")]:
             done = run("timeout", "30", "zsh", "-f", "-c", ZSH, "zsh", pathlib.Path(MAV).parent,
                        BUILT / "mav.zsh", line, expected, cwd=self.dir,
                        env={"PATH": "/usr/bin:/bin", "HOME": str(self.dir), "TERM": "dumb"})
