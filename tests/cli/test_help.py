@@ -5,7 +5,7 @@ import re
 import shutil
 import unittest
 
-from support import MAV, SAMPLES, CommandTest, run
+from support import MAV, SAMPLES, SOURCE, CommandTest, run
 
 BUILT = SAMPLES.parent.parent.parent / "help"
 SAMPLE = SAMPLES / "veltrin_h90/veltrin_h90.pka"
@@ -73,6 +73,27 @@ class HelpTest(CommandTest):
                 self.assertIn(f"\\fB{option}\\fR", page, name)
             self.assertLessEqual(set(options), set(self.offered(name, "--")))
             self.assertLessEqual(set(options), set(self.offered_by_fish(f"mav {name} --")))
+
+    def test_reference_names_every_command_and_option(self):
+        reference = (SOURCE / "docs/mav.md").read_text()
+        uses = re.findall(r"^mav (\w+)(.*)$", reference.split("```")[1], re.MULTILINE)
+        heads = re.split(r"^## ", reference, flags=re.MULTILINE)[1:]
+        found = commands()
+        self.assertEqual({name for name, _ in uses}, set(found))
+        for name, options in found.items():
+            with self.subTest(command=name):
+                known = set(options) - {"--help"}
+                use = " ".join(rest for command, rest in uses if command == name)
+                self.assertEqual(set(re.findall(r"--[\w-]+", use)), known)
+                texts = [text for text in heads if f"`mav {name}" in text.split("\n")[0]]
+                self.assertEqual(len(texts), 1)
+                self.assertLessEqual(known, set(re.findall(r"--[\w-]+", texts[0])))
+        sections = self.mav("show", SAMPLE, "--section", "none", code=2)[1]
+        listed = re.search(r"use ((?:\w+, )+\w+)", sections)[1].split(", ")
+        self.assertEqual(re.search(r"Sections: ([\w,\s]+)\.", run(MAV, "show", "--help")
+                                   .stdout.decode())[1].replace("\n", " ").split(", "), listed)
+        for section in listed:
+            self.assertIn(f"`{section}`", reference)
 
     def test_pages_are_well_formed(self):
         for page in sorted((BUILT / "man1").iterdir()):
