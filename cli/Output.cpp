@@ -40,6 +40,18 @@ void writeAnswer(std::string_view text) {
     }
 }
 
+LongAnswer& LongAnswer::operator+=(std::string_view text) {
+    constexpr std::size_t PIECE = std::size_t{1} << 16U;
+    waiting_ += text;
+    if (waiting_.size() >= PIECE) end();
+    return *this;
+}
+
+void LongAnswer::end() {
+    writeAnswer(waiting_);
+    waiting_.clear();
+}
+
 void complain(std::string_view sentence) {
     std::cerr << "mav: " << sentence << std::endl;
 }

@@ -24,6 +24,19 @@ void holdStandardStreams();
 /// system's reason for anything else.
 void writeAnswer(std::string_view text);
 
+/// An answer that goes out piece by piece, so that a long one is never whole in memory and a reader
+/// that has gone ends it early. What `end` was not called for may be missing.
+class LongAnswer {
+  public:
+    /// Appends to the answer. Throws as writeAnswer does.
+    LongAnswer& operator+=(std::string_view text);
+    /// Writes what is left. Throws as writeAnswer does.
+    void end();
+
+  private:
+    std::string waiting_;
+};
+
 /// Writes "mav: ", the sentence and a line end to standard error.
 void complain(std::string_view sentence);
 

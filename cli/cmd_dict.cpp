@@ -9,11 +9,12 @@ namespace {
 
 using mav::platform::NativeDictService;
 
-std::string lines(const NativeDictService::Dict& dict) {
-    std::string text;
-    for (const auto& [name, value] : dict)
-        text += cli::printable(name) + (name.empty() ? "" : " = ") + cli::printable(value) + "\n";
-    return text;
+void writeLines(const NativeDictService::Dict& dict) {
+    cli::LongAnswer answer;
+    for (const auto& [name, value] : dict) {
+        answer += cli::printable(name) + (name.empty() ? "" : " = ") + cli::printable(value) + "\n";
+    }
+    answer.end();
 }
 
 }  // namespace
@@ -36,6 +37,10 @@ bool cli::runDict(const DictOptions& options) {
                  keyHint(*loader, options.path) + " 'mav keys' lists the paths of a platform.");
         return false;
     }
-    writeAnswer(options.json ? NativeDictService::getAsJsonStr(dict) : lines(dict));
+    if (options.json) {
+        writeAnswer(NativeDictService::getAsJsonStr(dict));
+    } else {
+        writeLines(dict);
+    }
     return true;
 }

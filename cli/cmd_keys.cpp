@@ -19,11 +19,11 @@ void cli::runKeys(const KeysOptions& options) {
     std::size_t width = 0;
     for (const auto& [none, entry] : keys)
         width = std::max(width, entry.back().second.data().size());
-    std::string text;
+    LongAnswer answer;
     for (const auto& [none, entry] : keys) {
         const std::string& count = entry.back().second.data();
-        text += std::string(width - count.size(), ' ') + count + "  " +
-                printable(entry.front().second.data()) + "\n";
+        answer += std::string(width - count.size(), ' ') + count + "  " +
+                  printable(entry.front().second.data()) + "\n";
     }
-    writeAnswer(text);
+    answer.end();
 }

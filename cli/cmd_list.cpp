@@ -133,7 +133,7 @@ bool fits(const Entry& entry, const cli::ListOptions& options) {
            exact(options.vendor, entry.vendor) && anyCase(options.type, entry.type);
 }
 
-std::string table(const std::vector<Entry>& entries) {
+void writeTable(const std::vector<Entry>& entries) {
     constexpr std::size_t COLUMNS = 6;
     using Row = std::array<std::string, COLUMNS + 1>;
     std::vector<Row> rows{{"NAME", "VENDOR", "VERSION", "TYPE", "DEVICE", "STATE", "FILE"}};
@@ -146,14 +146,14 @@ std::string table(const std::vector<Entry>& entries) {
         for (std::string& cell : row) cell = cell.empty() ? "-" : cli::printable(cell);
         for (std::size_t i = 0; i < COLUMNS; ++i) widths[i] = std::max(widths[i], row[i].size());
     }
-    std::string text;
+    cli::LongAnswer answer;
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < COLUMNS; ++i) {
-            text += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+            answer += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
         }
-        text += row[COLUMNS] + "\n";
+        answer += row[COLUMNS] + "\n";
     }
-    return text;
+    answer.end();
 }
 
 std::string refusedText(const std::vector<Refusal>& refused) {
@@ -277,7 +277,8 @@ void cli::runList(const ListOptions& options) {
     if (options.json) {
         writeAnswer(json(entries, refused, options.all));
     } else {
-        writeAnswer(table(entries) + (options.all ? refusedText(refused) : ""));
+        writeTable(entries);
+        if (options.all) writeAnswer(refusedText(refused));
     }
     if (!options.all && !refused.empty()) {
         complain(std::to_string(refused.size()) +

@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """The command line itself: help, exit codes, suggestions, and the fate of standard output."""
+import json
 import os
 import signal
 import subprocess
 import unittest
+import zipfile
 
 from support import MAV, SAMPLES, CommandTest, run
 
@@ -73,6 +75,28 @@ class StandardOutput(CommandTest):
     def test_a_closed_pipe_is_silent_where_the_signal_is_ignored(self):
         done = self.closed_pipe(restore_signals=False)
         self.assertEqual((done.returncode, done.stderr), (128 + signal.SIGPIPE, b""))
+
+    def test_a_reader_that_leaves_early_ends_long_answers_without_a_word(self):
+        archive = self.dir / "long.pka"
+        long = {f"key{i}": "x" * 500 for i in range(4000)}
+        with zipfile.ZipFile(archive, "w") as out:
+            out.writestr("pka.json", json.dumps({
+                "vendor": "v", "boardId": "b", "name": "n", "versionMajor": "1",
+                "versionMinor": "0", "extensions": long}))
+        path = "hardwarePlatform.extensions"
+        for arguments in (["json", archive], ["dict", archive, path], ["keys", archive],
+                          ["dict", archive, path, "--json"], ["get", archive, path],
+                          ["transform", archive, f'{{"a": "{path}"}}'], ["doc"]):
+            with self.subTest(arguments=arguments):
+                whole = self.mav(*arguments)[0]
+                self.assertGreater(len(whole), 100_000 if arguments != ["doc"] else 20_000)
+                command = [MAV, *map(str, arguments)]
+                with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                      pipesize=4096) as process:
+                    self.assertEqual(process.stdout.readline().decode(), whole.split("\n")[0] + "\n")
+                    process.stdout.close()
+                    self.assertEqual(process.stderr.read(), b"")
+                self.assertEqual(process.returncode, -signal.SIGPIPE)
 
     def test_a_full_device_is_an_error(self):
         for arguments in (["json", SAMPLE], ["--help"], ["--version"]):
