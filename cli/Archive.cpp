@@ -98,7 +98,7 @@ mav_host::ZipArchive openArchive(const std::string& path) {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        throw Failure(clause(error.what()) + ". Check the path of ARCHIVE.");
+        throw Failure(withAdvice(error.what(), "Check the path of ARCHIVE."));
     }
 }
 
@@ -151,8 +151,8 @@ void guarded(const std::string& action, const std::string& path,
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        throw Failure(start + clause(error.what()) +
-                      ". Correct the cause and run the command again.");
+        throw Failure(start +
+                      withAdvice(error.what(), "Correct the cause and run the command again."));
     }
 }
 

@@ -40,7 +40,8 @@ std::shared_ptr<HMAVPlatform> loadPlatform(const std::string& path);
 /// Metadata or index that cannot be read lists nothing, which the messages explain.
 TypedMembers typedMembers(const mav_host::ZipArchive& archive);
 
-/// Runs `work`; what it throws becomes "cannot ACTION 'PATH': REASON. Correct the cause …".
+/// Runs `work`; what it throws becomes "cannot ACTION 'PATH': REASON. Correct the cause …",
+/// without the advice where the reason holds one.
 void guarded(const std::string& action, const std::string& path, const std::function<void()>& work);
 
 /// Runs work that writes an archive so that SIGINT, SIGTERM and SIGHUP end it with nothing left

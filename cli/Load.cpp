@@ -1,9 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Load.h"
 
+#include <filesystem>
+
 #include "Command.h"
 #include "Output.h"
-#include "mav_host/HEXError.h"
+
+namespace {
+
+/// Paths that cannot be a platform, whatever their extension.
+void refuseEarly(const std::string& subject, const std::string& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        throw cli::Failure(subject +
+                           ": nothing is there. Check the path; a platform is a .qpfm, "
+                           ".pka, .dsa or .spfm file.");
+    if (status.type() == std::filesystem::file_type::directory)
+        throw cli::Failure(subject +
+                           ": it is a directory. Name the platform file in it; 'mav list' with the "
+                           "directory shows what it holds.");
+    if (status.type() == std::filesystem::file_type::regular &&
+        std::filesystem::file_size(file, error) == 0)
+        throw cli::Failure(subject +
+                           ": the file is empty. Copy it afresh from where it came from.");
+}
+
+}  // namespace
 
 namespace cli {
 
@@ -13,13 +36,10 @@ std::unique_ptr<PlatformLoader> loadFile(const std::string& command, const std::
                                          mav_platform::HwMetadataMode mode) {
     if (file.empty()) throw UsageError("FILE is empty; give the path of a platform file.", command);
     const std::string subject = "cannot load '" + printable(file) + "'";
+    refuseEarly(subject, file);
     try {
         auto loader = std::make_unique<PlatformLoader>(file, mode);
         if (loader->load()) return loader;
-    } catch (const HEXFileNotFoundException&) {
-        throw Failure(subject +
-                      ": nothing is there. Check the path; a platform is a .qpfm, "
-                      ".pka, .dsa or .spfm file.");
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {

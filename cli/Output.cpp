@@ -76,4 +76,13 @@ std::string clause(std::string_view text) {
     return printable(text);
 }
 
+std::string withAdvice(std::string_view text, std::string_view advice) {
+    constexpr std::string_view REASSURANCE = "; it is as it was";
+    std::string sentence = clause(text);
+    const bool told = sentence.find("; ") != std::string::npos && !sentence.ends_with(REASSURANCE);
+    sentence += '.';
+    if (!told) sentence.append(" ").append(advice);
+    return sentence;
+}
+
 }  // namespace cli

@@ -46,4 +46,8 @@ std::string printable(std::string_view text);
 /// An exception's text in the midst of a sentence: printable, without a full stop at the end.
 std::string clause(std::string_view text);
 
+/// An exception's text as whole sentences: a text that tells itself what to do, behind a semicolon,
+/// stands alone; otherwise `advice` follows.
+std::string withAdvice(std::string_view text, std::string_view advice);
+
 }  // namespace cli

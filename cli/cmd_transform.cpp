@@ -28,7 +28,8 @@ void cli::runTransform(const TransformOptions& options) {
     try {
         service.getTransformSpecAsJsonStr(spec);
     } catch (const HEXAlgException& error) {
-        throw UsageError(clause(error.what()) + ".", "transform");
+        const std::string place = spec == options.spec ? "" : "in " + shown(options.spec) + ": ";
+        throw UsageError(place + clause(error.what()) + ".", "transform");
     }
     const auto loader = loadFile("transform", options.file);
     writeAnswer(service.getAsJsonStr(loader.get(), spec));

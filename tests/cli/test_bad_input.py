@@ -117,6 +117,81 @@ class BadDescriptions(CommandTest):
         self.refused("json", path, code=3, says=["ostrivel_e7.spfm", "does not exist"])
 
 
+class WrongPaths(CommandTest):
+    """What stands in a file's place: each command says one sentence, which names it and what to do."""
+
+    LOADING = [["show"], ["json"], ["keys"], ["info"], ["check"], ["get", None, "name"],
+               ["dict", None, "name"], ["transform", None, '{"a": "name"}'],
+               ["diff", None, SAMPLES / "veltrin_h90/veltrin_h90.pka"],
+               ["diff", SAMPLES / "veltrin_h90/veltrin_h90.pka", None]]
+    ARCHIVES = [["files"], ["verify"], ["extract", None, "DR_BD"],
+                ["add", None, "REBUILD_TCL", __file__]]
+
+    def setUp(self):
+        super().setUp()
+        sample = (SAMPLES / "veltrin_h90/veltrin_h90.pka").read_bytes()
+        (self.dir / "cut.pka").write_bytes(sample[:4000])
+        for name in ("empty.pka", "empty.qpfm", "empty.spfm", "file"):
+            (self.dir / name).write_bytes(b"")
+        (self.dir / "folder.pka").mkdir()
+
+    def sentence(self, path, command, codes=(3,), lines=1):
+        arguments = [path if part is None else part for part in command]
+        if None not in command:
+            arguments.append(path)
+        done = run(MAV, *arguments, cwd=self.dir)
+        errors = done.stderr.decode()
+        self.assertIn(done.returncode, codes, errors)
+        self.assertEqual(done.stdout, b"")
+        if lines:
+            self.assertEqual(errors.count("\n"), lines, errors)
+        last = errors.splitlines()[-1]
+        self.assertRegex(last, rf"^mav: .*'{path}'.*[.;?] ?(Check|Name|Copy|Correct|Create|Nothing "
+                               r"was changed; remove|'mav|.*(check|copy|give|set|Try)) .*\.$")
+        return last
+
+    def test_every_command(self):
+        for command in self.LOADING:
+            for path, says in [("none.pka", "nothing is there"), ("none/x.qpfm", "nothing is there"),
+                               ("file/x.pka", "nothing is there"), ("folder.pka", "is a directory"),
+                               ("empty.pka", "is empty"), ("empty.qpfm", "is empty"),
+                               ("empty.spfm", "is empty"), (".", "is a directory")]:
+                with self.subTest(command=command, path=path):
+                    self.assertIn(says, self.sentence(path, command))
+            with self.subTest(command=command, path="cut.pka"):
+                self.sentence("cut.pka", command, lines=None)
+        for command in self.ARCHIVES:
+            for path, says in [("none.pka", "does not exist. Check the path"),
+                               ("folder.pka", "is not a file; give the path of an archive."),
+                               ("empty.pka", "is not a zip archive; check"),
+                               ("cut.pka", "is cut off or damaged: its directory cannot be read; "
+                                "copy it afresh.")]:
+                with self.subTest(command=command, path=path):
+                    self.assertIn(says, self.sentence(path, command))
+
+    def test_other_places(self):
+        folder = self.dir / "in"
+        folder.mkdir()
+        (folder / "pka.json").write_text(good())
+        archive = SAMPLES / "veltrin_h90/veltrin_h90.pka"
+        for path, command in [
+                ("none", ["list"]), ("file", ["list"]), ("none", ["pack", None, "a.pka"]),
+                ("file/a.pka", ["pack", "in"]), ("none/a.pka", ["pack", "in"]),
+                ("file", ["pack", None, "a.pka"]), ("folder.pka", ["pack", "in"]),
+                ("none", ["add", archive, "REBUILD_TCL"]),
+                ("folder.pka", ["add", archive, "REBUILD_TCL"]),
+                ("file", ["extract", archive, "DR_BD", "-o"]), ("none", ["protect", None, "out"]),
+                ("folder.pka", ["protect", None, "out"]), ("none", ["unprotect"]),
+                ("folder.pka", ["unprotect"]), ("file", ["unprotect"]), ("file", ["manual"]),
+                ("none", ["transform", archive]), ("folder.pka", ["transform", archive]),
+                ("file", ["transform", archive])]:
+            with self.subTest(path=path, command=command):
+                self.sentence(path, command, codes=(2, 3))
+        self.assertEqual(sorted(self.dir.glob("*")), sorted(
+            self.dir / name for name in ("cut.pka", "empty.pka", "empty.qpfm", "empty.spfm", "file",
+                                         "folder.pka", "in")))
+
+
 class Unreadable(CommandTest):
     """Files that the caller may not read; as root, the command runs as somebody else."""
 

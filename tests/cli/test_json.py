@@ -116,13 +116,13 @@ class BadInput(CommandTest):
         return path
 
     def test_missing_files(self):
-        self.cannot_load(self.dir / "none.qpfm", "nothing is there", "Check the path")
-        self.cannot_load(self.dir / "none.pka", f"'{self.dir}/none.pka' does not exist")
+        for name in ("none.qpfm", "none.pka", "none.spfm", "none"):
+            self.cannot_load(self.dir / name, "nothing is there", "Check the path")
 
     def test_directories(self):
         for name in ("dir", "dir.pka"):
             (self.dir / name).mkdir()
-            self.cannot_load(self.dir / name)
+            self.cannot_load(self.dir / name, "it is a directory", "Name the platform file in it")
 
     def test_archives_that_are_none(self):
         sample = (SAMPLES / "veltrin_h90/veltrin_h90.pka").read_bytes()

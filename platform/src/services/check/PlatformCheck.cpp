@@ -64,7 +64,8 @@ class Walk {
         if (!seen_.insert(HUTFile::getCanonicalName(path)).second) return;
         if (!HUTFile::isFile(path)) {
             report_.add("unreadable", {path},
-                        HUTFile::exists(path) ? "this is no file" : "there is no such file");
+                        HUTFile::exists(path) ? "this is no file; give the path of one"
+                                              : "there is no such file; check the path");
             return;
         }
         const std::string extension = HUTPathUtils::extension(path);
