@@ -36,7 +36,7 @@ class Aside final : public ComMsgSink {
     }
     void send(const ComMsg& message) override {
         last_ = ComMsgMgr::format(message);
-        if (message.id.starts_with("@74-64@") && message.args.size() == 3) {
+        if (message.id == "@74-64@%s%s%s" && message.args.size() == 3) {
             faults_.push_back(message.args);
         }
     }
