@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
 #include <system_error>
@@ -12,6 +13,13 @@
 #include "Command.h"
 
 namespace cli {
+namespace {
+
+bool continues(char c) {
+    return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U;
+}
+
+}  // namespace
 
 void holdStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -69,6 +77,32 @@ std::string printable(std::string_view text) {
         }
     }
     return shown;
+}
+
+std::size_t columns(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !continues(c); }));
+}
+
+std::string_view shortened(std::string_view text, std::size_t columns) {
+    std::size_t end = 0;
+    for (std::size_t taken = 0; end < text.size(); ++end) {
+        if (!continues(text[end]) && taken++ == columns) break;
+    }
+    return text.substr(0, end);
+}
+
+std::string withEmptyLists(std::string json,
+                           std::initializer_list<std::pair<std::string_view, bool>> lists) {
+    std::string members;
+    for (const auto& [name, isEmpty] : lists) {
+        if (!isEmpty) continue;
+        members.append(members.empty() ? "" : ",").append("\n    \"").append(name).append("\": []");
+    }
+    if (members.empty()) return json;
+    const std::size_t open = json.find('{') + 1;
+    const bool alone = json.find('"') == std::string::npos;
+    return json.replace(open, alone ? json.find('}') - open : 0, members + (alone ? "\n" : ","));
 }
 
 std::string clause(std::string_view text) {

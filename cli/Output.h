@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace cli {
 
@@ -42,6 +45,17 @@ void complain(std::string_view sentence);
 
 /// The text with control characters as \xNN, so that it stays on one line.
 std::string printable(std::string_view text);
+
+/// Columns that the text takes: its characters, of which UTF-8 may take several bytes.
+std::size_t columns(std::string_view text);
+
+/// The first characters of the text, no more than that many columns.
+std::string_view shortened(std::string_view text, std::size_t columns);
+
+/// The JSON text of an object, with an empty list at its front for each name whose flag says that
+/// the list is empty: writers leave those out, and readers of an answer want to loop over them.
+std::string withEmptyLists(std::string json,
+                           std::initializer_list<std::pair<std::string_view, bool>> lists);
 
 /// An exception's text in the midst of a sentence: printable, without a full stop at the end.
 std::string clause(std::string_view text);

@@ -28,12 +28,6 @@ bool continues(char c) {
     return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U;
 }
 
-/// Characters, of which UTF-8 may take several bytes.
-std::size_t length(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return !continues(c); }));
-}
-
 /// Takes the first `width` characters off the text, up to a blank in it where there is one.
 std::string_view takeLine(std::string_view& text, std::size_t width) {
     std::size_t end = 0;
@@ -111,7 +105,7 @@ void Screen::section(std::string_view name) {
 void Screen::values(const std::vector<std::pair<std::string, std::string>>& list) {
     std::size_t widest = 0;
     for (const auto& [name, value] : list) {
-        if (!value.empty()) widest = std::max(widest, length(name));
+        if (!value.empty()) widest = std::max(widest, columns(name));
     }
     const std::vector<std::size_t> widths{widest, width_ - std::min(width_, INDENT + widest + GAP)};
     for (const auto& [name, value] : list) {
@@ -129,12 +123,12 @@ void Screen::table(const Row& names, const std::vector<Row>& rows) {
         std::size_t width = 0;
         bool numbers = true;
         for (const Row& cells : rows) {
-            width = std::max(width, length(printable(cells[column])));
+            width = std::max(width, columns(printable(cells[column])));
             numbers = numbers && isNumber(cells[column]);
         }
         if (width == 0) continue;
         heads.push_back(names[column]);
-        widths.push_back(std::max(width, length(names[column])));
+        widths.push_back(std::max(width, columns(names[column])));
         right.push_back(numbers);
         for (std::size_t i = 0; i < rows.size(); ++i)
             shown[i].push_back(printable(rows[i][column]));
@@ -160,7 +154,7 @@ void Screen::row(const Row& cells, const std::vector<std::size_t>& widths,
         std::string line(INDENT, ' ');
         for (std::size_t i = 0; i < rest.size(); ++i) {
             const std::string_view piece = takeLine(rest[i], widths[i]);
-            const std::string blanks(widths[i] - std::min(widths[i], length(piece)), ' ');
+            const std::string blanks(widths[i] - std::min(widths[i], columns(piece)), ' ');
             if (i > 0) line.append(GAP, ' ');
             line.append(right[i] ? blanks : "").append(piece).append(right[i] ? "" : blanks);
         }

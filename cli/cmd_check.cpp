@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "Load.h"
 #include "Output.h"
+#include "mav_host/HI18N.h"
 #include "mav_platform/HMAVNativeCatalogService.h"
 #include "mav_platform/JSONObjectWriter.h"
 
@@ -62,7 +63,7 @@ std::string json(const std::vector<Answer>& answers) {
     writer.addList("platforms", [&](mav_platform::JSONListWriter& list) {
         for (const Answer& answer : answers) {
             list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("file", answer.file);
+                item.addKey("file", HI18N_convertToUTF8(answer.file));
                 item.addKey("supported", answer.supported);
                 item.addKey("reason", answer.reason);
             });

@@ -132,7 +132,7 @@ std::string json(const std::vector<Change>& changes) {
             });
         }
     });
-    return writer.text();
+    return cli::withEmptyLists(writer.text(), {{"changes", changes.empty()}});
 }
 
 std::string plain(const std::vector<Change>& changes, bool color) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Command.h"
 #include "Output.h"
+#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_platform/HMAVPlatformUtils.h"
 #include "mav_platform/JSONObjectWriter.h"
@@ -13,7 +14,7 @@ void cli::runDirs(const DirsOptions& options) {
         writer.addList("directories", [&](mav_platform::JSONListWriter& list) {
             for (const std::string& dir : dirs) {
                 list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                    item.addKey("path", dir);
+                    item.addKey("path", HI18N_convertToUTF8(dir));
                     item.addKey("exists", HUTFile::isDir(dir));
                 });
             }

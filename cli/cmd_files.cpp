@@ -4,6 +4,7 @@
 #include "Archive.h"
 #include "Command.h"
 #include "Output.h"
+#include "mav_host/HI18N.h"
 #include "mav_platform/JSONObjectWriter.h"
 
 namespace {
@@ -42,13 +43,13 @@ std::string json(const HSTVector<mav_host::ZipMember>& members, const TypedMembe
     writer.addList("members", [&](mav_platform::JSONListWriter& list) {
         for (const auto& member : members) {
             list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("name", member.name);
+                item.addKey("name", HI18N_convertToUTF8(member.name));
                 item.addKey("type", types.typesOf(member.name));
                 item.addKey("size", member.size);
             });
         }
     });
-    return writer.text();
+    return cli::withEmptyLists(writer.text(), {{"members", members.empty()}});
 }
 
 void listMembers(const cli::FilesOptions& options) {

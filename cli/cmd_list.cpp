@@ -8,12 +8,15 @@
 #include <iostream>
 #include <sstream>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "Archive.h"
 #include "Command.h"
 #include "Output.h"
 #include "Suggest.h"
 #include "mav_host/ComMsgMgr.h"
+#include "mav_host/HI18N.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
@@ -27,8 +30,8 @@ namespace {
 using Platforms = HSTVector<HMAVPlatform*>;
 using Refusal = HMAVPlatformMgr::Refusal;
 
-/// Takes in what the search reports: faults of archives are kept, what is told at the end anyway is
-/// dropped, all else goes on to the sink before.
+/// Takes in what the search reports and holds it back to its end: most of it is told as the reason
+/// why a platform was left out, and a line of progress is not torn meanwhile.
 class Reports final : public ComMsgSink {
   public:
     Reports() : before_(ComMsgMgr::setSink(this)), console_(mav_host::setConsole(&dropped_)) {}
@@ -40,30 +43,46 @@ class Reports final : public ComMsgSink {
     Reports& operator=(const Reports&) = delete;
 
     void send(const ComMsg& message) override {
-        static constexpr std::array TOLD = {"@74-3@%s",    "@74-4@%s",     "@74-9@%s",
-                                            "@74-14@%s%s", "@74-51@%s%d",  "@74-55@%s%s%s",
-                                            "@74-63@%s%s", "@74-64@%s%s%s"};
-        const bool fault = message.mask == ComMsgMgr::ERROR && !message.args.empty();
-        if (fault) faults_[HUTFile::getCanonicalName(message.args[0])] = message.args;
-        if (std::find(TOLD.begin(), TOLD.end(), message.id) != TOLD.end()) return;
-        std::cerr << ComMsgMgr::format(message) << "\n";
+        // The manager keeps these as texts.
+        static constexpr std::array KEPT = {"@74-3@%s",    "@74-4@%s",    "@74-9@%s",
+                                            "@74-14@%s%s", "@74-51@%s%d", "@74-55@%s%s%s"};
+        if (std::find(KEPT.begin(), KEPT.end(), message.id) != KEPT.end()) return;
+        std::string subject;
+        if (!message.args.empty()) subject = HUTFile::getCanonicalName(message.args[0]);
+        if (message.mask == ComMsgMgr::ERROR) {
+            faults_[subject] =
+                message.args.size() > 1 ? message.args.back() : ComMsgMgr::format(message);
+        }
+        waiting_.emplace_back(std::move(subject), ComMsgMgr::format(message));
     }
 
-    /// Why the archive of a platform could not be read; empty when it could.
-    std::string faultOf(const HMAVHardwarePlatform& hardware) const {
-        const auto found = faults_.find(hardware.getPlatformFile());
-        if (found == faults_.end()) return "";
-        const HSTVector<std::string>& args = found->second;
-        const bool ofOtherMember = args.size() > 2 && args[1] != hardware.getJsonFileName() &&
-                                   args[1] != hardware.getAltJsonFileName();
-        return ofOtherMember ? "" : args.back();
+    /// Why the archive of a platform could not be read; empty when it could. What ended the reading
+    /// was reported last.
+    std::string faultOf(const HMAVHardwarePlatform& hardware) {
+        if (hardware.isMetadataRead()) return "";
+        const std::string file = hardware.getPlatformFile();
+        told_.insert(file);
+        const auto found = faults_.find(file);
+        return found != faults_.end() ? found->second : "it cannot be read";
+    }
+
+    /// Writes what was reported and is no reason of a refusal, each text once.
+    void tellTheRest(const std::vector<Refusal>& refused) {
+        for (const Refusal& refusal : refused) told_.insert(refusal.file);
+        std::unordered_set<std::string> written;
+        for (const auto& [subject, text] : waiting_) {
+            if (told_.contains(subject) || !written.insert(text).second) continue;
+            std::cerr << text << "\n";
+        }
     }
 
   private:
     ComMsgSink* before_;
     std::ostringstream dropped_;
     std::ostream* console_;
-    std::unordered_map<std::string, HSTVector<std::string>> faults_;
+    std::unordered_map<std::string, std::string> faults_;
+    std::vector<std::pair<std::string, std::string>> waiting_;
+    std::unordered_set<std::string> told_;
 };
 
 /// Shows on a terminal that a search of more than a second goes on.
@@ -85,8 +104,8 @@ class SearchLine final : public HUTDirWalkProgress {
         if (now < next_) return;
         next_ = now + std::chrono::milliseconds(200);
         shown_ = true;
-        std::cerr << "\r\033[K" << count_ << " files  "
-                  << cli::printable(HUTPathUtils::stem(path)).substr(0, 40) << std::flush;
+        std::cerr << "\r\033[K" << count_ << " names  "
+                  << cli::shortened(cli::printable(HUTPathUtils::stem(path)), 40) << std::flush;
     }
 
   private:
@@ -144,12 +163,13 @@ void writeTable(const std::vector<Entry>& entries) {
     std::array<std::size_t, COLUMNS> widths{};
     for (Row& row : rows) {
         for (std::string& cell : row) cell = cell.empty() ? "-" : cli::printable(cell);
-        for (std::size_t i = 0; i < COLUMNS; ++i) widths[i] = std::max(widths[i], row[i].size());
+        for (std::size_t i = 0; i < COLUMNS; ++i)
+            widths[i] = std::max(widths[i], cli::columns(row[i]));
     }
     cli::LongAnswer answer;
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < COLUMNS; ++i) {
-            answer += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+            answer += row[i] + std::string(widths[i] - cli::columns(row[i]) + 2, ' ');
         }
         answer += row[COLUMNS] + "\n";
     }
@@ -181,20 +201,21 @@ std::string json(const std::vector<Entry>& entries, const std::vector<Refusal>& 
                 item.addKey("device", entry.device);
                 item.addKey("part", entry.part);
                 item.addKey("state", entry.state);
-                item.addKey("file", entry.file);
+                item.addKey("file", HI18N_convertToUTF8(entry.file));
             });
         }
     });
-    if (!all) return writer.text();
+    if (!all) return cli::withEmptyLists(writer.text(), {{"platforms", entries.empty()}});
     writer.addList("refused", [&](mav_platform::JSONListWriter& list) {
         for (const Refusal& refusal : refused) {
             list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("file", refusal.file);
-                item.addKey("reason", refusal.reason);
+                item.addKey("file", HI18N_convertToUTF8(refusal.file));
+                item.addKey("reason", HI18N_convertToUTF8(refusal.reason));
             });
         }
     });
-    return writer.text();
+    return cli::withEmptyLists(writer.text(),
+                               {{"platforms", entries.empty()}, {"refused", refused.empty()}});
 }
 
 void checkType(const std::string& type) {
@@ -226,7 +247,7 @@ HSTVector<std::string> searched(const cli::ListOptions& options) {
 }
 
 /// The faults of the platform's archives, a line each; empty when there are none.
-std::string faultsOf(const HMAVPlatform& platform, const Reports& reports) {
+std::string faultsOf(const HMAVPlatform& platform, Reports& reports) {
     HSTVector<HMAVReconfigurablePartition*> partitions;
     platform.getReconfigurablePartitions(partitions);
     HSTVector<const HMAVHardwarePlatform*> hardware;
@@ -242,8 +263,15 @@ std::string faultsOf(const HMAVPlatform& platform, const Reports& reports) {
     return faults;
 }
 
+/// Without those of files that were met again, as in a directory that is listed twice.
+std::vector<Refusal> onceEach(std::vector<Refusal> refused) {
+    std::unordered_set<std::string> files;
+    std::erase_if(refused, [&](const Refusal& one) { return !files.insert(one.file).second; });
+    return refused;
+}
+
 /// Moves platforms with an archive that could not be read to the refusals.
-void separate(const Reports& reports, Platforms& platforms, std::vector<Refusal>& refused) {
+void separate(Reports& reports, Platforms& platforms, std::vector<Refusal>& refused) {
     std::erase_if(platforms, [&](const HMAVPlatform* platform) {
         const std::string faults = faultsOf(*platform, reports);
         if (!faults.empty()) refused.push_back({platform->getPlatformFile(), faults});
@@ -260,15 +288,18 @@ void cli::runList(const ListOptions& options) {
     Platforms platforms;
     std::vector<Refusal> refused;
     {
-        const Reports reports;
-        const SearchLine line;
-        manager.addPlatformsFromDirs(dirs);
+        Reports reports;
+        {
+            const SearchLine line;
+            manager.addPlatformsFromDirs(dirs);
+        }
         Platforms bare;
         manager.getPlatforms(platforms);
         manager.getDSAPlatforms(bare);
         platforms.insert(platforms.end(), bare.begin(), bare.end());
-        refused = manager.getRefusals();
+        refused = onceEach(manager.getRefusals());
         separate(reports, platforms, refused);
+        reports.tellTheRest(refused);
     }
     std::erase_if(platforms, [&](const auto* one) { return !fits(entryOf(*one), options); });
     if (options.latest) platforms = HMAVPlatformUtils::filterOutOldPlatforms(platforms);

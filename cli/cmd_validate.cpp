@@ -7,6 +7,7 @@
 #include "RulePages.h"
 #include "Screen.h"
 #include "Suggest.h"
+#include "mav_host/HI18N.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformCheck.h"
 
@@ -43,7 +44,7 @@ std::string json(const Findings& findings) {
     writer.addList("findings", [&](mav_platform::JSONListWriter& list) {
         for (const CheckFinding& finding : findings) {
             list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("file", finding.file);
+                item.addKey("file", HI18N_convertToUTF8(finding.file));
                 item.addKey("line", static_cast<unsigned>(finding.line));
                 item.addKey("column", static_cast<unsigned>(finding.column));
                 item.addKey("severity", PlatformCheck::severityText(finding.severity));
@@ -52,7 +53,7 @@ std::string json(const Findings& findings) {
             });
         }
     });
-    return writer.text();
+    return cli::withEmptyLists(writer.text(), {{"findings", findings.empty()}});
 }
 
 std::string quoted(std::string_view text) {

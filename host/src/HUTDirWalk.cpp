@@ -2,17 +2,22 @@
 #include "mav_host/HUTDirWalk.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <map>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "DirMemory.h"
+#include "FileDescriptor.h"
 #include "mav_host/HEXError.h"
 
 namespace {
@@ -23,22 +28,55 @@ constexpr unsigned MOST_VISITS = 16;
 HUTDirWalkProgress* theProgress = nullptr;
 
 using Identity = std::pair<dev_t, ino_t>;
-
-struct Item {
-    std::string name;
-    bool isDir;
-};
+using mav_host::DirItem;
+using mav_host::DirItems;
+using mav_host::DirMemory;
+using mav_host::FileDescriptor;
 
 struct Level {
-    std::string prefix;  ///< path of the directory, with the separator
-    std::vector<Item> items;
+    std::size_t prefix;  ///< length of the directory's path, with the separator
+    std::shared_ptr<const DirItems> items;
     std::size_t next = 0;
+    bool canonical = false;            ///< the path is known to be the canonical name
     std::optional<Identity> identity;  ///< known when loops are possible
 };
 
-struct Closer {
-    void operator()(DIR* dir) const { ::closedir(dir); }
-};
+[[noreturn]] void fail(const std::string& dir, int error) {
+    throw HEXUserException("The directory '" + dir +
+                           "' cannot be read: " + std::generic_category().message(error));
+}
+
+/// The kind of a file that the directory did not tell; unknown when the file has vanished.
+unsigned char askType(const std::string& path) {
+    struct stat status = {};
+    if (::lstat(path.c_str(), &status) != 0) return DT_UNKNOWN;
+    return static_cast<unsigned char>(IFTODT(status.st_mode));
+}
+
+/// Room for what the system tells of a directory at once; taken once for all of a walk.
+using Answers = std::array<char, 32U << 10U>;
+
+std::shared_ptr<const DirItems> readItems(int dir, const std::string& path, Answers& answers) {
+    auto items = std::make_shared<DirItems>();
+    for (;;) {
+        const ssize_t size = ::getdents64(dir, answers.data(), answers.size());
+        if (size < 0) fail(path, errno);
+        if (size == 0) break;
+        for (ssize_t at = 0; at < size;) {
+            // The system aligns the entries.
+            const auto* const found = reinterpret_cast<const dirent64*>(answers.data() + at);
+            at += found->d_reclen;
+            const std::string_view name = found->d_name;
+            if (name == "." || name == "..") continue;
+            const unsigned char type =
+                found->d_type != DT_UNKNOWN ? found->d_type : askType(path + "/" + found->d_name);
+            if (type != DT_UNKNOWN) items->push_back({std::string(name), type});
+        }
+    }
+    std::sort(items->begin(), items->end(),
+              [](const DirItem& a, const DirItem& b) { return a.name < b.name; });
+    return items;
+}
 
 class Walk {
   public:
@@ -49,67 +87,70 @@ class Walk {
                    options.maxDepth == std::numeric_limits<std::size_t>::max()) {}
 
     bool run(const std::string& dir) {
-        enter(dir);
+        const DirMemory* const memory = DirMemory::current();
+        entry_.path = dir;
+        enter(memory != nullptr && memory->isCanonical(dir));
         while (!levels_.empty()) {
             Level& level = levels_.back();
-            if (level.next == level.items.size()) {
+            if (level.next == level.items->size()) {
                 levels_.pop_back();
                 continue;
             }
-            const Item& item = level.items[level.next++];
-            const HUTDirWalk::Entry entry{level.prefix + item.name, levels_.size() - 1, item.isDir};
-            if (theProgress != nullptr) theProgress->visit(entry.path);
-            if (!visit_(entry)) return false;
-            if (entry.isDir && entry.depth < options_.maxDepth) enter(entry.path);
+            const DirItem& item = (*level.items)[level.next++];
+            entry_.path.resize(level.prefix);
+            entry_.path += item.name;
+            entry_.depth = levels_.size() - 1;
+            entry_.isDir = item.type == DT_DIR;
+            if (item.type == DT_LNK && options_.followLinks && !follow()) continue;
+            if (theProgress != nullptr) theProgress->visit(entry_.path);
+            if (!visit_(entry_)) return false;
+            if (!entry_.isDir || entry_.depth >= options_.maxDepth) continue;
+            enter(level.canonical && item.type == DT_DIR);
         }
         return true;
     }
 
   private:
-    void enter(const std::string& dir) {
-        const std::unique_ptr<DIR, Closer> handle(::opendir(dir.c_str()));
-        if (!handle) {
-            const bool vanished = errno == ENOENT || errno == ENOTDIR;
-            if (vanished && !levels_.empty()) return;
-            fail(dir, errno);
-        }
+    /// Enters the directory that the entry's path names.
+    void enter(bool canonical) {
+        std::string& dir = entry_.path;
         Level level;
-        level.prefix = dir.ends_with('/') ? dir : dir + "/";
-        if (guarded_) {
-            struct stat status = {};
-            if (::fstat(::dirfd(handle.get()), &status) != 0) fail(dir, errno);
-            level.identity = Identity(status.st_dev, status.st_ino);
-            if (isOpen(*level.identity) || ++visits_[*level.identity] > MOST_VISITS) return;
+        level.canonical = canonical;
+        DirMemory* const memory = guarded_ ? nullptr : DirMemory::current();
+        if (memory != nullptr) level.items = memory->items(dir);
+        if (!level.items) {
+            if (!open(dir, level)) return;
+            if (memory != nullptr) memory->keep(dir, {level.items, canonical});
         }
-        read(*handle, level);
+        if (!dir.ends_with('/')) dir += '/';
+        level.prefix = dir.size();
         levels_.push_back(std::move(level));
     }
 
-    void read(DIR& handle, Level& level) const {
-        for (;;) {
-            errno = 0;
-            const dirent* const found = ::readdir(&handle);
-            if (found == nullptr) break;
-            std::string name = found->d_name;
-            if (name == "." || name == "..") continue;
-            add(level, std::move(name), found->d_type);
+    /// Reads the directory; false when it is to be passed over.
+    bool open(const std::string& dir, Level& level) {
+        const FileDescriptor file(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!file.isOpen()) {
+            const bool vanished = errno == ENOENT || errno == ENOTDIR;
+            if (vanished && !levels_.empty()) return false;
+            fail(dir, errno);
         }
-        if (errno != 0) fail(level.prefix, errno);
-        std::sort(level.items.begin(), level.items.end(),
-                  [](const Item& a, const Item& b) { return a.name < b.name; });
+        if (guarded_) {
+            struct stat status = {};
+            if (::fstat(file.get(), &status) != 0) fail(dir, errno);
+            level.identity = Identity(status.st_dev, status.st_ino);
+            if (isOpen(*level.identity) || ++visits_[*level.identity] > MOST_VISITS) return false;
+        }
+        level.items = readItems(file.get(), dir, *answers_);
+        return true;
     }
 
-    void add(Level& level, std::string name, unsigned char type) const {
-        bool isDir = type == DT_DIR;
-        if (type == DT_UNKNOWN || (type == DT_LNK && options_.followLinks)) {
-            struct stat status = {};
-            const std::string path = level.prefix + name;
-            const int failed = options_.followLinks ? ::stat(path.c_str(), &status)
-                                                    : ::lstat(path.c_str(), &status);
-            if (failed != 0) return;  // a link that leads nowhere, or it vanished
-            isDir = S_ISDIR(status.st_mode);
-        }
-        level.items.push_back({std::move(name), isDir});
+    /// Looks behind a link; false when it leads nowhere.
+    bool follow() {
+        struct stat status = {};
+        if (::stat(entry_.path.c_str(), &status) != 0) return false;
+        entry_.isDir = S_ISDIR(status.st_mode);
+        return true;
     }
 
     bool isOpen(const Identity& identity) const {
@@ -117,14 +158,11 @@ class Walk {
                            [&](const Level& level) { return level.identity == identity; });
     }
 
-    [[noreturn]] static void fail(const std::string& dir, int error) {
-        throw HEXUserException("The directory '" + dir +
-                               "' cannot be read: " + std::generic_category().message(error));
-    }
-
     const HUTDirWalk::Options& options_;
     const HUTDirWalk::Visitor& visit_;
     bool guarded_;
+    std::unique_ptr<Answers> answers_ = std::make_unique_for_overwrite<Answers>();
+    HUTDirWalk::Entry entry_;  ///< one for all, so that its path is not taken anew for each
     std::vector<Level> levels_;
     std::map<Identity, unsigned> visits_;
 };
@@ -139,4 +177,17 @@ HUTDirWalkProgress::~HUTDirWalkProgress() = default;
 
 HUTDirWalkProgress* HUTDirWalk::setProgress(HUTDirWalkProgress* progress) {
     return std::exchange(theProgress, progress);
+}
+
+struct HUTDirMemory::Impl {
+    mav_host::DirMemory memory;
+    mav_host::DirMemory* before = nullptr;
+};
+
+HUTDirMemory::HUTDirMemory() : impl_(std::make_unique<Impl>()) {
+    impl_->before = mav_host::DirMemory::install(&impl_->memory);
+}
+
+HUTDirMemory::~HUTDirMemory() {
+    mav_host::DirMemory::install(impl_->before);
 }

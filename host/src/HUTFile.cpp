@@ -1,22 +1,58 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/HUTFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
+#include "DirMemory.h"
+
 namespace fs = std::filesystem;
 
 namespace {
 
-bool isSeparator(char c) {
-    return c == '/';
+using mav_host::DirMemory;
+
+/// What a walk saw at the path; DT_UNKNOWN when nobody looked.
+unsigned char remembered(const std::string& path) {
+    const DirMemory* const memory = DirMemory::current();
+    return memory != nullptr ? memory->typeOf(path) : static_cast<unsigned char>(DT_UNKNOWN);
+}
+
+/// 0 when nothing is there or it cannot be asked.
+mode_t modeOf(const std::string& path) {
+    struct stat status;
+    return ::stat(path.c_str(), &status) == 0 ? status.st_mode : 0;
+}
+
+/// The path from the root on, without "." and empty components. Empty when the path is empty or the
+/// working directory cannot be told.
+std::string tidyAbsolute(const std::string& path) {
+    std::string full;
+    if (path.empty()) return full;
+    full.reserve(path.size() + 1);
+    if (path.front() != '/') {
+        std::error_code error;
+        full = fs::current_path(error);
+        if (error) return "";
+        if (full == "/") full.clear();
+    }
+    for (std::size_t start = 0; start < path.size();) {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        const std::string_view part = std::string_view(path).substr(start, end - start);
+        if (!part.empty() && part != ".") full.append("/").append(part);
+        start = end + 1;
+    }
+    if (full.empty()) full.push_back('/');
+    return full;
 }
 
 /// Where the file name begins in a path.
@@ -47,34 +83,40 @@ bool HUTFile::exists(const std::string& path) {
 }
 
 bool HUTFile::isFile(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+    return remembered(path) == DT_REG || S_ISREG(modeOf(path));
 }
 
 bool HUTFile::isDir(const std::string& path) {
-    std::error_code error;
-    return fs::is_directory(path, error);
+    return remembered(path) == DT_DIR || S_ISDIR(modeOf(path));
 }
 
 std::string HUTFile::getCanonicalName(const std::string& path) {
-    if (path.empty()) return "";
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error);
-    if (error) return path;
-    const std::string name = absolute.filename();
-    const bool whole = name.empty() || name == "." || name == ".." || isDir(absolute);
-    const fs::path dir = whole ? absolute : absolute.parent_path();
-    fs::path resolved = kernelName(dir);
-    if (resolved.empty()) resolved = fs::weakly_canonical(dir, error);
-    if (error) return absolute.lexically_normal();
-    if (!whole) return resolved / name;
-    std::string result = resolved;
-    while (result.size() > 1 && isSeparator(result.back())) result.pop_back();
-    return result;
+    std::string full = tidyAbsolute(path);
+    if (full.empty()) return path;
+    DirMemory* const memory = DirMemory::current();
+    if (memory != nullptr && memory->isCanonical(full)) return full;
+    const std::size_t slash = full.rfind('/');
+    const bool whole = full.ends_with("/..") || slash + 1 == full.size() || isDir(full);
+    const std::string dir = whole ? full : full.substr(0, std::max<std::size_t>(slash, 1));
+    std::string resolved = kernelName(dir);
+    if (!resolved.empty()) {
+        if (memory != nullptr) memory->keepCanonical(resolved);
+    } else {
+        std::error_code error;
+        resolved = fs::weakly_canonical(dir, error);
+        if (error) return fs::path(full).lexically_normal();
+        while (resolved.size() > 1 && resolved.back() == '/') resolved.pop_back();
+    }
+    if (whole) return resolved;
+    return resolved.append(full, resolved.size() > 1 ? slash : slash + 1);
 }
 
 std::string HUTFile::getParent(const std::string& path) {
-    return fs::path(path).parent_path();
+    // Without a separator, or with one at the end alone, the path says what its parent is at once.
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return "";
+    const bool plain = slash > 0 && path[slash - 1] != '/';
+    return plain ? path.substr(0, slash) : fs::path(path).parent_path().string();
 }
 
 std::string HUTFile::getExt(const std::string& path) {
@@ -115,8 +157,8 @@ bool HUTFile::rm(const std::string& path) {
 }
 
 bool HUTPathUtils::exists(const std::string& path) {
-    std::error_code error;
-    return !path.empty() && fs::exists(path, error);
+    const unsigned char type = remembered(path);
+    return type == DT_REG || type == DT_DIR || modeOf(path) != 0;
 }
 
 std::string HUTPathUtils::extension(const std::string& path) {

@@ -27,8 +27,10 @@ std::optional<std::string> keyFromFile() {
     constexpr std::size_t MAX_KEY_SIZE = 1U << 16U;
     const char* const path = HUTEnv::getEnv("MAV_KEY_FILE");
     if (path == nullptr || *path == '\0') return std::nullopt;
-    std::ifstream file(path, std::ios::binary);
-    if (!HUTFile::isFile(path) || !file) {
+    // Asked before opening, which would wait for a writer of a named pipe.
+    std::ifstream file;
+    if (HUTFile::isFile(path)) file.open(path, std::ios::binary);
+    if (!file.is_open()) {
         throw HEXUserException(std::string("The key file '") + path +
                                "' that MAV_KEY_FILE names cannot be read; correct the variable or "
                                "the file's permissions");

@@ -1,19 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <libdeflate.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <filesystem>
+#include <cstdlib>
 #include <system_error>
 
+#include "FileDescriptor.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "zipInternal.h"
 
 namespace mav_host {
 namespace {
+
+/// Bytes at the end of an archive among which libzip looks for the directory.
+constexpr std::uint64_t READ_WHOLE = 64U << 10U;
 
 /// The most that one packed byte can inflate to under deflate (RFC 1951: 258 bytes for 2 bits).
 constexpr std::uint64_t MAX_RATIO = 1032;
@@ -39,6 +46,14 @@ constexpr const char* CUT_OFF = "is cut off; the archive is damaged";
 struct FreeDecompressor {
     void operator()(libdeflate_decompressor* it) const { libdeflate_free_decompressor(it); }
 };
+
+/// The thread's own: making one costs as much as inflating a small member.
+libdeflate_decompressor* decompressor() {
+    thread_local const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> OWN(
+        libdeflate_alloc_decompressor());
+    if (!OWN) throw std::bad_alloc();
+    return OWN.get();
+}
 
 /// Room for `size` bytes. Large texts are asked of the system in large pages: taking them page by
 /// page costs more than inflating them.
@@ -72,13 +87,10 @@ std::string inflateMember(zip_t* zip, zip_uint64_t index, const zip_stat_t& stat
     if (status.size > status.comp_size * MAX_RATIO) refuseMember(path, status.name, WRONG_SIZE);
     const auto packed = std::make_unique_for_overwrite<char[]>(status.comp_size);
     readPacked(zip, index, status, path, packed.get());
-    const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> decompressor(
-        libdeflate_alloc_decompressor());
-    if (!decompressor) throw std::bad_alloc();
     std::string content = makeRoom(status.size);
     std::size_t size = 0;
     const libdeflate_result result = libdeflate_deflate_decompress(
-        decompressor.get(), packed.get(), status.comp_size, content.data(), content.size(), &size);
+        decompressor(), packed.get(), status.comp_size, content.data(), content.size(), &size);
     if (result == LIBDEFLATE_INSUFFICIENT_SPACE) refuseMember(path, status.name, WRONG_SIZE);
     if (result != LIBDEFLATE_SUCCESS) refuseMember(path, status.name, DAMAGED);
     if (size != status.size) refuseMember(path, status.name, WRONG_SIZE);
@@ -99,23 +111,73 @@ bool isOverlong(const zip_stat_t& status) {
     return status.comp_size > status.size + status.size / 8 + 1024;
 }
 
+[[noreturn]] void refuseUnreadable(const std::string& path, const std::error_code& reason) {
+    refuseArchive(path, "cannot be read: " + reason.message() + "; check its permissions");
+}
+
+FileDescriptor openRegular(const std::string& path, std::uint64_t& size) {
+    constexpr const char* NO_FILE = "is not a file; give the path of an archive";
+    // Without waiting for the writer of a named pipe.
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const std::error_code reason(errno, std::generic_category());
+    if (!file.isOpen()) {
+        if (!HUTPathUtils::exists(path)) throw HEXFileNotFoundException(path);
+        if (!HUTFile::isFile(path)) refuseArchive(path, NO_FILE);
+        refuseUnreadable(path, reason);
+    }
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) refuseArchive(path, NO_FILE);
+    size = static_cast<std::uint64_t>(status.st_size);
+    return file;
+}
+
+/// Opens an archive over its bytes, which libzip would read anyway to find the directory at the
+/// end, by many small steps. Null with `code` set when it is none.
+zip_t* openSmall(const FileDescriptor& file, std::uint64_t size, int& code) {
+    code = ZIP_ER_READ;
+    std::unique_ptr<char, decltype(&std::free)> bytes(static_cast<char*>(std::malloc(size + 1)),
+                                                      &std::free);
+    if (!bytes) throw std::bad_alloc();
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t count = ::read(file.get(), bytes.get() + done, size - done);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return nullptr;
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* const source = zip_source_buffer_create(bytes.get(), done, 1, &error);
+    if (source == nullptr) throw std::bad_alloc();
+    static_cast<void>(bytes.release());
+    zip_t* const zip = zip_open_from_source(source, ZIP_RDONLY, &error);
+    code = zip_error_code_zip(&error);
+    zip_error_fini(&error);
+    if (zip == nullptr) zip_source_free(source);
+    return zip;
+}
+
 }  // namespace
 
-ZipHandle openZip(const std::string& path) {
-    if (!HUTPathUtils::exists(path)) throw HEXFileNotFoundException(path);
-    if (!HUTFile::isFile(path)) refuseArchive(path, "is not a file; give the path of an archive");
-    int code = 0;
+ZipHandle openZip(const std::string& path, std::uint64_t* size) {
+    const FileDescriptor file = openRegular(path, *size);
     errno = 0;
-    ZipHandle zip(zip_open(path.c_str(), ZIP_RDONLY, &code));
+    int code = 0;
+    ZipHandle zip(*size <= READ_WHOLE ? openSmall(file, *size, code)
+                                      : zip_open(path.c_str(), ZIP_RDONLY, &code));
     const std::error_code system(errno, std::generic_category());
-    if (!zip && (code == ZIP_ER_OPEN || code == ZIP_ER_READ)) {
-        refuseArchive(path, "cannot be read: " + system.message() + "; check its permissions");
-    }
+    if (!zip && (code == ZIP_ER_OPEN || code == ZIP_ER_READ)) refuseUnreadable(path, system);
     if (zip && (zip_get_num_entries(zip.get(), 0) > 0 || HUTZip::isZip(path))) return zip;
     if (!HUTZip::isZip(path)) {
         refuseArchive(path, "is not a zip archive; check that it is the file you mean");
     }
     refuseArchive(path, "is cut off or damaged: its directory cannot be read; copy it afresh");
+}
+
+ZipHandle openZip(const std::string& path) {
+    std::uint64_t size = 0;
+    return openZip(path, &size);
 }
 
 std::string memberName(zip_t* zip, zip_uint64_t index) {
@@ -179,7 +241,7 @@ void streamMember(zip_t* zip, zip_uint64_t index, const std::string& path, std::
 struct ZipArchive::Impl {
     std::string path;
     ZipHandle zip;
-    std::uint64_t fileSize;
+    std::uint64_t fileSize = 0;
 
     zip_uint64_t find(const std::string& member) const {
         const zip_int64_t index = findMember(zip.get(), member);
@@ -188,8 +250,10 @@ struct ZipArchive::Impl {
     }
 };
 
-ZipArchive::ZipArchive(const std::string& path)
-    : impl_(std::make_shared<Impl>(Impl{path, openZip(path), std::filesystem::file_size(path)})) {}
+ZipArchive::ZipArchive(const std::string& path) : impl_(std::make_shared<Impl>()) {
+    impl_->path = path;
+    impl_->zip = openZip(path, &impl_->fileSize);
+}
 
 const std::string& ZipArchive::path() const {
     return impl_->path;

@@ -88,8 +88,10 @@ std::uint64_t containerSize(std::uint64_t plain) {
 }
 
 std::string readWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    if (!HUTFile::isFile(path) || !file) refuse(path, "cannot be read; check path and permissions");
+    // Asked before opening, which would wait for a writer of a named pipe.
+    std::ifstream file;
+    if (HUTFile::isFile(path)) file.open(path, std::ios::binary | std::ios::ate);
+    if (!file.is_open()) refuse(path, "cannot be read; check path and permissions");
     const auto size = static_cast<std::size_t>(file.tellg());
     if (size > MAX_FILE) refuse(path, "is larger than 1 GiB");
     std::string content(size, '\0');

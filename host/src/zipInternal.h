@@ -27,6 +27,8 @@ using ZipFileHandle = std::unique_ptr<zip_file_t, ZipFileClose>;
 
 /// Opens an archive for reading; throws as ZipArchive's constructor does.
 ZipHandle openZip(const std::string& path);
+/// Tells the size of the archive as well.
+ZipHandle openZip(const std::string& path, std::uint64_t* size);
 
 /// The member's name; empty when it has none that can be told.
 std::string memberName(zip_t* zip, zip_uint64_t index);

@@ -27,7 +27,7 @@ class Diff(CommandTest):
         elsewhere = pathlib.Path(shutil.copy(original, self.dir / "other.pka"))
         self.assertEqual(self.mav("diff", original, elsewhere)[0], "")
         self.assertEqual(json.loads(self.mav("diff", "--json", original, elsewhere)[0]),
-                         {"differ": "false"})
+                         {"differ": "false", "changes": []})
 
     def test_changes_by_meaning(self):
         def edit(metadata):

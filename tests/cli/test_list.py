@@ -19,14 +19,18 @@ DESCRIPTION = """<?xml version="1.0"?>
 
 
 class ListTest(CommandTest):
-    def archive(self, path, name="card", major="1", vendor="tarvek", part="XC-1"):
+    def archive(self, path, name="card", major="1", vendor="tarvek", part="XC-1", members=None):
         path = self.dir / path
         path.parent.mkdir(parents=True, exist_ok=True)
         with zipfile.ZipFile(path, "w") as archive:
             archive.writestr(path.suffix[1:] + ".json", json.dumps({
                 "vendor": vendor, "boardId": "b1", "name": name, "versionMajor": major,
                 "versionMinor": "0", "platformState": "impl",
-                "devices": [{"name": "fpga0", "fpgaPart": part}]}))
+                "devices": [{"name": "fpga0", "fpgaPart": part}],
+                "files": [{"name": member, "type": kind}
+                          for kind, member, _ in members or []]}))
+            for _, member, content in members or []:
+                archive.writestr(member, content)
 
     def describe(self, path, archive):
         path = self.dir / path
@@ -37,7 +41,7 @@ class ListTest(CommandTest):
         return json.loads(output), errors
 
     def names(self, *arguments):
-        return [item["name"] for item in self.listed(*arguments)[0].get("platforms", [])]
+        return [item["name"] for item in self.listed(*arguments)[0]["platforms"]]
 
 
 class Listing(ListTest):
@@ -94,6 +98,39 @@ class Listing(ListTest):
         output, _ = self.mav("list", self.dir, "--all")
         self.assertIn(f"\nleft out:\n{self.dir}/gone.qpfm\n    Hardware platform file ", output)
 
+    def test_a_fault_of_another_member_leaves_nothing_out_and_is_told(self):
+        for i, (kind, content, says) in enumerate((
+                ("EMU_JSON", "{}", "74-63"), ("EMU_JSON", "{", "74-64"),
+                ("HPFM", "<a>", f"{self.dir}/c2.pka: line 1"))):
+            self.archive(f"c{i}.pka", members=[(kind, f"m{i}", content)])
+            document, errors = self.listed("--all")
+            self.assertEqual((len(document["platforms"]), document["refused"]), (i + 1, []))
+            self.assertIn(says, errors)
+        self.describe("c0.qpfm", "c0.pka")
+        self.describe("again.qpfm", "c0.pka")
+        self.assertEqual(self.mav("list", self.dir)[1].count("c0.pka"), 1, "told once")
+        self.archive("twice.pka")
+        archive = self.dir / "twice.pka"
+        with zipfile.ZipFile(archive) as packed:
+            text = packed.read("pka.json").decode()
+        with zipfile.ZipFile(archive, "w") as packed:
+            packed.writestr("pka.json", text.replace("{", '{"vendor": "v", ', 1))
+        self.assertIn("'vendor' stands more than once", self.mav("list", self.dir)[1])
+
+    def test_odd_names_repeated_directories_and_empty_answers(self):
+        self.assertEqual(self.listed("--all")[0], {"platforms": [], "refused": []})
+        self.archive("b\u00e4r/card.pka", name="b\u00e4r")
+        self.archive("b\u00e4r/x.pka", name="long")
+        head, one, two = self.mav("list", self.dir)[0].splitlines()
+        self.assertEqual((one.index("tarvek"), two.index("tarvek")), (head.index("VENDOR"),) * 2)
+        (self.dir / "b\u00e4r/no.qpfm").write_text("<a>")
+        os.rename(self.dir / "b\u00e4r/x.pka", os.fsencode(self.dir) + b"/x\xc3.pka")
+        output, _ = self.mav("list", self.dir, self.dir / "b\u00e4r", self.dir, "--all", "--json")
+        document = json.loads(output)
+        self.assertEqual([os.path.basename(item["file"]) for item in document["platforms"]],
+                         ["card.pka", "x\u00c3.pka"])
+        self.assertEqual(len(document["refused"]), 1)
+
     def test_every_sample_is_listed(self):
         output, errors = self.mav("list", SAMPLES)
         self.assertEqual(errors, "")
@@ -133,19 +170,19 @@ class Directories(ListTest):
         scratch.mkdir()
         terminal, end = pty.openpty()
         # So many directories that the search takes longer than the line needs to appear.
-        with subprocess.Popen([MAV, "list", *[self.dir / "d/../d"] * 4000], stderr=end,
+        with subprocess.Popen([MAV, "list", *[self.dir / "d/../d"] * 16000], stderr=end,
                               stdout=subprocess.PIPE, stdin=subprocess.DEVNULL,
                               env={**os.environ, "TMPDIR": str(scratch)}) as process:
             os.close(end)
             shown = b""
             deadline = time.monotonic() + 60
-            while b" files  card" not in shown and time.monotonic() < deadline:
+            while b" names  " not in shown and time.monotonic() < deadline:
                 if select.select([terminal], [], [], 1)[0]:
                     shown += os.read(terminal, 1000)
             process.send_signal(signal.SIGINT)
             output = process.stdout.read()
         os.close(terminal)
-        self.assertIn(b" files  card", shown)
+        self.assertRegex(shown, rb"\d+ names  (card)?\d")
         self.assertEqual(process.returncode, -signal.SIGINT)
         self.assertEqual(output, b"")
         self.assertEqual(list(scratch.iterdir()), [])

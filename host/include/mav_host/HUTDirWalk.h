@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 
 #include "mav_host/Export.h"
@@ -21,9 +22,9 @@ class MAV_API HUTDirWalkProgress {
 class MAV_API HUTDirWalk {
   public:
     struct Entry {
-        std::string path;   ///< the walked directory, "/" and the names on the way
-        std::size_t depth;  ///< 0 in the walked directory itself
-        bool isDir;         ///< a directory that the walk can enter
+        std::string path;       ///< the walked directory, "/" and the names on the way
+        std::size_t depth = 0;  ///< 0 in the walked directory itself
+        bool isDir = false;     ///< a directory that the walk can enter
     };
     struct Options {
         /// Enter directories behind links, and pass over links that lead nowhere. Without it a
@@ -45,4 +46,22 @@ class MAV_API HUTDirWalk {
     /// Installs who is told of every entry; null tells nobody. It stays owned by the caller and
     /// must outlive its installation. Answers the one in force before.
     static HUTDirWalkProgress* setProgress(HUTDirWalkProgress* progress);
+};
+
+/// While one lives, what walks on its thread see of directories is remembered: a second walk does
+/// not read them again, and HUTFile answers from it whether something exists, is a file or a
+/// directory, and what its canonical name is. A search asks the system once for each directory that
+/// way, instead of a dozen times for each file. What has not been seen is asked of the system as
+/// ever; what vanishes meanwhile may still be called existing. Belongs to a scope; the innermost
+/// one counts. Walks that follow links without a limit to their depth do not take part.
+class MAV_API HUTDirMemory {
+  public:
+    HUTDirMemory();
+    ~HUTDirMemory();
+    HUTDirMemory(const HUTDirMemory&) = delete;
+    HUTDirMemory& operator=(const HUTDirMemory&) = delete;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
 };

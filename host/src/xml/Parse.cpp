@@ -11,6 +11,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <random>
 #include <system_error>
 #include <utility>
 
@@ -27,17 +28,45 @@ struct FreeParser {
 };
 using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
+/// Asked of the system once; the parser would ask for every document.
+unsigned long hashSalt() {
+    static const unsigned long SALT = [] {
+        std::random_device source;
+        return (static_cast<unsigned long>(source()) << 32U) | source() | 1U;
+    }();
+    return SALT;
+}
+
+/// The thread's spare parser. One that has read a small document serves the next without asking for
+/// its memory again; one that has read a large document would hold on to too much.
+thread_local ParserPtr spareParser;
+
+ParserPtr takeParser() {
+    ParserPtr parser = std::move(spareParser);
+    if (!parser || XML_ParserReset(parser.get(), nullptr) == XML_FALSE) {
+        parser.reset(XML_ParserCreate(nullptr));
+    }
+    if (!parser) throw std::bad_alloc();
+    XML_SetHashSalt(parser.get(), hashSalt());
+    return parser;
+}
+
 /// A parser that hands on what it meets. Exceptions wait until the parser, which is C, has
 /// returned.
 class Parse final : public Locator {
   public:
-    explicit Parse(const Limits& limits) : limits_(limits), parser_(XML_ParserCreate(nullptr)) {
-        if (parser_ == nullptr) throw std::bad_alloc();
+    explicit Parse(const Limits& limits) : limits_(limits), parser_(takeParser()) {
         XML_SetUserData(parser_.get(), this);
         XML_SetElementHandler(parser_.get(), onStart, onEnd);
         XML_SetCharacterDataHandler(parser_.get(), onCharacters);
         XML_SetStartDoctypeDeclHandler(parser_.get(), onDoctype);
     }
+
+    ~Parse() override {
+        if (size_ <= std::size_t{FIRST_PIECE}) spareParser = std::move(parser_);
+    }
+    Parse(const Parse&) = delete;
+    Parse& operator=(const Parse&) = delete;
 
     void to(std::unique_ptr<Events> events) { events_ = std::move(events); }
     void toMarkup(std::unique_ptr<MarkupEvents> events) {
@@ -50,7 +79,7 @@ class Parse final : public Locator {
     }
 
     void text(std::string_view text);
-    void stream(int file);
+    void stream(int file, std::size_t claimedSize);
 
     Position position() const override {
         return {static_cast<std::size_t>(XML_GetCurrentLineNumber(parser_.get())),
@@ -118,21 +147,23 @@ class Parse final : public Locator {
         if (fault == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
         refuse(std::string("XML syntax error: ") + XML_ErrorString(fault));
     }
-    void checkSize(std::size_t size) const {
-        if (size > limits_.bytes)
+    void addSize(std::size_t size) {
+        size_ += size;
+        if (size_ > limits_.bytes)
             throw BindingError("the document is larger than " + std::to_string(limits_.bytes) +
                                " bytes");
     }
 
     const Limits& limits_;
     ParserPtr parser_;
+    std::size_t size_ = 0;  ///< bytes of the document so far
     std::exception_ptr failure_;
     std::unique_ptr<Events> events_;
     MarkupEvents* markup_ = nullptr;  ///< the events, when they take markup too
 };
 
 void Parse::text(std::string_view text) {
-    checkSize(text.size());
+    addSize(text.size());
     while (text.size() > static_cast<std::size_t>(LARGEST_PIECE)) {
         check(XML_Parse(parser_.get(), text.data(), LARGEST_PIECE, XML_FALSE));
         text.remove_prefix(static_cast<std::size_t>(LARGEST_PIECE));
@@ -141,22 +172,30 @@ void Parse::text(std::string_view text) {
                     XML_TRUE));
 }
 
-void Parse::stream(int file) {
-    std::size_t size = 0;
-    int piece = FIRST_PIECE;
+/// Reads up to `room` bytes; 0 at the end of the file.
+std::size_t readPiece(int file, void* to, std::size_t room) {
+    for (;;) {
+        const ssize_t count = read(file, to, room);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR)
+            throw BindingError("the file cannot be read: " +
+                               std::generic_category().message(errno));
+    }
+}
+
+void Parse::stream(int file, std::size_t claimedSize) {
+    // One byte more than a small file claims shows that it ends there.
+    int piece = static_cast<int>(std::min<std::size_t>(claimedSize + 1, FIRST_PIECE));
     XML_Index reached = -1;
     while (true) {
         void* buffer = XML_GetBuffer(parser_.get(), piece);
         if (buffer == nullptr) throw std::bad_alloc();
-        const ssize_t count = read(file, buffer, static_cast<std::size_t>(piece));
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0)
-            throw BindingError("the file cannot be read: " +
-                               std::generic_category().message(errno));
-        size += static_cast<std::size_t>(count);
-        checkSize(size);
-        check(XML_ParseBuffer(parser_.get(), static_cast<int>(count), count == 0));
-        if (count == 0) return;
+        const std::size_t count = readPiece(file, buffer, static_cast<std::size_t>(piece));
+        addSize(count);
+        const bool ends =
+            count == 0 || (size_ == claimedSize && count < static_cast<std::size_t>(piece));
+        check(XML_ParseBuffer(parser_.get(), static_cast<int>(count), ends));
+        if (ends) return;
         // The parser begins an unfinished token anew with each piece; larger ones keep that linear.
         const XML_Index now = XML_GetCurrentByteIndex(parser_.get());
         piece = now > reached ? FIRST_PIECE : std::min(piece * 2, LARGEST_PIECE);
@@ -167,7 +206,10 @@ void Parse::stream(int file) {
 /// Closes the file at the end of the scope.
 class OpenFile {
   public:
-    explicit OpenFile(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    /// Without waiting: a named pipe that nobody writes to is refused like any other that is no
+    /// file.
+    explicit OpenFile(const std::string& path)
+        : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (file_ < 0)
             throw BindingError("the file cannot be opened: " +
                                std::generic_category().message(errno));
@@ -177,9 +219,13 @@ class OpenFile {
     OpenFile& operator=(const OpenFile&) = delete;
 
     int get() const { return file_; }
-    bool isDirectory() const {
+    /// The size that the system tells, which a file that is being written may exceed.
+    std::size_t size() const {
         struct stat status {};
-        return fstat(file_, &status) == 0 && S_ISDIR(status.st_mode);
+        if (fstat(file_, &status) != 0 || !S_ISREG(status.st_mode))
+            throw BindingError(S_ISDIR(status.st_mode) ? "the path is a directory, not a file"
+                                                       : "the path is not a regular file");
+        return static_cast<std::size_t>(status.st_size);
     }
 
   private:
@@ -190,10 +236,10 @@ class OpenFile {
 
 void parseFile(const std::string& path, const Limits& limits, const MakeEvents& make) {
     const OpenFile file(path);
-    if (file.isDirectory()) throw BindingError("the path is a directory, not a file");
+    const std::size_t size = file.size();
     Parse parse(limits);
     parse.to(make(parse));
-    parse.stream(file.get());
+    parse.stream(file.get(), size);
 }
 
 void parseText(std::string_view text, const Limits& limits, const MakeEvents& make) {

@@ -217,6 +217,10 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     virtual void setComputedDesignIntent(const HMAVDesignIntentStorage& intent);
     virtual void setExplicitDesignIntent(const HMAVDesignIntentStorage& intent);
     virtual void setPlatformFile(std::string path);
+    /// The metadata of the archive has been read whole. False where a reader stopped at a fault,
+    /// which it has reported; the platform then holds what was read up to there.
+    bool isMetadataRead() const { return metadataRead_; }
+    void setMetadataRead(bool value) { metadataRead_ = value; }
 
     /// Each appends an empty element, owned by the platform, and answers it.
     virtual HMAVHardwareIPParam* addHardwareIPParam();
@@ -470,6 +474,7 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     bool hwEmuPlatform_ = false;
     bool usesPR_ = false;
     bool childHardwareEmuPlatform_ = false;
+    bool metadataRead_ = false;
     HMAVDesignIntentStorage explicitIntent_;
     HMAVDesignIntentStorage computedIntent_;
     HMAVDpeHardware dpeHardware_;

@@ -15,9 +15,10 @@
 namespace {
 
 /// A description of the archive's name stands beside the archive.
-bool isDescribed(const std::string& path) {
-    return HUTFile::exists(HUTFile::getParent(path) + HUTFile::getDirSeparator() +
-                           HUTPathUtils::stem(path) + ".qpfm");
+bool isDescribed(const std::string& path, const std::string& extension) {
+    std::string description(path, 0, path.size() - extension.size());
+    description += ".qpfm";
+    return HUTFile::exists(description) && !HUTFile::isDir(description);
 }
 
 }  // namespace
@@ -71,7 +72,8 @@ bool HMAVHardwarePlatformParser::parseBareDSAFiles_(const std::string& dir, Plat
     try {
         return HUTDirWalk::walk(dir, {}, [&](const HUTDirWalk::Entry& entry) {
             const std::string extension = HUTPathUtils::extension(entry.path);
-            if (HMAVHardwarePlatform::isValidPlatformExt(extension) && !isDescribed(entry.path)) {
+            if (HMAVHardwarePlatform::isValidPlatformExt(extension) &&
+                !isDescribed(entry.path, extension)) {
                 parseBareDSAFile_(entry.path, found, seen);
             }
             return true;
@@ -84,16 +86,18 @@ bool HMAVHardwarePlatformParser::parseBareDSAFiles_(const std::string& dir, Plat
 
 void HMAVHardwarePlatformParser::parseBareDSAFile_(const std::string& path, Platforms& found,
                                                    Containers& seen) {
-    HMAVPlatform*& recorded = seen[HUTFile::getCanonicalName(path)];
-    if (recorded == nullptr) {
+    const std::string file = HUTFile::getCanonicalName(path);
+    auto recorded = seen.find(file);
+    if (recorded == seen.end()) {
         auto container = std::make_unique<HMAVPlatform>();
         HMAVHardwarePlatform* const hardware = parseDSAFile_(path, container.get());
         container->setHardwarePlatform(hardware);
         container->setPartial(true);
         container->setPlatformFile(hardware->getPlatformFile());
-        recorded = container.release();
+        recorded = seen.emplace(file, container.get()).first;
+        static_cast<void>(container.release());
     }
-    if (HMAVHardwarePlatform* const hardware = recorded->getHardwarePlatform()) {
+    if (HMAVHardwarePlatform* const hardware = recorded->second->getHardwarePlatform()) {
         found.push_back(hardware);
     }
 }

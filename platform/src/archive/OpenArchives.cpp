@@ -1,24 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "archive/OpenArchives.h"
 
+#include <algorithm>
+
 #include "mav_host/HUTFile.h"
 
 namespace mav_platform {
 
+OpenArchives::Known& OpenArchives::known(const std::string& path) {
+    const auto found = std::find_if(known_.begin(), known_.end(),
+                                    [&](const Known& one) { return one.path == path; });
+    return found != known_.end() ? *found : known_.emplace_back(Known{path, "", std::nullopt});
+}
+
 const mav_host::ZipArchive& OpenArchives::open(const std::string& path) {
-    const auto found = byPath_.find(path);
-    if (found != byPath_.end()) return found->second;
-    const mav_host::ZipArchive& opened =
-        byPath_.emplace(path, mav_host::ZipArchive(path)).first->second;
+    Known& asked = known(path);
+    if (asked.archive) return *asked.archive;
     // Platforms ask by the canonical name, whatever the archive was opened by; the file is shared.
-    byPath_.emplace(canonicalName(path), opened);
-    return opened;
+    Known& named = known(canonicalName(path));
+    if (!named.archive) named.archive.emplace(path);
+    if (!asked.archive) asked.archive = named.archive;
+    return *asked.archive;
 }
 
 const std::string& OpenArchives::canonicalName(const std::string& path) {
-    const auto found = canonical_.find(path);
-    if (found != canonical_.end()) return found->second;
-    return canonical_.emplace(path, HUTFile::getCanonicalName(path)).first->second;
+    Known& asked = known(path);
+    if (asked.canonical.empty()) asked.canonical = HUTFile::getCanonicalName(path);
+    return asked.canonical;
 }
 
 }  // namespace mav_platform

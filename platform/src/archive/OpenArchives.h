@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <list>
+#include <optional>
 #include <string>
-#include <unordered_map>
 
 #include "mav_host/HUTZip.h"
 
@@ -17,8 +18,14 @@ class OpenArchives {
     const std::string& canonicalName(const std::string& path);
 
   private:
-    std::unordered_map<std::string, std::string> canonical_;
-    std::unordered_map<std::string, mav_host::ZipArchive> byPath_;
+    struct Known {
+        std::string path;
+        std::string canonical;  ///< empty when it has not been asked
+        std::optional<mav_host::ZipArchive> archive;
+    };
+    Known& known(const std::string& path);
+
+    std::list<Known> known_;  ///< a handful at most
 };
 
 }  // namespace mav_platform

@@ -41,8 +41,10 @@ ptree parse(std::string text, const std::string& file = "") {
 }
 
 std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file || !HUTFile::isFile(path)) throw json_parser_error("cannot open file", path, 0);
+    // Asked before opening, which would wait for a writer of a named pipe.
+    std::ifstream file;
+    if (HUTFile::isFile(path)) file.open(path, std::ios::binary);
+    if (!file.is_open()) throw json_parser_error("cannot open file", path, 0);
     std::string text;
     char piece[1U << 16U];
     while (file.read(piece, sizeof(piece)) || file.gcount() > 0) {

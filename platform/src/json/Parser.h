@@ -37,6 +37,11 @@ class Parser {
     }
     void skipWhiteSpace() {
         if (cur_ != end_ && static_cast<unsigned char>(*cur_) > ' ') return;
+        // One space between tokens is the most that dense text has.
+        if (end_ - cur_ > 1 && *cur_ == ' ' && static_cast<unsigned char>(cur_[1]) > ' ') {
+            ++cur_;
+            return;
+        }
         skipWhiteSpaceRun();
     }
     void skipWhiteSpaceRun();

@@ -102,6 +102,8 @@ bool HMAVPlatformMgr::addPlatformsFromDirs(const Dirs& dirs) {
 }
 
 bool HMAVPlatformMgr::addPlatformsFromDirs(const std::string& name, const Dirs& dirs) {
+    // Descriptions and bare archives are two walks over the same directories.
+    const HUTDirMemory memory;
     const Dirs full = canonical(dirs);
     addPlatformsFromDirs_(name, full);
     addHardwarePlatformsFromDirs_(full);
@@ -137,8 +139,9 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
             if (!HUTDirWalk::walk(dir, {.followLinks = true, .maxDepth = DEEPEST_LEVEL}, visit)) {
                 break;
             }
-        } catch (const std::exception&) {
+        } catch (const std::exception& error) {
             report(1, ComMsgMgr::WARNING, "@74-5@%s", {dir});
+            refusals_.push_back({dir, error.what()});
         }
     }
     // One insertion for all: the last one found stands first, without moving the list for each.
@@ -251,8 +254,8 @@ void HMAVPlatformMgr::handleInvalidExtension_(const std::string& hardwareFile,
 
 bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
     const std::string file = platform->getSoftwarePlatformFile();
-    const std::string platformFile = platform->getPlatformFile();
     if (file.empty()) return true;
+    const std::string platformFile = platform->getPlatformFile();
     if (!HUTFile::exists(file)) {
         parsingErrorMsgs_.push_back("Software platform file " + file + " for platform " +
                                     platformFile + " does not exist on disk" + LEFT_OUT);
@@ -274,6 +277,7 @@ bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
     Found found;
     HSTVector<HMAVHardwarePlatform*> list;
     HMAVHardwarePlatformParser::loadBareHardwarePlatforms(dirs, list, found.containers, false);
+    if (list.empty()) return !dsaPlatforms_.empty();
     Files held = heldFiles_();
     HSTVector<std::string> files;
     // The paths first: a duplicate in the list dies with the container of its path.
@@ -290,6 +294,7 @@ bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
 void HMAVPlatformMgr::getHardwarePlatformsFromDirs(const Dirs& dirs,
                                                    HSTVector<HMAVHardwarePlatform*>& out,
                                                    bool filterByVbnv) {
+    const HUTDirMemory memory;
     HMAVHardwarePlatformParser::loadBareHardwarePlatforms(canonical(dirs), out, handoffs_,
                                                           filterByVbnv);
 }

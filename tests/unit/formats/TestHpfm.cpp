@@ -173,7 +173,8 @@ TEST_F(Hpfm, AnArchiveTakesItsBusInterfacesBeforeThoseOfTheMetadata) {
     EXPECT_EQ(messages.text(), "") << "a listed member that is absent is no error";
     EXPECT_EQ(load({{"a/x.hpfm", "<qd:repository>"}}), "own ");
     EXPECT_EQ(messages.all.size(), 1U);
-    EXPECT_TRUE(messages.has("@74-31@%s|line 1: "));
+    EXPECT_TRUE(messages.has(": line 1: ") && messages.has("@74-31@%s|/"))
+        << "the archive is named: " << messages.text();
     EXPECT_EQ(console.text().find("Empty hpfm"), std::string::npos);
     EXPECT_EQ(load({{"a/x.hpfm", ""}}), "own ");
     EXPECT_NE(console.text().find("CRITICAL WARNING: Empty hpfm string passed in"),

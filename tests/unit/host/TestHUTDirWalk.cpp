@@ -5,6 +5,7 @@
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTDirWalk.h"
+#include "mav_host/HUTFile.h"
 #include "support/Doubles.h"
 
 namespace {
@@ -97,6 +98,60 @@ TEST(HUTDirWalk, WhatCannotBeReadIsNamedAndWhatVanishesIsNot) {
     const Unprivileged rights;
     EXPECT_THROW_MSG(visited(dir), HEXUserException,
                      "The directory '" + dir.path("a") + "' cannot be read: Permission denied");
+}
+
+TEST(HUTDirMemory, SecondWalkAndQuestionsAreAnsweredFromTheFirstWalk) {
+    const TempDir dir;
+    const std::string gone = dir.write("a/gone.pka", "");
+    const std::string late = dir.path("a/late.pka");
+    {
+        const HUTDirMemory memory;
+        EXPECT_EQ(visited(dir), "a/\na/gone.pka\n");
+        fs::remove(gone);
+        dir.write("a/late.pka", "");
+        EXPECT_EQ(visited(dir, {.followLinks = true, .maxDepth = 3}), "a/\na/gone.pka\n");
+        EXPECT_TRUE(HUTFile::exists(gone) && HUTFile::isFile(gone) && !HUTFile::isDir(gone));
+        EXPECT_TRUE(HUTFile::exists(late)) << "what was not seen is asked of the system";
+        EXPECT_TRUE(HUTFile::isDir(dir.path("a")));
+        {
+            const HUTDirMemory inner;
+            EXPECT_FALSE(HUTFile::exists(gone)) << "the innermost one counts";
+            EXPECT_EQ(visited(dir), "a/\na/late.pka\n");
+        }
+        EXPECT_TRUE(HUTFile::exists(gone));
+    }
+    EXPECT_FALSE(HUTFile::exists(gone));
+    EXPECT_EQ(visited(dir), "a/\na/late.pka\n");
+}
+
+TEST(HUTDirMemory, ChangesNoAnswerWhileTheFilesStay) {
+    const TempDir dir;
+    dir.write("real/sub/a.pka", "");
+    dir.write("real/sub/deep/b.qpfm", "");
+    fs::create_directory_symlink("real", dir.path("link"));
+    fs::create_directory_symlink("sub", dir.path("real/subLink"));
+    fs::create_symlink("sub/a.pka", dir.path("real/c.pka"));
+    fs::create_symlink("nowhere", dir.path("real/dangling.pka"));
+    HSTVector<std::string> paths;
+    for (const std::string top : {"real", "link", "real/", "./real", "link/.", "real/sub/.."}) {
+        for (const char* name : {"", "/sub", "/subLink/a.pka", "/sub/a.pka", "/sub/./a.pka",
+                                 "/c.pka", "/sub//deep/b.qpfm", "/dangling.pka", "/none",
+                                 "/sub/none/x", "/c.pka/x", "/sub/../c.pka", "/sub/deep/.."}) {
+            paths.push_back(dir.path(top + name));
+        }
+    }
+    const auto answers = [](const std::string& path) {
+        return HUTFile::getCanonicalName(path) + " " + std::to_string(HUTFile::exists(path)) +
+               std::to_string(HUTFile::isFile(path)) + std::to_string(HUTFile::isDir(path));
+    };
+    HSTVector<std::string> plain;
+    for (const std::string& path : paths) plain.push_back(answers(path));
+    const HUTDirMemory memory;
+    ASSERT_EQ(HUTFile::getCanonicalName(dir.path()), dir.path());
+    visited(dir, {.followLinks = true, .maxDepth = 3});
+    visited(dir);
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        EXPECT_EQ(answers(paths[i]), plain[i]) << paths[i];
 }
 
 }  // namespace

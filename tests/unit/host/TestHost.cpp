@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <sys/stat.h>
+
 // Console, key provider, board data, hardware database, exceptions, and putting all of it back.
 #include <sys/wait.h>
 
@@ -70,7 +72,8 @@ TEST(Host, KeyIsTheWholeFileReadAfresh) {
 
 TEST(Host, AKeyFileThatCannotBeReadIsNamed) {
     const TempDir dir;
-    for (const std::string& path : {dir.path(), dir.path("none")}) {
+    ASSERT_EQ(::mkfifo(dir.path("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {dir.path(), dir.path("none"), dir.path("pipe")}) {
         const EnvVar variable("MAV_KEY_FILE", path);
         EXPECT_THROW_MSG(mav_host::key(), HEXUserException,
                          "The key file '" + path +

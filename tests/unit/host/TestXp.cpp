@@ -100,7 +100,10 @@ TEST(Xp, EachFaultHasItsText) {
     const HostKey other("another");
     EXPECT_EQ(refusal(dir.path("file")),
               "was made with another key; give the host the key that it was made with");
-    EXPECT_EQ(refusal(dir.path()), "cannot be read; check path and permissions");
+    ASSERT_EQ(::mkfifo(dir.path("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {dir.path(), dir.path("pipe")}) {
+        EXPECT_EQ(refusal(path), "cannot be read; check path and permissions");
+    }
 }
 
 TEST(Xp, NoTruncationAndNoChangedByteIsAccepted) {

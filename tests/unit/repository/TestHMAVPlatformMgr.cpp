@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <memory>
@@ -209,7 +210,7 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
         ComMsgSink* const before = ComMsgMgr::setSink(&remover);
         r.mgr.addPlatformsFromDirs({r.dir.path("all")});
         ComMsgMgr::setSink(before);
-        EXPECT_EQ(remover.ids, "@74-9@%s @74-3@%s @74-3@%s ");
+        EXPECT_EQ(remover.ids, "@74-9@%s @74-3@%s @74-9@%s @74-3@%s ");
     }
     EXPECT_EQ(r.files(), "all/c.qpfm\n");
     EXPECT_NE(r.errors().find("Encountered Errors while parsing platform: " + vanishing),
@@ -225,6 +226,28 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
     r.mgr.addPlatformsFromDirs({r.dir.path("all"), r.dir.path("next")});
     EXPECT_EQ(r.files(), "next/d.qpfm\nall/a.qpfm\n") << "the rest of that directory is not seen";
     EXPECT_TRUE(r.messages.has("@74-5@%s|" + r.dir.path("all")));
+}
+
+TEST(HMAVPlatformMgr, NamedPipesAndDirectoriesInPlaceOfFilesDoNotHoldTheSearch) {
+    Repository r;
+    ASSERT_EQ(::mkfifo(r.dir.path("a.qpfm").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(r.dir.path("b.pka").c_str(), 0600), 0);
+    const std::string c = described(r.dir, "c");
+    ASSERT_EQ(::mkfifo(r.dir.path("soft.spfm").c_str(), 0600), 0);
+    r.dir.write(
+        "c.qpfm",
+        descriptionOf(
+            "c.pka",
+            R"(<mav:softwarePlatforms><mav:softwarePlatform mav:path="." mav:name="soft.spfm"/></mav:softwarePlatforms>)"));
+    fs::create_directory(r.dir.path("d.qpfm"));
+    bareArchive(r.dir, "d.pka");
+    r.mgr.addPlatformsFromDirs({r.dir.path()});
+    EXPECT_EQ(r.files(), "");
+    EXPECT_EQ(r.bare(), "b.pka\nd.pka\n") << "a directory describes no archive";
+    EXPECT_NE(r.errors().find("a.qpfmLine number:0. the path is not a regular file"),
+              std::string::npos);
+    EXPECT_NE(r.errors().find("soft.spfm Line number:0. the path is not a regular file"),
+              std::string::npos);
 }
 
 TEST(HMAVPlatformMgr, LookUpsAskEachPlatformAllThreeQuestionsInTurn) {

@@ -109,6 +109,7 @@ std::string HMAVPlatformXMLReader::join_(const FileReference& element) const {
     // A bare file name lies in the working directory, not in the root.
     if (joined.empty()) joined.push_back('.');
     const std::string& separator = HUTFile::getDirSeparator();
+    joined.reserve(joined.size() + element.path.size() + element.name.size() + 2);
     joined.append(separator).append(HI18N::convert(element.path));
     joined.append(separator).append(HI18N::convert(element.name));
     return joined;

@@ -89,7 +89,9 @@ bool HMAVHpfmReader::bindText_() {
         const std::string place = "line " + std::to_string(error.line()) + ": " + error.what();
         errorMsg_ = "Error parsing hardware platform stream from DSA " + place;
         mav_host::console() << errorMsg_ << "\n" << std::flush;
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-31@%s", {place});
+        const std::string archive = platform_ != nullptr ? platform_->getPlatformFile() : "";
+        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-31@%s",
+                           {archive.empty() ? place : archive + ": " + place});
         return false;
     }
 }

@@ -177,6 +177,7 @@ bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path
                     member + ": " + (place.empty() ? "" : "'" + place + "': ") + error.what());
         return false;
     }
+    platform_->setMetadataRead(true);
     for (const std::string& key : trail.duplicates()) {
         reportMember(ComMsgMgr::WARNING, path, member,
                      "the key '" + key + "' stands more than once; the first one counts");
