@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <iostream>
 
 #include "Command.h"
@@ -368,6 +369,8 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     cli::holdStandardStreams();
+    // Without it the C library looks at the zone's file anew for each member of an archive.
+    ::setenv("TZ", ":/etc/localtime", 0);
     mav_host::setConsole(&std::cerr);
     try {
         return run(argc, argv);

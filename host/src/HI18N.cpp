@@ -14,6 +14,11 @@ bool isTrail(char c) {
 std::size_t asciiRun(std::string_view text) {
     constexpr std::uint64_t HIGH_BITS = 0x8080808080808080U;
     std::size_t at = 0;
+    for (; at + 4 * sizeof(std::uint64_t) <= text.size(); at += 4 * sizeof(std::uint64_t)) {
+        std::uint64_t bytes[4];
+        std::memcpy(bytes, text.data() + at, sizeof(bytes));
+        if (((bytes[0] | bytes[1] | bytes[2] | bytes[3]) & HIGH_BITS) != 0) break;
+    }
     for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
         std::uint64_t bytes = 0;
         std::memcpy(&bytes, text.data() + at, sizeof(bytes));

@@ -18,6 +18,20 @@ struct Number {
     std::uint64_t magnitude = 0;
 };
 
+/// Plain digits that cannot overflow, as nearly every number of a document is. False for any other
+/// text.
+bool isShort(std::string_view text, std::uint32_t& value) {
+    constexpr std::size_t MOST_DIGITS = 9;
+    if (text.size() > MOST_DIGITS) return false;
+    value = 0;
+    for (const char c : text) {
+        const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(c)) - '0';
+        if (digit > 9) return false;
+        value = value * 10 + digit;
+    }
+    return true;
+}
+
 Number scan(std::string_view text) {
     Number number;
     std::size_t at = 0;
@@ -44,6 +58,7 @@ long toLong(std::string_view text, long dflt) {
     if (text.empty()) return dflt;
     constexpr long MAX = std::numeric_limits<long>::max();
     constexpr long MIN = std::numeric_limits<long>::min();
+    if (std::uint32_t plain = 0; isShort(text, plain)) return plain;
     const Number number = scan(text);
     if (number.overflow || number.magnitude > static_cast<std::uint64_t>(MAX)) {
         return number.negative ? MIN : MAX;
@@ -68,6 +83,7 @@ std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt, bool* fail
 
 unsigned toUnsigned(std::string_view text, unsigned dflt, bool* failed) {
     if (text.empty()) return dflt;
+    if (std::uint32_t plain = 0; isShort(text, plain)) return plain;
     const Number number = scan(text);
     const std::uint64_t value = number.negative ? 0 - number.magnitude : number.magnitude;
     if (!number.hasDigits || number.overflow || value > std::numeric_limits<unsigned>::max()) {

@@ -26,15 +26,16 @@ std::string shown(std::string_view text) {
 }
 
 bool requireChildren(const json::Node& node, bool list) {
-    const std::string expected = list ? "a list" : "an object";
+    if (node.hasChildren() && isList(node) == list) return true;
+    if (!node.hasChildren() && isNothing(node)) return false;
+    std::string sentence = "holds ";
     if (node.hasChildren()) {
-        if (isList(node) == list) return true;
-        throw ConversionError("holds " + std::string(list ? "an object" : "a list") + " where " +
-                              expected + " is expected");
+        sentence += list ? "an object" : "a list";
+    } else {
+        sentence.append("the text ").append(shown(node.data()));
     }
-    if (isNothing(node)) return false;
-    throw ConversionError("holds the text " + shown(node.data()) + " where " + expected +
-                          " is expected");
+    throw ConversionError(
+        sentence.append(list ? " where a list" : " where an object").append(" is expected"));
 }
 
 }  // namespace
@@ -62,8 +63,7 @@ void Trail::noteFallback() {
     if (fallbacks_.size() < MAX_NOTES) fallbacks_.push_back(text());
 }
 
-void requireText(const json::Node& node) {
-    if (!node.hasChildren()) return;
+void refuseChildren(const json::Node& node) {
     throw ConversionError(std::string("holds ") + (isList(node) ? "a list" : "an object") +
                           " where a text is expected");
 }

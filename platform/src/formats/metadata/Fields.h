@@ -55,8 +55,12 @@ class Trail {
     std::vector<std::string> fallbacks_;
 };
 
+/// Throws ConversionError for a node with children.
+[[noreturn]] void refuseChildren(const json::Node& node);
 /// Throws ConversionError unless the node holds a text.
-void requireText(const json::Node& node);
+inline void requireText(const json::Node& node) {
+    if (node.hasChildren()) refuseChildren(node);
+}
 /// True when the node holds a list with items. Throws ConversionError for an object and for a text;
 /// an empty text and "null" are an empty list.
 bool requireList(const json::Node& node);
