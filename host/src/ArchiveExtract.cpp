@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 
 #include "FileDescriptor.h"
@@ -81,7 +82,7 @@ class Extraction {
             write(index, member, parent.get(), temporary);
             // Renaming replaces a link itself and never what it points at.
             if (::renameat(parent.get(), temporary.c_str(), parent.get(), leaf.c_str()) != 0) {
-                refuse(member, archive_, systemText());
+                refuseFile(member);
             }
         } catch (...) {
             ::unlinkat(parent.get(), temporary.c_str(), 0);
@@ -90,10 +91,12 @@ class Extraction {
     }
 
     FileDescriptor openDir(const std::string& member) const {
-        HUTFileUtils::makeDirs(dir_);
+        std::error_code error;
+        std::filesystem::create_directories(dir_, error);
         FileDescriptor at(::open(dir_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!at.isOpen()) refuse(member, archive_, "'" + dir_ + "': " + systemText());
-        return at;
+        if (at.isOpen()) return at;
+        const std::string reason = error ? error.message() : systemText();
+        refuse(member, archive_, "the folder '" + dir_ + "' cannot be made: " + reason);
     }
 
     /// Opens the directory of the member's file, making what lacks of it.
@@ -104,13 +107,16 @@ class Extraction {
              start = end + 1) {
             const std::string part = member.substr(start, end - start);
             if (part.empty() || part == ".") continue;
-            ::mkdirat(at.get(), part.c_str(), 0777);
+            const std::string folder = "'" + dir_ + "/" + member.substr(0, end) + "'";
+            if (::mkdirat(at.get(), part.c_str(), 0777) != 0 && errno != EEXIST) {
+                refuse(member, archive_,
+                       "the folder " + folder + " cannot be made: " + systemText());
+            }
             FileDescriptor next(
                 ::openat(at.get(), part.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
             if (!next.isOpen()) {
                 refuse(member, archive_,
-                       "'" + dir_ + "/" + member.substr(0, end) +
-                           "' is not a directory of its own: " + systemText());
+                       folder + " is not a directory of its own: " + systemText());
             }
             at = std::move(next);
         }
@@ -122,14 +128,16 @@ class Extraction {
         ::unlinkat(parent, temporary.c_str(), 0);
         FileDescriptor file(::openat(parent, temporary.c_str(),
                                      O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-        if (!file.isOpen()) refuse(member, archive_, systemText());
+        if (!file.isOpen()) refuseFile(member);
         streamMember(zip_.get(), index, archive_, UINT64_MAX,
                      [&](const char* data, std::size_t size) {
-                         if (!writeAll(file.get(), {data, size})) {
-                             refuse(member, archive_, systemText());
-                         }
+                         if (!writeAll(file.get(), {data, size})) refuseFile(member);
                      });
-        if (!file.close()) refuse(member, archive_, systemText());
+        if (!file.close()) refuseFile(member);
+    }
+
+    [[noreturn]] void refuseFile(const std::string& member) const {
+        refuse(member, archive_, "it cannot be written below '" + dir_ + "': " + systemText());
     }
 
     ZipHandle zip_;

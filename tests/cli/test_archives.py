@@ -136,6 +136,8 @@ class Extracting(ArchiveTest):
         (out / "sub").symlink_to(self.dir)
         self.refused("extract", self.archive, "sub/x", "-o", out, code=3,
                      says=["not a directory of its own"])
+        self.refused("extract", self.archive, "BIF", "-o", "/dev/null/x", code=3,
+                     says=["the folder '/dev/null/x' cannot be made: Not a directory"])
         self.assertEqual((self.dir / "victim").read_text(), "old")
         self.assertFalse((self.dir / "evil").exists())
 
