@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "mav_host/HUTEnv.h"
 #include "mav_platform/HMAVPlatformMgr.h"
 
 namespace {
@@ -20,6 +21,7 @@ std::size_t residentBytes() {
 
 int main(int argc, char** argv) {
     if (argc != 2) return 2;
+    HUTEnv::pinTimeZone();
     const std::size_t before = residentBytes();
     HMAVPlatformMgr manager;
     manager.addPlatformsFromDirs({argv[1]});

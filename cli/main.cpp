@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <iostream>
 
 #include "Command.h"
 #include "Output.h"
 #include "Suggest.h"
+#include "mav_host/HUTEnv.h"
 #include "mav_host/Host.h"
 
 namespace {
@@ -369,8 +369,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     cli::holdStandardStreams();
-    // Without it the C library looks at the zone's file anew for each member of an archive.
-    ::setenv("TZ", ":/etc/localtime", 0);
+    HUTEnv::pinTimeZone();
     mav_host::setConsole(&std::cerr);
     try {
         return run(argc, argv);

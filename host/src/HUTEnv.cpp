@@ -169,6 +169,10 @@ void HUTEnv::setProductName(const std::string& name) {
     theProductName = name;
 }
 
+void HUTEnv::pinTimeZone() {
+    ::setenv("TZ", ":/etc/localtime", 0);
+}
+
 HUTEnvProvider* HUTEnv::setProvider(HUTEnvProvider* newProvider) {
     HUTEnvProvider* const before = theProvider;
     theProvider = newProvider;

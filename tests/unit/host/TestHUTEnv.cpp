@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 
 #include "mav_host/HEXError.h"
@@ -87,6 +88,21 @@ TEST(HUTEnv, ReleaseIsTwoNumbers) {
     EXPECT_EQ(release("none"), "0.0");
     EXPECT_EQ(release("-3.1"), "0.0");
     EXPECT_EQ(release("99999999999.1"), "0.0");
+}
+
+TEST(HUTEnv, PinningTheTimeZoneChangesNoTimeAndNoChoice) {
+    const std::time_t now = 1'700'000'000;
+    const auto hour = [&] { return std::localtime(&now)->tm_hour; };
+    {
+        const EnvVar variable("TZ", std::nullopt);
+        const int before = hour();
+        HUTEnv::pinTimeZone();
+        EXPECT_STREQ(::getenv("TZ"), ":/etc/localtime");
+        EXPECT_EQ(hour(), before);
+    }
+    const EnvVar variable("TZ", "Asia/Tokyo");
+    HUTEnv::pinTimeZone();
+    EXPECT_STREQ(::getenv("TZ"), "Asia/Tokyo");
 }
 
 TEST(HUTEnv, TmpDirIsPrivateAndOnePerProcess) {
