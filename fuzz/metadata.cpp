@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+// Archive metadata: what is read makes a document that is JSON.
+#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "mav_platform/HPLPlatform.h"
+#include "support.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text = fuzz::text(data, size);
+    HPLPlatform platform;
+    HMAVDsaJsonReader(&platform).parseJsonString(text);
+    mav_platform::json::Document(platform.toJSONString());
+    return 0;
+}
