@@ -338,7 +338,7 @@ class ArchiveCheck {
 
     void checkUnlisted() {
         for (const std::string& member : members_) {
-            if (listed_.count(member) > 0 || member.back() == '/') continue;
+            if (listed_.count(member) > 0 || member.ends_with('/')) continue;
             if (isInListedFolder(member)) continue;
             report_.add("unlisted-member", {archive_.path()},
                         "the member " + shown(member) + " is not listed anywhere");
