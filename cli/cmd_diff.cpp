@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/property_tree/ptree.hpp>
+#include <filesystem>
 #include <map>
 #include <string_view>
 #include <unordered_map>
@@ -20,6 +21,8 @@ using boost::property_tree::ptree;
 
 /// Where the platform lies is not what it is.
 constexpr std::array<std::string_view, 4> PLACES{"uniqueName", "file", "directory", "platformFile"};
+/// Files of the platform, told by where they lie from its directory.
+constexpr std::array<std::string_view, 3> MEMBERS{"hwFile", "hwEmuFile", "swFile"};
 /// What tells the items of a list apart, the first that an item has.
 constexpr std::array<const char*, 6> IDENTITIES{"name",     "id",       "dpeInst",
                                                 "instance", "designID", "type"};
@@ -55,11 +58,57 @@ std::string identity(const ptree& item) {
     return item.data();
 }
 
+template <class List>
+bool isOneOf(const List& list, std::string_view key) {
+    return std::find(list.begin(), list.end(), key) != list.end();
+}
+
+/// A decimal number without the zeros that say nothing; empty for any other text.
+std::string number(std::string_view text) {
+    const std::string sign = text.starts_with('-') ? "-" : "";
+    text.remove_prefix(sign.size());
+    const std::string_view whole = text.substr(0, text.find('.'));
+    std::string_view part = text.substr(std::min(text.size(), whole.size() + 1));
+    const auto digits = [](std::string_view piece) {
+        return !piece.empty() && piece.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    if (!digits(whole) || (whole.size() < text.size() && !digits(part))) return {};
+    part = part.substr(0, part.find_last_not_of('0') + 1);
+    const std::size_t first = std::min(whole.find_first_not_of('0'), whole.size() - 1);
+    std::string shown(whole.substr(first));
+    if (!part.empty()) shown.append(".").append(part);
+    return shown == "0" ? shown : sign + shown;
+}
+
+/// Whether two texts under the key mean the same. 1.1 and 1.10 are one frequency, but two versions.
+bool meanTheSame(std::string_view key, const std::string& a, const std::string& b) {
+    if (a == b) return true;
+    if (key == "name" || key == "id" || key.ends_with("ersion")) return false;
+    const std::string value = number(a);
+    return !value.empty() && value == number(b);
+}
+
+/// The document with the platform's own files told from the platform's directory, however the path
+/// to it was written. A file elsewhere keeps its path.
+void tellFromDirectory(ptree& document) {
+    namespace fs = std::filesystem;
+    const fs::path directory = fs::weakly_canonical(document.get<std::string>("directory", ""));
+    for (const std::string_view key : MEMBERS) {
+        const auto found = document.find(std::string(key));
+        if (found == document.not_found() || found->second.data().empty()) continue;
+        const fs::path member = fs::weakly_canonical(found->second.data());
+        const fs::path relative = member.lexically_relative(directory);
+        const bool inside = !relative.empty() && *relative.begin() != "..";
+        found->second.data() = inside ? relative.string() : member.string();
+    }
+}
+
 class Comparison {
   public:
     void compare(const ptree& a, const ptree& b, const std::string& path) {
         if (a.empty() && b.empty()) {
-            if (a.data() != b.data())
+            if (!meanTheSame(std::string_view(path).substr(path.rfind('.') + 1), a.data(),
+                             b.data()))
                 changes_.push_back({Change::CHANGED, path, a.data(), b.data()});
             return;
         }
@@ -93,7 +142,7 @@ class Comparison {
         Members list;
         std::map<std::string, unsigned> seen;
         for (const auto& [key, child] : node) {
-            if (std::find(PLACES.begin(), PLACES.end(), key) != PLACES.end()) continue;
+            if (isOneOf(PLACES, key)) continue;
             std::string name = path;
             if (key.empty()) {
                 const std::string item = identity(child);
@@ -115,7 +164,9 @@ class Comparison {
 
 ptree document(const std::string& file) {
     const auto platform = cli::loadFile("diff", file)->load();
-    return HMAVJSONUtils::readJson(platform->toJSONString());
+    ptree made = HMAVJSONUtils::readJson(platform->toJSONString());
+    tellFromDirectory(made);
+    return made;
 }
 
 std::string json(const std::vector<Change>& changes) {
