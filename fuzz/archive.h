@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "json/Document.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVPlatform.h"
@@ -33,7 +32,7 @@ inline void useArchive(const std::string& path) {
     });
     refusable([&] {
         const auto platform = PlatformLoader(path, PlatformLoader::HW_METADATA_AUTO).load();
-        if (platform) mav_platform::json::Document(platform->toJSONString());
+        if (platform) requireJson(platform->toJSONString());
     });
     mav_platform::PlatformCheck::run(path);
 }

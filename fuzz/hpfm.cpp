@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Hardware platform metadata: its reader, its rewriter, and the tree that the rewriter keeps whole.
-#include "json/Document.h"
 #include "mav_host/xml/BindingError.h"
 #include "mav_host/xml/Tree.h"
 #include "mav_platform/HMAVHpfmReader.h"
@@ -13,7 +12,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = fuzz::text(data, size);
     HPLPlatform platform;
     const bool ok = HMAVHpfmReader(text, &platform).parseStream();
-    mav_platform::json::Document(platform.toJSONString());
+    fuzz::requireJson(platform.toJSONString());
 
     const std::string path = fuzz::file("card.hpfm", data, size);
     HMAVHpfmUtl::ChangeAndWriteHpfmIfNeeded(path);

@@ -8,6 +8,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = fuzz::text(data, size);
     HPLPlatform platform;
     HMAVDsaJsonReader(&platform).parseJsonString(text);
-    mav_platform::json::Document(platform.toJSONString());
+    fuzz::requireJson(platform.toJSONString());
     return 0;
 }

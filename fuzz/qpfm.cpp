@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // A platform description: what is read makes a document that is JSON.
-#include "json/Document.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "support.h"
@@ -10,6 +9,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     HMAVPlatformXMLReader reader(fuzz::file("card.qpfm", data, size), &platform);
     const bool ok = reader.parseFile();
     fuzz::require(ok == reader.getErrorMsg().empty(), "an answer without its reason");
-    mav_platform::json::Document(platform.toJSONString());
+    fuzz::requireJson(platform.toJSONString());
     return 0;
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // A software platform: what is read makes a document that is JSON.
-#include "json/Document.h"
 #include "mav_platform/HMAVSoftwarePlatform.h"
 #include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
 #include "support.h"
@@ -10,6 +9,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     HMAVSoftwarePlatformXMLReader reader(fuzz::file("card.spfm", data, size), platform);
     const bool ok = reader.parseFile();
     fuzz::require(ok == reader.getErrorMsg().empty(), "an answer without its reason");
-    mav_platform::json::Document(platform->toJSONString());
+    fuzz::requireJson(platform->toJSONString());
     return 0;
 }

@@ -10,7 +10,9 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
+#include "json/Document.h"
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/Host.h"
 
@@ -73,6 +75,11 @@ inline void require(bool holds, const std::string& what) {
     if (holds) return;
     std::fprintf(stderr, "fuzz: %s\n", what.c_str());
     std::abort();
+}
+
+/// The text is JSON; else what the reader throws ends the process.
+inline void requireJson(std::string text) {
+    const mav_platform::json::Document document(std::move(text));
 }
 
 }  // namespace fuzz

@@ -146,6 +146,11 @@ zip_t* openSmall(const FileDescriptor& file, std::uint64_t size, int& code) {
         if (count == 0) break;
         done += static_cast<std::size_t>(count);
     }
+    // libzip would not take such a buffer over.
+    if (done == 0) {
+        code = ZIP_ER_NOZIP;
+        return nullptr;
+    }
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* const source = zip_source_buffer_create(bytes.get(), done, 1, &error);
