@@ -104,8 +104,9 @@ class SearchLine final : public HUTDirWalkProgress {
         if (now < next_) return;
         next_ = now + std::chrono::milliseconds(200);
         shown_ = true;
-        std::cerr << "\r\033[K" << count_ << " names  "
-                  << cli::shortened(cli::printable(HUTPathUtils::stem(path)), 40) << std::flush;
+        std::string line = "\r\033[K" + std::to_string(count_) + " names  ";
+        line += cli::shortened(cli::printable(HUTPathUtils::stem(path)), 40);
+        std::cerr << line << std::flush;
     }
 
   private:

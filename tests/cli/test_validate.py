@@ -135,6 +135,25 @@ class Validate(CommandTest):
         self.assertEqual(len(results), len(found))
         self.assertEqual(results[0]["locations"][0]["physicalLocation"]["region"]["startLine"], 2)
 
+    def test_every_fault_of_a_description_and_what_it_names(self):
+        (self.dir / "bad.pka").write_text("xx")
+        (self.dir / "s.spfm").write_text("<mav:platform>\n  <mav:odd/></mav:platform>")
+        (self.dir / "x.qpfm").write_text("""<mav:platform mav:vendor="v" mav:library="l"
+  mav:version="abc"><mav:hardwarePlatforms mav:defaultRP="x">
+    <mav:reconfigurablePartition mav:id="1"><mav:hardwarePlatform mav:path="." mav:name="p.pka"/>
+    </mav:reconfigurablePartition>
+    <mav:reconfigurablePartition mav:id="1"><mav:hardwarePlatform mav:path="." mav:name="bad.pka"/>
+    </mav:reconfigurablePartition></mav:hardwarePlatforms>
+  <mav:softwarePlatforms><mav:softwarePlatform mav:path="." mav:name="s.spfm"/>
+  </mav:softwarePlatforms></mav:platform>""")
+        found = self.findings(self.dir / "x.qpfm", code=1)
+        self.assertEqual([(rule, line) for rule, _, file, line in found if file == "x.qpfm"],
+                         [("schema", 1), ("schema", 1), ("schema", 2), ("missing-file", 3),
+                          ("duplicate", 5)])
+        self.assertEqual({rule for rule, _, file, _ in found if "bad.pka" in file}, {"unreadable"})
+        self.assertEqual([(rule, line) for rule, _, file, line in found if "s.spfm" in file],
+                         [("schema", 1), ("unknown-item", 2)])
+
     def test_what_cannot_be_read(self):
         nothing = self.dir / "none.pka"
         self.assertEqual(self.findings(nothing, code=1), [("unreadable", "error", "none.pka", 0)])

@@ -42,7 +42,7 @@ std::string attribute(std::string_view name) {
     return "attribute " + quoted(name);
 }
 
-[[noreturn]] void refuse(const Position& at, const std::string& text) {
+[[noreturn]] void stop(const Position& at, const std::string& text) {
     throw BindingError(text, at.line, at.column);
 }
 
@@ -72,8 +72,8 @@ std::string_view Binder::compared(std::string_view name) const {
 
 void Binder::start(std::string_view name, const char* const* attributes) {
     if (open_ + ignored_ >= document_.limits.depth)
-        refuse(locator_.position(), element(name) + ": nested deeper than " +
-                                        std::to_string(document_.limits.depth) + " elements");
+        stop(locator_.position(), element(name) + ": nested deeper than " +
+                                      std::to_string(document_.limits.depth) + " elements");
     if (ignored_ > 0)
         ++ignored_;
     else if (open_ == 0)
@@ -84,8 +84,8 @@ void Binder::start(std::string_view name, const char* const* attributes) {
 
 void Binder::startRoot(std::string_view name, const char* const* attributes) {
     if (!document_.root.empty() && compared(name) != document_.root)
-        refuse(locator_.position(),
-               element(name) + ": the root element must be " + quoted(document_.root));
+        stop(locator_.position(),
+             element(name) + ": the root element must be " + quoted(document_.root));
     open(name, document_.list.get(), nullptr, root_, attributes);
 }
 
@@ -99,15 +99,21 @@ void Binder::startChild(std::string_view name, const char* const* attributes) {
         return;
     }
     const Item& item = parent.list->items()[index];
-    if (parent.seen[index] != 0 && !item.many)
+    if (parent.seen[index] != 0 && !item.many) {
         refuse(locator_.position(),
                element(parent.name) + ": " + element(name) + " occurs a second time");
+        ignored_ = 1;
+        return;
+    }
     parent.seen[index] = 1;
-    parent.present |= item.choiceBit;
-    if (!parent.list->choiceOpen(parent.present))
+    if (!parent.list->choiceOpen(parent.present | item.choiceBit)) {
         refuse(locator_.position(), element(parent.name) + ": " + element(name) +
                                         " does not go with the elements before it; allowed is " +
                                         parent.list->choiceText());
+        ignored_ = 1;
+        return;
+    }
+    parent.present |= item.choiceBit;
     if (item.open)
         open(name, item.nested.get(), nullptr, item.open(parent.object), attributes);
     else
@@ -117,8 +123,8 @@ void Binder::startChild(std::string_view name, const char* const* attributes) {
 void Binder::open(std::string_view name, const ElementList* list, const Item* value, void* object,
                   const char* const* attributes) {
     if (++elements_ > document_.limits.elements)
-        refuse(locator_.position(), element(name) + ": the document has more than " +
-                                        std::to_string(document_.limits.elements) + " elements");
+        stop(locator_.position(), element(name) + ": the document has more than " +
+                                      std::to_string(document_.limits.elements) + " elements");
     if (frames_.size() == open_) frames_.emplace_back();
     Frame& frame = frames_[open_++];
     frame.list = list;
@@ -136,6 +142,7 @@ void Binder::open(std::string_view name, const ElementList* list, const Item* va
     if (list->content.store) frame.value = &list->content;
     frame.seen.assign(list->items().size(), 0);
     if (list->setLine) list->setLine(object, frame.start.line);
+    if (list->setColumn) list->setColumn(object, frame.start.column);
     if (list->setOrder) list->setOrder(object, elements_);
     bindAttributes(frame, attributes);
 }
@@ -151,9 +158,11 @@ void Binder::bindAttributes(Frame& frame, const char* const* attributes) {
             continue;
         }
         const Item& item = frame.list->items()[index];
-        if (frame.seen[index] != 0)
+        if (frame.seen[index] != 0) {
             refuse(locator_.position(),
                    element(frame.name) + ": " + attribute(name) + " occurs a second time");
+            continue;
+        }
         frame.seen[index] = 1;
         if (!item.store(frame.object, text))
             refuse(locator_.position(), attribute(name) + " of " + element(frame.name) + ": " +
@@ -167,14 +176,14 @@ void Binder::ignoreAttributes(const Frame& frame, const char* const* attributes)
         if (!isStandard(*attributes)) find(Finding::Kind::Attribute, *attributes, frame.name);
 }
 
-void Binder::checkAttributes(const Frame& frame) const {
+void Binder::checkAttributes(const Frame& frame) {
     const std::vector<Item>& items = frame.list->items();
     for (std::size_t i = 0; i < items.size(); ++i)
         if (items[i].required && items[i].place == Place::Attribute && frame.seen[i] == 0)
             refuse(locator_.position(), element(frame.name) + ": " + missing(items[i]));
 }
 
-void Binder::checkContent(const Frame& frame) const {
+void Binder::checkContent(const Frame& frame) {
     const std::vector<Item>& items = frame.list->items();
     for (std::size_t i = 0; i < items.size(); ++i)
         if (items[i].required && frame.seen[i] == 0)
@@ -207,13 +216,23 @@ void Binder::end() {
                element(frame.name) + ": " + quoted(frame.text) + " is not " + item.expected);
 }
 
+void Binder::refuse(const Position& at, const std::string& text) {
+    if (findings_ == nullptr || !findings_->keepFaults) stop(at, text);
+    if (findings_->faults.size() >= Findings::LIMIT) {
+        ++findings_->moreFaults;
+        return;
+    }
+    findings_->faults.push_back({text, at.line, at.column});
+}
+
 void Binder::find(Finding::Kind kind, std::string_view name, std::string_view parent) {
     if (findings_ == nullptr) return;
     if (findings_->list.size() >= Findings::LIMIT) {
         ++findings_->more;
         return;
     }
-    findings_->list.push_back({kind, clipped(name), clipped(parent), locator_.position().line});
+    const Position at = locator_.position();
+    findings_->list.push_back({kind, clipped(name), clipped(parent), at.line, at.column});
 }
 
 }  // namespace mav_host::xml::detail

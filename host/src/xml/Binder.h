@@ -42,8 +42,10 @@ class Binder final : public Events {
               const char* const* attributes);
     void bindAttributes(Frame& frame, const char* const* attributes);
     void ignoreAttributes(const Frame& frame, const char* const* attributes);
-    void checkAttributes(const Frame& frame) const;
-    void checkContent(const Frame& frame) const;
+    void checkAttributes(const Frame& frame);
+    void checkContent(const Frame& frame);
+    /// Keeps the fault when that is asked for, else throws it.
+    void refuse(const Position& at, const std::string& text);
     void find(Finding::Kind kind, std::string_view name, std::string_view parent);
 
     const Document& document_;

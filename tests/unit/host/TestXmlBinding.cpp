@@ -353,6 +353,35 @@ std::string refusalOfFile(const std::string& path) {
     return "bound";
 }
 
+TEST(XmlBinding, EveryFaultIsKeptOnRequestAndTheRestIsBound) {
+    xml::Findings findings;
+    findings.keepFaults = true;
+    const Part part = partFormat().parseText(
+        "<q:part q:version='x' q:size='3'>\n"
+        "<q:note>n</q:note><q:note>again</q:note>\n"
+        "<q:port q:lane='999'/>\n"
+        " <q:port q:name='p' q:lane='7' z='1'/></q:part>",
+        &findings);
+    std::string faults;
+    for (const xml::Fault& fault : findings.faults) {
+        faults += std::to_string(fault.line) + ":" + std::to_string(fault.column) + " " +
+                  fault.text + "\n";
+    }
+    EXPECT_EQ(faults,
+              "1:1 attribute 'q:version' of element 'q:part': 'x' is not a decimal number\n"
+              "2:19 element 'q:part': element 'q:note' occurs a second time\n"
+              "3:1 attribute 'q:lane' of element 'q:port': '999' is not an integer from 0 to 255\n"
+              "3:1 element 'q:port': required attribute 'q:name' is missing\n");
+    EXPECT_EQ(part.size, 3U);
+    EXPECT_EQ(part.note, "n") << "the first one counts";
+    ASSERT_EQ(part.ports.size(), 2U);
+    EXPECT_EQ(part.ports[1].lane, 7);
+    ASSERT_EQ(findings.list.size(), 1U);
+    EXPECT_EQ(findings.list[0].column, 2U);
+    EXPECT_THROW(partFormat().parseText("<q:part>", &findings), BindingError);
+    EXPECT_THROW(partFormat().parseText("<q:other/>", &findings), BindingError);
+}
+
 }  // namespace
 
 TEST(XmlBindingFile, BindsFilesLargerThanOnePiece) {

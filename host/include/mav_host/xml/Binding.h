@@ -48,6 +48,14 @@ struct MAV_API Finding {
     std::string name;
     std::string parent;  ///< the element that holds it
     std::size_t line = 0;
+    std::size_t column = 0;  ///< of the element that it is or stands in
+};
+
+/// Something that the format does not allow.
+struct MAV_API Fault {
+    std::string text;
+    std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 /// The first findings of a document in its order, and how many more there were. Of an unknown
@@ -57,6 +65,12 @@ struct MAV_API Findings {
     static constexpr std::size_t LIMIT = 1000;
     std::vector<Finding> list;
     std::size_t more = 0;
+    /// Set by who wants every fault: faults of the items are then kept here, as many as findings,
+    /// and what they concern is left out of the structs, instead of the first being thrown. What is
+    /// not well-formed, has another root or exceeds a limit is thrown as ever.
+    bool keepFaults = false;
+    std::vector<Fault> faults;
+    std::size_t moreFaults = 0;
 };
 
 namespace detail {
@@ -141,6 +155,13 @@ class Items {
     Items& line(std::size_t T::*member) {
         list_->setLine = [member](void* object, std::size_t line) {
             static_cast<T*>(object)->*member = line;
+        };
+        return *this;
+    }
+    /// The column of the element's start tag.
+    Items& column(std::size_t T::*member) {
+        list_->setColumn = [member](void* object, std::size_t column) {
+            static_cast<T*>(object)->*member = column;
         };
         return *this;
     }

@@ -64,11 +64,12 @@ class MAV_API ElementList {
     /// True when the end of an element can show that something is missing.
     bool checksContent() const { return checksContent_; }
     /// True when the place of the start tag is asked for after the start tag.
-    bool needsStart() const { return checksContent_ || content.store || setLine; }
+    bool needsStart() const { return checksContent_ || content.store || setLine || setColumn; }
 
     Item content;  ///< text of the element itself, when it counts
-    std::function<void(void*, std::size_t)> setLine;   ///< takes the line of the start tag
-    std::function<void(void*, std::size_t)> setOrder;  ///< takes the number of the element
+    std::function<void(void*, std::size_t)> setLine;    ///< takes the line of the start tag
+    std::function<void(void*, std::size_t)> setColumn;  ///< and its column
+    std::function<void(void*, std::size_t)> setOrder;   ///< takes the number of the element
 
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 

@@ -11,6 +11,7 @@ using mav_host::xml::Need;
 Items<FileReference> fileReference() {
     Items<FileReference> items;
     items.line(&FileReference::line)
+        .column(&FileReference::column)
         .attribute("mav:path", &FileReference::path, Need::Required)
         .attribute("mav:name", &FileReference::name, Need::Required);
     return items;
@@ -20,6 +21,7 @@ Items<ReconfigurablePartition> reconfigurablePartition(const Items<FileReference
     using Element = ReconfigurablePartition;
     Items<Element> items;
     items.line(&Element::line)
+        .column(&Element::column)
         .attribute("mav:id", &Element::id, Need::Required)
         .element("mav:hardwarePlatform", &Element::hardwarePlatform, file)
         .element("mav:hwEmuPlatform", &Element::hwEmuPlatform, file)
@@ -31,6 +33,7 @@ Items<HardwarePlatforms> hardwarePlatforms(const Items<FileReference>& file) {
     using Element = HardwarePlatforms;
     Items<Element> items;
     items.line(&Element::line)
+        .column(&Element::column)
         .attribute("mav:defaultRP", &Element::defaultRP)
         .element("mav:hardwarePlatform", &Element::hardwarePlatform, file)
         .element("mav:hwEmuPlatform", &Element::hwEmuPlatform, file)
@@ -60,7 +63,8 @@ Items<Platform> platform() {
         .element("mav:description", &Platform::description)
         .element("mav:hardwarePlatforms", &Platform::hardwarePlatforms, hardwarePlatforms(file))
         .element("mav:softwarePlatforms", &Platform::softwarePlatforms, softwarePlatforms(file))
-        .line(&Platform::line);
+        .line(&Platform::line)
+        .column(&Platform::column);
     return items;
 }
 

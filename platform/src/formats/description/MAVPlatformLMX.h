@@ -16,6 +16,7 @@ struct FileReference {
     std::string path;  ///< directory, relative to the one that holds the description
     std::string name;  ///< file in that directory
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 struct ReconfigurablePartition {
@@ -23,6 +24,7 @@ struct ReconfigurablePartition {
     std::optional<FileReference> hardwarePlatform;
     std::optional<FileReference> hwEmuPlatform;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 /// Exactly one alternative: a hardware platform with or without an emulation platform, an emulation
@@ -33,6 +35,7 @@ struct HardwarePlatforms {
     std::optional<FileReference> hwEmuPlatform;
     std::vector<ReconfigurablePartition> reconfigurablePartitions;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 struct SoftwarePlatforms {
@@ -49,6 +52,7 @@ struct Platform {
     std::optional<HardwarePlatforms> hardwarePlatforms;  ///< required; the reader checks it
     std::optional<SoftwarePlatforms> softwarePlatforms;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 /// The format of the file. Built once, on first use.

@@ -77,6 +77,7 @@ Items<HpfmBusInterface> busInterface() {
     Items<Bus> items;
     items.order(&Bus::order)
         .line(&Bus::line)
+        .column(&Bus::column)
         .attribute("qd:name", &Bus::name)
         .attribute("qd:mode", &Bus::mode)
         .attribute("qd:busTypeRef", &Bus::busTypeRef)

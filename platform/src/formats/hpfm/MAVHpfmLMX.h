@@ -70,6 +70,7 @@ struct HpfmAddressSegment {
 struct HpfmBusInterface {
     std::size_t order = 0;  ///< place among all elements of the document
     std::size_t line = 0;
+    std::size_t column = 0;
     std::string name;
     std::string mode;
     std::string busTypeRef;

@@ -30,6 +30,7 @@ Items<ProcessorGroup> processorGroup() {
     using Group = ProcessorGroup;
     Items<Group> items;
     items.line(&Group::line)
+        .column(&Group::column)
         .attribute("mav:name", &Group::name, Need::Required)
         .attribute("mav:displayName", &Group::displayName)
         .attribute("mav:cpuType", &Group::cpuType)
@@ -66,6 +67,7 @@ Items<SystemConfiguration> systemConfiguration() {
     prebuilt.attribute("mav:data", &Prebuilt::data);
     Items<Config> items;
     items.line(&Config::line)
+        .column(&Config::column)
         .attribute("mav:name", &Config::name, Need::Required)
         .attribute("mav:displayName", &Config::displayName)
         .attribute("mav:defaultProcessorGroup", &Config::defaultProcessorGroup)
@@ -82,6 +84,7 @@ Items<SoftwarePlatform> softwarePlatform() {
     using Configs = SystemConfigurations;
     Items<Configs> configs;
     configs.line(&Configs::line)
+        .column(&Configs::column)
         .attribute("mav:defaultConfiguration", &Configs::defaultConfiguration)
         .element("mav:configuration", &Configs::configurations, systemConfiguration());
     Items<Platform> items;

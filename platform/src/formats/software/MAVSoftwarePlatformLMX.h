@@ -30,6 +30,7 @@ struct ProcessorGroup {
     std::string architecture;
     OperatingSystem os;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 struct BootImage {
@@ -66,12 +67,14 @@ struct SystemConfiguration {
     std::vector<ProcessorGroup> processorGroups;
     std::optional<BootImages> bootImages;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 struct SystemConfigurations {
     std::string defaultConfiguration;
     std::vector<SystemConfiguration> configurations;
     std::size_t line = 0;
+    std::size_t column = 0;
 };
 
 struct SoftwarePlatform {

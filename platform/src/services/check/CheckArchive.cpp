@@ -216,14 +216,14 @@ class ArchiveCheck {
         const auto check = [&](const lmx::HpfmBusInterface& bus) {
             const auto [first, isNew] = seen.emplace(bus.name, bus.line);
             if (!isNew && !bus.name.empty()) {
-                report_.add("duplicate", {file, bus.line},
+                report_.add("duplicate", {file, bus.line, bus.column},
                             "the bus interface " + shown(bus.name) + " stands on line " +
                                 std::to_string(first->second) + " already");
             }
             if (bus.name != lmx::HBM_SUBSYSTEM) return;
             std::vector<std::string> banks;
             for (const auto& bank : bus.addressSegments) banks.push_back(bank.automatic);
-            checkBanks({file, bus.line}, banks);
+            checkBanks({file, bus.line, bus.column}, banks);
         };
         for (const auto& component : document->components) {
             for (const auto& bus : component.busInterfaces) check(bus);

@@ -14,9 +14,16 @@ void reportBinding(const xml::BindingError& error, const std::string& file, Repo
 }
 
 void reportFindings(const xml::Findings& findings, const std::string& file, Report& report) {
+    for (const xml::Fault& fault : findings.faults) {
+        report.add("schema", {file, fault.line, fault.column}, fault.text);
+    }
+    if (findings.moreFaults > 0) {
+        report.add("schema", {file, 0, 0},
+                   std::to_string(findings.moreFaults) + " more faults of this kind");
+    }
     for (const xml::Finding& finding : findings.list) {
         const bool isElement = finding.kind == xml::Finding::Kind::Element;
-        report.add("unknown-item", {file, finding.line, 0},
+        report.add("unknown-item", {file, finding.line, finding.column},
                    std::string(isElement ? "element " : "attribute ") + shown(finding.name) +
                        " of " + shown(finding.parent) +
                        " is not part of the format; loading ignores it");

@@ -93,30 +93,32 @@ class Walk {
     void description(const std::string& path) {
         const auto text = read(path);
         if (!text) return;
-        const auto document = bindDocument(lmx::platformFormat(), *text, path, report_);
+        const auto document = bindDocument(lmx::platformFormat(), *text, path, report_, &whole_);
         if (!document) return;
-        if (!document->hardwarePlatforms) {
-            report_.add("schema", {path, document->line},
+        if (document->hardwarePlatforms) {
+            const lmx::HardwarePlatforms& hardware = *document->hardwarePlatforms;
+            archive(path, hardware.hardwarePlatform);
+            archive(path, hardware.hwEmuPlatform);
+            partitions(path, hardware);
+        } else {
+            report_.add("schema", {path, document->line, document->column},
                         "element 'mav:platform': required element 'mav:hardwarePlatforms' is "
                         "missing");
-            return;
         }
-        const lmx::HardwarePlatforms& hardware = *document->hardwarePlatforms;
-        archive(path, hardware.hardwarePlatform);
-        archive(path, hardware.hwEmuPlatform);
-        partitions(path, hardware);
         if (document->softwarePlatforms) {
             const lmx::FileReference& reference = document->softwarePlatforms->softwarePlatform;
             const std::string target = joined(path, reference);
-            if (exists(path, reference, target)) software(target);
+            if (!isPartial(reference) && exists(path, reference, target)) software(target);
         }
     }
 
     void partitions(const std::string& path, const lmx::HardwarePlatforms& hardware) {
         std::set<unsigned> ids;
         for (const lmx::ReconfigurablePartition& partition : hardware.reconfigurablePartitions) {
-            if (!ids.insert(partition.id).second) {
-                report_.add("duplicate", {path, partition.line},
+            // Without one of its own an id reads as 0.
+            const bool isKnown = whole_ || partition.id != 0;
+            if (!ids.insert(partition.id).second && isKnown) {
+                report_.add("duplicate", {path, partition.line, partition.column},
                             "the partition id " + std::to_string(partition.id) +
                                 " stands more than once; the last one counts");
             }
@@ -124,12 +126,17 @@ class Walk {
             archive(path, partition.hwEmuPlatform);
         }
         const unsigned standard = hardware.defaultRP.value_or(0);
-        if (!ids.empty() && ids.count(standard) == 0) {
-            report_.add("default-partition", {path, hardware.line},
+        if (whole_ && !ids.empty() && ids.count(standard) == 0) {
+            report_.add("default-partition", {path, hardware.line, hardware.column},
                         "the default partition is " + std::to_string(standard) +
                             (hardware.defaultRP ? "" : ", for none is named,") +
                             " and no partition has that id");
         }
+    }
+
+    /// A part of the name is missing, which has been reported.
+    bool isPartial(const lmx::FileReference& reference) const {
+        return !whole_ && (reference.path.empty() || reference.name.empty());
     }
 
     static std::string joined(const std::string& path, const lmx::FileReference& reference) {
@@ -140,16 +147,17 @@ class Walk {
     bool exists(const std::string& path, const lmx::FileReference& reference,
                 const std::string& target) {
         if (HUTFile::isFile(target)) return true;
-        report_.add("missing-file", {path, reference.line}, shown(target) + " is no file");
+        report_.add("missing-file", {path, reference.line, reference.column},
+                    shown(target) + " is no file");
         return false;
     }
 
     void archive(const std::string& path, const std::optional<lmx::FileReference>& reference) {
-        if (!reference) return;
+        if (!reference || isPartial(*reference)) return;
         const std::string target = joined(path, *reference);
         if (!exists(path, *reference, target)) return;
         if (!HMAVHardwarePlatform::isValidPlatformExt(HUTPathUtils::extension(target))) {
-            report_.add("extension", {path, reference->line},
+            report_.add("extension", {path, reference->line, reference->column},
                         shown(reference->name) + " does not end in .pka or .dsa");
             return;
         }
@@ -160,40 +168,46 @@ class Walk {
     void software(const std::string& path) {
         const auto text = read(path);
         if (!text) return;
-        const auto document = bindDocument(lmx::softwarePlatformFormat(), *text, path, report_);
+        const auto document =
+            bindDocument(lmx::softwarePlatformFormat(), *text, path, report_, &whole_);
         if (!document) return;
         const lmx::SystemConfigurations& configs = document->systemConfigurations;
         std::set<std::string> names;
         for (const lmx::SystemConfiguration& config : configs.configurations) {
-            unique(path, config.line, "configuration", config.name, names);
+            unique({path, config.line, config.column}, "configuration", config.name, names);
             std::set<std::string> groups;
             for (const lmx::ProcessorGroup& group : config.processorGroups) {
-                unique(path, group.line, "processor group", group.name, groups);
+                unique({path, group.line, group.column}, "processor group", group.name, groups);
             }
-            standard(path, config.line, "processor group", config.defaultProcessorGroup, groups);
+            standard({path, config.line, config.column}, "processor group",
+                     config.defaultProcessorGroup, groups);
             if (config.bootImages) {
-                standard(path, config.line, "boot image", config.bootImages->defaultImage,
-                         {config.bootImages->image.name});
+                standard({path, config.line, config.column}, "boot image",
+                         config.bootImages->defaultImage, {config.bootImages->image.name});
             }
         }
-        standard(path, configs.line, "configuration", configs.defaultConfiguration, names);
+        standard({path, configs.line, configs.column}, "configuration",
+                 configs.defaultConfiguration, names);
     }
 
-    void unique(const std::string& path, std::size_t line, const char* kind,
-                const std::string& name, std::set<std::string>& names) {
-        if (names.insert(name).second) return;
-        report_.add("duplicate", {path, line},
+    void unique(const Place& place, const char* kind, const std::string& name,
+                std::set<std::string>& names) {
+        if (name.empty() || names.insert(name).second) return;
+        report_.add("duplicate", place,
                     std::string("the ") + kind + " " + shown(name) + " stands more than once");
     }
-    void standard(const std::string& path, std::size_t line, const char* kind,
-                  const std::string& name, const std::set<std::string>& names) {
-        if (name.empty() || names.count(name) > 0) return;
-        report_.add("software-default", {path, line},
+    void standard(const Place& place, const char* kind, const std::string& name,
+                  const std::set<std::string>& names) {
+        if (!whole_ || name.empty() || names.count(name) > 0) return;
+        report_.add("software-default", place,
                     std::string("the default ") + kind + " " + shown(name) +
                         " is not there; the first one stands in for it");
     }
 
     Report& report_;
+    /// The document at hand has no fault. What is missing from one that has may be what the fault
+    /// concerns, so nothing is said of it.
+    bool whole_ = true;
     std::set<std::string> seen_;  ///< canonical paths of the files looked at
 };
 
