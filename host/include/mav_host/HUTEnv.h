@@ -41,8 +41,8 @@ class MAV_API HUTEnv {
     static std::string getProductName();
     static void setProductName(const std::string& name);
 
-    /// Sets the variable TZ to ":/etc/localtime", which means the same zone, unless it is set. The C
-    /// library otherwise asks the system about that file for each member of an archive that is
+    /// Sets the variable TZ to ":/etc/localtime", which means the same zone, unless it is set. The
+    /// C library otherwise asks the system about that file for each member of an archive that is
     /// opened, which takes half the time of opening a usual one. For the start of a program, before
     /// there are other threads; the library itself never changes the environment.
     static void pinTimeZone();
