@@ -2,11 +2,13 @@
 #include "Output.h"
 
 #include <fcntl.h>
+#include <locale.h>
 #include <poll.h>
 #include <unistd.h>
+#include <wchar.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cwchar>
 #include <iostream>
 #include <system_error>
 
@@ -15,9 +17,38 @@
 namespace cli {
 namespace {
 
-bool continues(char c) {
-    return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U;
-}
+/// Characters of UTF-8 as the system's locales describe them, whatever the caller's locale.
+class Utf8Locale {
+  public:
+    Utf8Locale() : locale_(::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {}
+    ~Utf8Locale() {
+        if (locale_ != nullptr) ::freelocale(locale_);
+    }
+    Utf8Locale(const Utf8Locale&) = delete;
+    Utf8Locale& operator=(const Utf8Locale&) = delete;
+
+    cli::Character first(std::string_view text) const {
+        if (locale_ == nullptr) return {lengthOnly(text), 1};
+        const locale_t before = ::uselocale(locale_);
+        wchar_t wide = 0;
+        std::mbstate_t state{};
+        const std::size_t bytes = std::mbrtowc(&wide, text.data(), text.size(), &state);
+        const bool valid = bytes > 0 && bytes <= text.size();
+        const int columns = valid ? ::wcwidth(wide) : -1;
+        ::uselocale(before);
+        return {valid ? bytes : 1, columns < 0 ? 1 : static_cast<std::size_t>(columns)};
+    }
+
+  private:
+    /// For systems without the locale.
+    static std::size_t lengthOnly(std::string_view text) {
+        std::size_t end = 1;
+        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) ++end;
+        return end;
+    }
+
+    locale_t locale_;
+};
 
 }  // namespace
 
@@ -79,15 +110,29 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
+Character firstCharacter(std::string_view text) {
+    if (static_cast<unsigned char>(text.front()) < 0x80U) return {1, 1};
+    static const Utf8Locale locale;
+    return locale.first(text);
+}
+
 std::size_t columns(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return !continues(c); }));
+    std::size_t taken = 0;
+    while (!text.empty()) {
+        const Character next = firstCharacter(text);
+        taken += next.columns;
+        text.remove_prefix(next.bytes);
+    }
+    return taken;
 }
 
 std::string_view shortened(std::string_view text, std::size_t columns) {
     std::size_t end = 0;
-    for (std::size_t taken = 0; end < text.size(); ++end) {
-        if (!continues(text[end]) && taken++ == columns) break;
+    for (std::size_t taken = 0; end < text.size();) {
+        const Character next = firstCharacter(text.substr(end));
+        taken += next.columns;
+        if (taken > columns) break;
+        end += next.bytes;
     }
     return text.substr(0, end);
 }

@@ -46,7 +46,16 @@ void complain(std::string_view sentence);
 /// The text with control characters as \xNN, so that it stays on one line.
 std::string printable(std::string_view text);
 
-/// Columns that the text takes: its characters, of which UTF-8 may take several bytes.
+/// A character of UTF-8 text. A byte that is none, or no printable one, counts as one column.
+struct Character {
+    std::size_t bytes;
+    std::size_t columns;  ///< of a terminal: 2 for wide characters, 0 for combining marks
+};
+
+/// The character that the text, which is not empty, begins with.
+Character firstCharacter(std::string_view text);
+
+/// Columns of a terminal that the text takes.
 std::size_t columns(std::string_view text);
 
 /// The first characters of the text, no more than that many columns.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <numeric>
 
 #include "Command.h"
 #include "Output.h"
@@ -18,24 +19,28 @@ namespace {
 constexpr std::size_t INDENT = 2;
 constexpr std::size_t GAP = 2;
 constexpr std::size_t NARROWEST = 60;
-constexpr std::size_t NARROWEST_COLUMN = 8;
+// What two sections beside each other need: this width, this much between them and for each.
+constexpr std::size_t WIDE = 100;
+constexpr std::size_t ALLEY = 4;
+constexpr std::size_t NARROWEST_SECTION = 30;
+// Lines that a section may grow by when it is squeezed.
+constexpr std::size_t GROWTH = 3;
 constexpr std::string_view BOLD = "\033[1m";
 constexpr std::string_view HEADING = "\033[1;36m";
 constexpr std::string_view DIM = "\033[2m";
 constexpr std::string_view RESET = "\033[0m";
 
-bool continues(char c) {
-    return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U;
-}
-
-/// Takes the first `width` characters off the text, up to a blank in it where there is one.
+/// Takes the first `width` columns off the text, up to a blank in it where there is one; a
+/// character at least.
 std::string_view takeLine(std::string_view& text, std::size_t width) {
     std::size_t end = 0;
     std::size_t blank = 0;
-    for (std::size_t taken = 0; end < text.size(); ++end) {
-        if (continues(text[end])) continue;
-        if (taken++ == width) break;
+    for (std::size_t taken = 0; end < text.size();) {
+        const Character next = firstCharacter(text.substr(end));
+        if (taken + next.columns > width && end > 0) break;
         if (text[end] == ' ') blank = end;
+        taken += next.columns;
+        end += next.bytes;
     }
     if (end < text.size() && text[end] != ' ' && blank > 0) end = blank;
     const std::string_view line = text.substr(0, end);
@@ -54,10 +59,18 @@ void fit(std::vector<std::size_t>& widths, std::size_t room) {
     for (const std::size_t width : widths) total += width;
     while (total > room) {
         const auto widest = std::max_element(widths.begin(), widths.end());
-        if (*widest <= NARROWEST_COLUMN) return;
+        if (*widest <= 1) return;
         --*widest;
         --total;
     }
+}
+
+/// The widest of the lines.
+template <class Lines>
+std::size_t extent(const Lines& lines) {
+    std::size_t widest = 0;
+    for (const auto& line : lines) widest = std::max(widest, line.columns);
+    return widest;
 }
 
 }  // namespace
@@ -85,69 +98,62 @@ std::size_t screenWidth() {
     return std::max<std::size_t>(known ? size.ws_col : 100, NARROWEST);
 }
 
-void Screen::styled(std::string_view style, std::string_view text) {
-    if (color_ && !style.empty()) text_ += style;
-    text_ += text;
-    if (color_ && !style.empty()) text_ += RESET;
-}
-
-void Screen::title(std::string_view text) {
-    styled(BOLD, printable(text));
-    text_ += '\n';
+Screen::Line Screen::styled(std::string_view style, std::string_view text) const {
+    Line line{std::string(text), columns(text)};
+    if (color_ && !style.empty()) line.text.insert(0, style).append(RESET);
+    return line;
 }
 
 void Screen::section(std::string_view name) {
-    if (!text_.empty()) text_ += '\n';
-    styled(HEADING, name);
-    text_ += '\n';
+    sections_.push_back({std::string(name), {}});
 }
 
 void Screen::values(const std::vector<std::pair<std::string, std::string>>& list) {
-    std::size_t widest = 0;
+    Grid grid{{}, {}, {0, 0}, {false, false}};
     for (const auto& [name, value] : list) {
-        if (!value.empty()) widest = std::max(widest, columns(name));
+        if (value.empty()) continue;
+        grid.rows.push_back({printable(name), printable(value)});
+        for (std::size_t i = 0; i < 2; ++i)
+            grid.widths[i] = std::max(grid.widths[i], columns(grid.rows.back()[i]));
     }
-    const std::vector<std::size_t> widths{widest, width_ - std::min(width_, INDENT + widest + GAP)};
-    for (const auto& [name, value] : list) {
-        if (!value.empty()) row({name, printable(value)}, widths, {false, false}, {});
-    }
+    if (!grid.rows.empty()) sections_.back().grids.push_back(std::move(grid));
 }
 
 void Screen::table(const Row& names, const std::vector<Row>& rows) {
-    Row heads;
-    std::vector<std::size_t> kept;
-    std::vector<std::size_t> widths;
-    std::vector<bool> right;
-    std::vector<Row> shown(rows.size());
+    Grid grid;
+    grid.rows.resize(rows.size());
     for (std::size_t column = 0; column < names.size(); ++column) {
+        Row shown;
         std::size_t width = 0;
         bool numbers = true;
         for (const Row& cells : rows) {
-            width = std::max(width, columns(printable(cells[column])));
+            shown.push_back(printable(cells[column]));
+            width = std::max(width, columns(shown.back()));
             numbers = numbers && isNumber(cells[column]);
         }
         if (width == 0) continue;
-        heads.push_back(names[column]);
-        widths.push_back(std::max(width, columns(names[column])));
-        right.push_back(numbers);
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            shown[i].push_back(printable(rows[i][column]));
+        grid.heads.push_back(names[column]);
+        grid.widths.push_back(std::max(width, columns(names[column])));
+        grid.right.push_back(numbers);
+        for (std::size_t i = 0; i < rows.size(); ++i) grid.rows[i].push_back(std::move(shown[i]));
     }
-    if (heads.empty()) return;
-    fit(widths, width_ - INDENT);
-    row(heads, widths, right, DIM);
-    for (const Row& cells : shown) row(cells, widths, right, {});
+    if (!grid.heads.empty()) sections_.back().grids.push_back(std::move(grid));
 }
 
 void Screen::note(std::string_view text) {
-    text_.append(INDENT, ' ');
-    styled(DIM, printable(text));
-    text_ += '\n';
+    const std::string shown = printable(text);
+    sections_.back().grids.push_back({{}, {{shown}}, {columns(shown)}, {false}, true});
+}
+
+std::size_t Screen::sections() const {
+    return static_cast<std::size_t>(
+        std::count_if(sections_.begin(), sections_.end(),
+                      [](const Section& section) { return !section.grids.empty(); }));
 }
 
 /// One row, on as many lines as its longest cell needs.
-void Screen::row(const Row& cells, const std::vector<std::size_t>& widths,
-                 const std::vector<bool>& right, std::string_view style) {
+void Screen::addRow(Lines& made, const Row& cells, const Grid& grid,
+                    const std::vector<std::size_t>& widths, std::string_view style) const {
     std::vector<std::string_view> rest(cells.begin(), cells.end());
     const auto empty = [](std::string_view text) { return text.empty(); };
     do {
@@ -156,12 +162,83 @@ void Screen::row(const Row& cells, const std::vector<std::size_t>& widths,
             const std::string_view piece = takeLine(rest[i], widths[i]);
             const std::string blanks(widths[i] - std::min(widths[i], columns(piece)), ' ');
             if (i > 0) line.append(GAP, ' ');
-            line.append(right[i] ? blanks : "").append(piece).append(right[i] ? "" : blanks);
+            line.append(grid.right[i] ? blanks : "").append(piece);
+            line.append(grid.right[i] ? "" : blanks);
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        styled(style, line);
-        text_ += '\n';
+        made.push_back(styled(style, line));
     } while (!std::all_of(rest.begin(), rest.end(), empty));
+}
+
+Screen::Lines Screen::lines(const Section& section, std::size_t width) const {
+    Lines made{styled(HEADING, section.name)};
+    for (const Grid& grid : section.grids) {
+        std::vector<std::size_t> widths = grid.widths;
+        fit(widths, width - INDENT);
+        if (!grid.heads.empty()) addRow(made, grid.heads, grid, widths, DIM);
+        for (const Row& cells : grid.rows)
+            addRow(made, cells, grid, widths, grid.isNote ? DIM : "");
+    }
+    return made;
+}
+
+/// What the section needs so that no cell of a table goes on below; values may.
+std::size_t Screen::tableWidth(const Section& section) {
+    std::size_t widest = NARROWEST_SECTION;
+    for (const Grid& grid : section.grids) {
+        if (grid.heads.empty()) continue;
+        widest = std::max(widest, std::accumulate(grid.widths.begin(), grid.widths.end(),
+                                                  INDENT + GAP * (grid.widths.size() - 1)));
+    }
+    return widest;
+}
+
+/// The two sections side by side in the way that takes the fewest lines; nothing when the ways are
+/// none or save less than a quarter of the lines.
+Screen::Lines Screen::beside(const Section& left, const Section& right) const {
+    const std::size_t room = width_ - ALLEY;
+    const Lines first = lines(left, width_);
+    const Lines second = lines(right, width_);
+    std::size_t best = (first.size() + second.size() + 1) * 3 / 4 + 1;
+    Lines made;
+    for (const std::size_t width :
+         {extent(first), room / 2, room - std::min(room, extent(second))}) {
+        if (width < tableWidth(left) || width + tableWidth(right) > room) continue;
+        Lines taken = lines(left, width);
+        const Lines other = lines(right, room - width);
+        const std::size_t height = std::max(taken.size(), other.size());
+        if (height >= best || taken.size() > first.size() + GROWTH ||
+            other.size() > second.size() + GROWTH)
+            continue;
+        best = height;
+        taken.resize(height);
+        for (std::size_t i = 0; i < other.size(); ++i) {
+            taken[i].text.append(width + ALLEY - taken[i].columns, ' ').append(other[i].text);
+        }
+        made = std::move(taken);
+    }
+    return made;
+}
+
+std::string Screen::text() const {
+    std::string text;
+    const auto add = [&text](const Lines& lines) {
+        for (const Line& line : lines) text.append(line.text).append("\n");
+    };
+    const std::string title = printable(title_);
+    for (std::string_view rest = title; !rest.empty();) add({styled(BOLD, takeLine(rest, width_))});
+    std::vector<const Section*> shown;
+    for (const Section& section : sections_)
+        if (!section.grids.empty()) shown.push_back(&section);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        if (!text.empty()) text += '\n';
+        Lines pair;
+        if (dense_ && width_ >= WIDE && i + 1 < shown.size())
+            pair = beside(*shown[i], *shown[i + 1]);
+        add(pair.empty() ? lines(*shown[i], width_) : pair);
+        if (!pair.empty()) ++i;
+    }
+    return text;
 }
 
 }  // namespace cli

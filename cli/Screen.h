@@ -18,13 +18,16 @@ std::size_t screenWidth();
 
 /// Lays out an answer for people: a title, sections, named values and tables, in a given width.
 /// Cells that are too wide go on below; every text is made printable. Without colour it is plain.
+/// A dense screen puts two sections beside each other where it is wide enough and lines are saved.
 class Screen {
   public:
     using Row = std::vector<std::string>;
 
-    Screen(bool color, std::size_t width) : color_(color), width_(width) {}
+    Screen(bool color, std::size_t width, bool dense = false)
+        : color_(color), width_(width), dense_(dense) {}
 
-    void title(std::string_view text);
+    void title(std::string_view text) { title_ = text; }
+    /// What follows belongs to the section. One that nothing follows is not shown.
     void section(std::string_view name);
     /// Named values below each other; those with an empty value are left out.
     void values(const std::vector<std::pair<std::string, std::string>>& list);
@@ -33,16 +36,41 @@ class Screen {
     void table(const Row& names, const std::vector<Row>& rows);
     /// A line of its own, indented.
     void note(std::string_view text);
-    const std::string& text() const { return text_; }
+    /// Sections so far that have something to show.
+    std::size_t sections() const;
+    std::string text() const;
 
   private:
-    void row(const Row& cells, const std::vector<std::size_t>& widths,
-             const std::vector<bool>& right, std::string_view style);
-    void styled(std::string_view style, std::string_view text);
+    /// Rows in columns, with the widths that they would like to have.
+    struct Grid {
+        Row heads;
+        std::vector<Row> rows;
+        std::vector<std::size_t> widths;
+        std::vector<bool> right;
+        bool isNote = false;
+    };
+    struct Section {
+        std::string name;
+        std::vector<Grid> grids;
+    };
+    struct Line {
+        std::string text;
+        std::size_t columns;
+    };
+    using Lines = std::vector<Line>;
+
+    Line styled(std::string_view style, std::string_view text) const;
+    Lines lines(const Section& section, std::size_t width) const;
+    void addRow(Lines& made, const Row& cells, const Grid& grid,
+                const std::vector<std::size_t>& widths, std::string_view style) const;
+    static std::size_t tableWidth(const Section& section);
+    Lines beside(const Section& left, const Section& right) const;
 
     bool color_;
     std::size_t width_;
-    std::string text_;
+    bool dense_;
+    std::string title_;
+    std::vector<Section> sections_;
 };
 
 }  // namespace cli

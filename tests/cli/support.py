@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the tests of the command share: where things are, and how to run them."""
+import json
 import os
 import pathlib
 import shutil
@@ -21,6 +22,18 @@ def run(*command, **options):
     options.setdefault("stdout", subprocess.PIPE)
     return subprocess.run([str(part) for part in command], stdin=subprocess.DEVNULL,
                           stderr=subprocess.PIPE, timeout=120, check=False, **options)
+
+
+def copied_card(test, edit, name="b.pka"):
+    """The card, packed again in the test's directory after an edit of its metadata."""
+    folder = test.dir / "folder"
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(SOURCE / "samples/veltrin_h90/archive", folder)
+    metadata = json.loads((folder / "pka.json").read_text(encoding="utf-8"))
+    edit(metadata)
+    (folder / "pka.json").write_text(json.dumps(metadata), encoding="utf-8")
+    test.mav("pack", folder, test.dir / name)
+    return test.dir / name
 
 
 class CommandTest(unittest.TestCase):

@@ -6,23 +6,10 @@ import re
 import shutil
 import unittest
 
-from support import SAMPLES, SOURCE, CommandTest
-
-CARD = SOURCE / "samples/veltrin_h90/archive"
+from support import SAMPLES, CommandTest, copied_card
 
 
 class Diff(CommandTest):
-    def changed(self, edit, name="b.pka"):
-        """The card, packed again after an edit of its metadata."""
-        folder = self.dir / "folder"
-        shutil.rmtree(folder, ignore_errors=True)
-        shutil.copytree(CARD, folder)
-        metadata = json.loads((folder / "pka.json").read_text(encoding="utf-8"))
-        edit(metadata)
-        (folder / "pka.json").write_text(json.dumps(metadata), encoding="utf-8")
-        self.mav("pack", folder, self.dir / name)
-        return self.dir / name
-
     def test_the_same_platform_elsewhere_does_not_differ(self):
         original = SAMPLES / "veltrin_h90/veltrin_h90.pka"
         elsewhere = pathlib.Path(shutil.copy(original, self.dir / "other.pka"))
@@ -53,7 +40,7 @@ class Diff(CommandTest):
             metadata["systemClocks"][1]["frequency"] = "500.0001"
             metadata["generatedVersion"] = "2026.10"
         original = SAMPLES / "veltrin_h90/veltrin_h90.pka"
-        self.assertEqual(set(self.mav("diff", original, self.changed(edit), code=1)[0].splitlines()), {
+        self.assertEqual(set(self.mav("diff", original, copied_card(self, edit), code=1)[0].splitlines()), {
             "~ hardwarePlatform.systemClocks[kernel2_clk].frequency: '500.000' -> '500.0001'",
             "~ hardwarePlatform.generatedVersion: '2026.1' -> '2026.10'"})
 
@@ -64,7 +51,7 @@ class Diff(CommandTest):
             metadata["memories"].reverse()
             metadata["interfaces"].append({"id": "x", "name": "NEW", "type": "serial"})
             metadata["files"].insert(0, {"name": "bit/full.bit", "type": "DCP"})
-        other = self.changed(edit)
+        other = copied_card(self, edit)
         original = SAMPLES / "veltrin_h90/veltrin_h90.pka"
         output = self.mav("diff", original, other, code=1)[0].splitlines()
         head = "hardwarePlatform."

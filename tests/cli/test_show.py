@@ -7,13 +7,24 @@ import re
 import struct
 import subprocess
 import termios
+import unicodedata
 import unittest
 
-from support import MAV, PLATFORMS, SAMPLES, CommandTest
+from support import MAV, PLATFORMS, SAMPLES, CommandTest, copied_card
 
 CARD = SAMPLES / "veltrin_h90/veltrin_h90.pka"
 EMBEDDED = SAMPLES / "ostrivel_e7/ostrivel_e7.qpfm"
 PARTED = SAMPLES / "tessomar_r2/tessomar_r2.qpfm"
+
+
+SECTIONS = ["identity", "device", "targets", "support", "clocks", "memories", "banks", "interfaces",
+            "partitions", "array", "software", "emulation", "files"]
+
+
+def width(line):
+    """Columns of a terminal."""
+    return sum(0 if unicodedata.combining(c) else 2 if unicodedata.east_asian_width(c) in "WF" else 1
+               for c in line)
 
 
 def on_terminal(columns, *arguments, **variables):
@@ -46,13 +57,13 @@ class Show(CommandTest):
         for name in PLATFORMS:
             with self.subTest(platform=name):
                 text = self.show(SAMPLES / name)
-                self.assertIn("\nidentity\n", text)
+                self.assertRegex(text, r"\nidentity +device\n")
                 self.assertNotIn("\033", text)
         card = self.show(CARD)
         self.assertTrue(card.startswith("veltrin:h90:gen3x16_hbm:3.1\n"))
-        self.assertRegex(card, r"\n +0  kernel_clk +300\.000  scalable  default\n")
-        self.assertIn("and 34 more: --section memories\n", card)
-        self.assertRegex(card, r"\n  interrupt +slave +16 +1  irq_00 \.\. irq_15\n")
+        self.assertRegex(card, r"\n +0  kernel_clk +300\.000  scalable  default  ")
+        self.assertIn("and 36 more: --section memories\n", card)
+        self.assertRegex(card, r"\n  axis +master +4 +512  M_AXIS_C2H_0 \.\. M_AXIS_C2H_3\n")
         self.assertNotIn("\npartitions\n", card)
         self.assertRegex(self.show(EMBEDDED), r"\nprocessor groups\n  CONFIGURATION ")
         self.assertRegex(self.show(PARTED), r"\n   1  partition1  .* default\n")
@@ -95,19 +106,70 @@ class Show(CommandTest):
         self.refused("show", self.dir / "none.pka", code=3, says=["none.pka"])
 
     def test_colour(self):
-        self.assertIn("\033[1;36mclocks\033[0m\n", self.show(CARD, "--color", "always"))
-        self.assertIn("\033[1;36mclocks\033[0m\n", on_terminal(100, "show", CARD))
+        self.assertIn("\033[1;36mmemory banks\033[0m\n", self.show(CARD, "--color", "always"))
+        self.assertIn("\033[1;36mmemory banks\033[0m\n", on_terminal(100, "show", CARD))
         self.assertNotIn("\033", on_terminal(100, "show", CARD, NO_COLOR="1"))
         self.assertNotIn("\033", on_terminal(100, "show", CARD, "--color", "never"))
 
+    def test_the_overview_is_one_screen(self):
+        text = on_terminal(120, "show", CARD, "--color", "never")
+        self.assertLessEqual(len(text.splitlines()), 60)
+        # Beside each other they say what they say below each other.
+        narrow = on_terminal(90, "show", CARD, "--color", "never")
+        self.assertEqual(sorted(text.split()), sorted(narrow.split()))
+        heads = [line for line in narrow.splitlines() if line and line[0] != " "]
+        self.assertEqual(heads[1:4], ["identity", "device", "targets"])
+        coloured = on_terminal(120, "show", CARD, "--color", "always")
+        self.assertEqual(re.sub("\033\\[[0-9;]*m", "", coloured), text)
+        embedded = self.show(EMBEDDED)
+        self.assertIn("\n  hardware      hw/ostrivel_e7.pka\n", embedded)
+        self.assertIn("\n  software      sw/ostrivel_e7.spfm\n", embedded)
+
     def test_lines_keep_within_the_width(self):
-        for columns, limit in ((60, 60), (75, 75), (20, 60)):
-            text = on_terminal(columns, "show", CARD, "--color", "never")
-            self.assertLessEqual(max(map(len, text.splitlines())), limit)
-            # Nothing is lost: the words are the same, whatever the width.
-            wide = self.show(CARD)
-            self.assertEqual(re.sub(r"\W", "", text).count("kernel_clk"),
-                             re.sub(r"\W", "", wide).count("kernel_clk"))
+        for name in PLATFORMS + ["ostrivel_e7/sw/ostrivel_e7.spfm"]:
+            for columns, limit in ((20, 60), (60, 60), (80, 80), (200, 200)):
+                for section in [(), *(("--section", name) for name in SECTIONS)]:
+                    text = on_terminal(columns, "show", SAMPLES / name, *section)
+                    plain = re.sub("\033\\[[0-9;]*m", "", text)
+                    with self.subTest(platform=name, columns=columns, section=section):
+                        self.assertLessEqual(max(map(width, plain.splitlines()), default=0), limit)
+        # Nothing is lost: what is cut off goes on below.
+        text = on_terminal(60, "show", CARD, "--section", "interfaces", "--color", "never")
+        self.assertIn("hbm_m", text)
+        self.assertEqual(re.sub(r"\W", "", on_terminal(60, "show", CARD)).count("kernel_clk"),
+                         re.sub(r"\W", "", self.show(CARD)).count("kernel_clk"))
+
+    def test_wide_characters(self):
+        def edit(metadata):
+            clocks = metadata["systemClocks"]
+            clocks[0]["name"], clocks[1]["name"], clocks[2]["name"] = "\u6642\u8108", "\U0001f680", "re\u0301f"
+            metadata["description"] = "\u5927\u898f\u6a21 " * 60
+            metadata["boardId"] = "\u677f" * 90
+        card = copied_card(self, edit)
+        lines = self.show(card, "--section", "clocks").splitlines()[1:]
+        self.assertIn("\u6642\u8108", lines[1])
+        self.assertEqual({width(re.split("scalable|fixed|STATUS", line)[0]) for line in lines}, {25})
+        for columns in (60, 61, 120):
+            text = on_terminal(columns, "show", card, "--color", "never")
+            self.assertEqual(text.count("\u5927\u898f\u6a21"), 60)
+            self.assertLessEqual(max(map(width, text.splitlines())), columns)
+        self.assertGreater(on_terminal(60, "show", card).index("identity"), 100)
+
+    def test_software_alone_and_empty_sections(self):
+        software = SAMPLES / "ostrivel_e7/sw/ostrivel_e7.spfm"
+        text = self.show(software)
+        self.assertTrue(text.startswith("ostrivel_e7.spfm\n\nidentity\n  file  ostrivel_e7.spfm\n"), text)
+        self.assertEqual([line for line in text.splitlines()[1:] if line and line[0] != " "],
+                         ["identity", "processor groups", "boot images"])
+        output, errors = self.mav("show", software, "--section", "device", "--section", "software")
+        self.assertTrue(output.startswith("processor groups\n"))
+        self.assertEqual(errors, f"mav: '{software}' has nothing in the section 'device'. Without "
+                         "--section all that it has is shown.\n")
+
+        def edit(metadata):
+            for key in ("fpgaPart", "fpgaDevice", "systemClocks"):
+                metadata.pop(key, None)
+        self.assertEqual(re.findall("clocks", self.show(copied_card(self, edit))), [])
 
 
 if __name__ == "__main__":
