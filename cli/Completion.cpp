@@ -40,6 +40,8 @@ std::string kindWord(const Argument& argument) {
             return "folders";
         case ValueKind::TYPES:
             return "types";
+        case ValueKind::MEMBERS:
+            return "members";
         case ValueKind::KEYS:
             return "keys";
         case ValueKind::DOCS:
@@ -94,8 +96,24 @@ constexpr const char* BASH_WORK = R"BASH(_mav_offer() {
     done
 }
 
+# The same for paths: an index stands for every element.
+_mav_offer_keys() {
+    local word every="$cur"
+    while [[ "$every" =~ ^(.*)\[[0-9]+\](.*)$ ]]; do
+        every="${BASH_REMATCH[1]}[*]${BASH_REMATCH[2]}"
+    done
+    while IFS= read -r word; do
+        if [[ "$word" == "$every"* ]]; then COMPREPLY+=("$cur${word:${#every}}"); fi
+    done
+}
+
 _mav_keys() {
-    [[ -n "$1" ]] && mav keys "$1" 2>/dev/null | sed 's/^ *[0-9]*  *//; s/\[\]/[*]/g'
+    [[ -n "$1" ]] && mav keys "$1" 2>/dev/null |
+        sed -n 's/^ *[0-9]*  *//; s/\[\]/[*]/g; p; s/^hardwarePlatforms\.\(hardwarePlatform\)/\1/p'
+}
+
+_mav_members() {
+    [[ -n "$1" ]] && mav files "$1" 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p'
 }
 
 _mav_docs() {
@@ -139,7 +157,8 @@ _mav() {
         files) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
         folders) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$cur") ;;
         types) _mav_offer < <(tr ' ' '\n' <<<"$_mav_types") ;;
-        keys) _mav_offer < <(_mav_keys "${file/#\~/$HOME}") ;;
+        members) _mav_offer < <(tr ' ' '\n' <<<"$_mav_types"; _mav_members "${file/#\~/$HOME}") ;;
+        keys) _mav_offer_keys < <(_mav_keys "${file/#\~/$HOME}") ;;
         docs) _mav_offer < <(_mav_docs) ;;
         none | '') ;;
         *) _mav_offer < <(tr ' ' '\n' <<<"$kind") ;;
@@ -169,6 +188,8 @@ std::string zshAction(const Argument& argument) {
             return "_files -/";
         case ValueKind::TYPES:
             return "_mav_types";
+        case ValueKind::MEMBERS:
+            return "_mav_members";
         case ValueKind::KEYS:
             return "_mav_keys";
         case ValueKind::DOCS:
@@ -207,9 +228,20 @@ std::string zshSpecs(const CommandTable& table) {
 }
 
 constexpr const char* ZSH_KEYS = R"ZSH(_mav_keys() {
-    local file=${(Q)line[1]} found
-    found=("${(@f)$(mav keys ${~file} 2>/dev/null | sed 's/^ *[0-9]*  *//; s/\[\]/[*]/g')}")
+    local file=${(Q)line[1]} typed=${(Q)PREFIX} any='[*]' every found
+    found=("${(@f)$(mav keys ${~file} 2>/dev/null | sed -n \
+        's/^ *[0-9]*  *//; s/\[\]/[*]/g; p; s/^hardwarePlatforms\.\(hardwarePlatform\)/\1/p')}")
+    # An index stands for every element.
+    every=${typed//\[<->\]/$any}
+    [[ $typed == $every ]] || found=("${(@)found/#$every/$typed}")
     compadd -M 'r:|.=*' -- ${found:#}
+}
+
+_mav_members() {
+    local file=${(Q)line[1]} found
+    found=("${(@f)$(mav files ${~file} 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p')}")
+    _mav_types
+    compadd -- ${found:#}
 }
 
 _mav_docs() {
@@ -234,6 +266,8 @@ std::string fishValues(const Argument& argument) {
             return " -f -a '(__fish_complete_directories)'";
         case ValueKind::TYPES:
             return " -f -a '(__mav_types)'";
+        case ValueKind::MEMBERS:
+            return " -f -a '(__mav_types; __mav_members)'";
         case ValueKind::KEYS:
             return " -f -a '(__mav_keys)'";
         case ValueKind::DOCS:
@@ -303,7 +337,22 @@ end
 function __mav_keys
     set -l words (__mav_words)
     set -q words[2]; or return
-    mav keys $words[2] 2>/dev/null | string replace -r '^ *[0-9]* +' '' | string replace -a '[]' '[*]'
+    # An index stands for every element.
+    set -l typed (commandline -ct)
+    set -l every (string replace -ar '\[\d+\]' '[*]' -- $typed)
+    set -l found (mav keys $words[2] 2>/dev/null | sed -n \
+        's/^ *[0-9]*  *//; s/\[\]/[*]/g; p; s/^hardwarePlatforms\.\(hardwarePlatform\)/\1/p')
+    if test "$typed" = "$every"
+        printf '%s\n' $found
+    else
+        string replace -- $every $typed $found
+    end
+end
+
+function __mav_members
+    set -l words (__mav_words)
+    set -q words[2]; or return
+    mav files $words[2] 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p'
 end
 
 function __mav_docs

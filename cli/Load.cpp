@@ -37,16 +37,18 @@ std::unique_ptr<PlatformLoader> loadFile(const std::string& command, const std::
     if (file.empty()) throw UsageError("FILE is empty; give the path of a platform file.", command);
     const std::string subject = "cannot load '" + printable(file) + "'";
     refuseEarly(subject, file);
+    const std::string advice = " and run the command again. 'mav validate " + printable(file) +
+                               "' finds all that is wrong with it.";
     try {
         auto loader = std::make_unique<PlatformLoader>(file, mode);
         if (loader->load()) return loader;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        throw Failure(subject + ": " + clause(error.what()) +
-                      ". Correct what the messages name and run the command again.");
+        throw Failure(subject + ": " + clause(error.what()) + ". Correct what the messages name" +
+                      advice);
     }
-    throw Failure(subject + ". Correct what the messages above name and run the command again.");
+    throw Failure(subject + ". Correct what the messages above name" + advice);
 }
 
 }  // namespace cli

@@ -21,7 +21,7 @@ struct Named {
 
 constexpr std::array<Named, 7> KINDS{{{"DIR", ValueKind::FOLDERS},
                                       {"TYPE", ValueKind::TYPES},
-                                      {"WHAT", ValueKind::TYPES},
+                                      {"WHAT", ValueKind::MEMBERS},
                                       {"PATH", ValueKind::KEYS},
                                       {"KEY", ValueKind::DOCS},
                                       {"OBJECT", ValueKind::KEYS},

@@ -20,7 +20,7 @@ std::string text(const Pieces&... pieces) {
 
 /// What a shell offers for a value; KEYS are those of the platform file that is typed already, DOCS
 /// those that are documented.
-enum class ValueKind { NONE, FILES, FOLDERS, TYPES, KEYS, DOCS, CHOICES };
+enum class ValueKind { NONE, FILES, FOLDERS, TYPES, MEMBERS, KEYS, DOCS, CHOICES };
 
 /// An option, or an argument that is told by its place.
 struct Argument {

@@ -262,7 +262,7 @@ void showPartitions(Screen& screen, const Subject& subject) {
         const HMAVHardwarePlatform* hardware = partition->getHardwarePlatform();
         rows.push_back({std::to_string(partition->getID()),
                         hardware == nullptr ? "" : hardware->getName(),
-                        partition->getHardwarePlatformFile(),
+                        member(subject, partition->getHardwarePlatformFile()),
                         partition->getID() == subject.platform.getDefaultRPId() ? "default" : ""});
     }
     screen.section("partitions");
@@ -360,8 +360,8 @@ void showFiles(Screen& screen, const Subject& subject) {
 
 /// The platform's name; that of the file when it has none.
 std::string title(const Subject& subject) {
-    const std::string name = subject.hardware != nullptr ? subject.hardware->getVBNV()
-                                                         : subject.platform.getPlatformBaseName();
+    std::string name = subject.hardware != nullptr ? subject.hardware->getVBNV()
+                                                   : subject.platform.getPlatformBaseName();
     if (name.find_first_not_of(':') != std::string::npos) return name;
     return fileName(subject);
 }

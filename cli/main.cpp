@@ -62,8 +62,9 @@ constexpr const char* SHOW_NOTES =
 
 constexpr const char* DIFF_NOTES =
     "Compares by meaning: items of a list are matched by their name or id, whatever their place,\n"
-    "and where the two platforms lie does not count. Lines begin with ~ for a change, + for what\n"
-    "only B has, - for what only A has. The code is 1 when they differ.\n";
+    "and where the two platforms lie does not count. What is inside the files that a platform\n"
+    "names is not compared, only what its description tells. Lines begin with ~ for a change,\n"
+    "+ for what only B has, - for what only A has. The code is 1 when they differ.\n";
 
 constexpr const char* CHECK_NOTES =
     "One line for each FILE tells whether the tool release supports the platform, and why. The\n"

@@ -60,6 +60,17 @@ class BadMetadata(CommandTest):
         path = self.archive("none.pka", {"other.json": good()})
         self.refused("json", path, code=3, says=[f"'{path}'", "'pka.json'", "'alt_pka.json'"])
 
+    def test_a_file_that_does_not_load_leads_to_validate(self):
+        broken = self.dir / "broken.qpfm"
+        broken.write_text("<platform>")
+        for path in (self.archive("bad.pka", {"pka.json": "{"}), broken):
+            errors = self.refused("show", path, code=3, says=[f"mav: cannot load '{path}'"])
+            advice = f"'mav validate {path}' finds all that is wrong with it."
+            self.assertTrue(errors.splitlines()[-1].endswith(advice), errors)
+            self.assertIn("error: ", self.mav("validate", path, code=1)[0])
+        missing = self.refused("show", self.dir / "none.pka", code=3, says=["nothing is there"])
+        self.assertNotIn("validate", missing)
+
     def test_a_claim_of_8_gb_takes_no_memory(self):
         path = self.claiming(8 << 30)
         done = run(MAV, "json", path, **({} if os.environ.get("MAV_ASAN_RUNTIME") else {

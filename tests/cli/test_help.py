@@ -122,10 +122,18 @@ class HelpTest(CommandTest):
             self.assertEqual([word for word in self.offered(*words) if word], expected, words)
 
     def test_keys_of_the_file_are_offered(self):
-        start = "hardwarePlatforms.hardwarePlatform.systemCl"
-        for offered in (self.offered("get", str(SAMPLE), start),
-                        self.offered_by_fish(f"mav get {SAMPLE} {start}")):
-            self.assertTrue(any("systemClocks[*]" in key for key in offered), offered)
+        both = lambda *words: (self.offered(*words), self.offered_by_fish(f"mav {' '.join(words)}"))
+        for start, expected in [
+                ("hardwarePlatforms.hardwarePlatform.systemCl", "systemClocks[*].frequency"),
+                ("hardwarePlatform.systemCl", "systemClocks[*].frequency"),
+                ("hardwarePlatform.systemClocks[12].fr", "systemClocks[12].frequency")]:
+            for offered in both("get", str(SAMPLE), start):
+                self.assertIn(start[:start.rfind(".") + 1], offered[0])
+                self.assertTrue(any(key.endswith(expected) for key in offered), offered)
+        for word, expected in [("hw_emu/p", ["hw_emu/pka.json"]), ("bd/dyn", ["bd/dynamic_region.bd"]),
+                               ("DR_", ["DR_BD"])]:
+            for offered in both("extract", str(SAMPLE), word):
+                self.assertEqual(offered, expected)
 
     def test_fish_offers_what_fits_the_place(self):
         (self.dir / "card.pka").write_text("")
@@ -144,6 +152,9 @@ class HelpTest(CommandTest):
         for line, expected in [("mav verif", "verify"), ("mav show --color=nev", "never"),
                                ("mav add a.pka DR_", "DR_BD"), ("mav completion fi", "fish"),
                                ("mav list --type=pel", "pellux"),
+                               (f"mav extract {SAMPLE} hw_emu/pk", "hw_emu/pka.json"),
+                               (f"mav get {SAMPLE} hardwarePlatform.systemClocks\\[12\\].fre",
+                                "quency"),
                                ("mav doc HMAVSystemClock.freq", "frequency")]:
             done = run("timeout", "30", "zsh", "-f", "-c", ZSH, "zsh", pathlib.Path(MAV).parent,
                        BUILT / "mav.zsh", line, expected, cwd=self.dir,

@@ -11,7 +11,15 @@ class HintTest(CommandTest):
     def test_nearest_key(self):
         for command, path, meant in [("get", "hardwarePlatform.fpgaPrt", "fpgaPart"),
                                      ("get", "hardwarePlatfrm.fpgaPart", "hardwarePlatform"),
+                                     ("get", "hardwarePlatform.memry", "memories"),
+                                     # A name of another place is no name here.
+                                     ("get", "hardwarePlatform.frequency", None),
+                                     ("dict", "hardwarePlatform.memry", "memories"),
+                                     ("dict", "hardwarePlatform.memories[0].nam", "name"),
                                      ("dict", "hardwarePlatform.systemClcks[0]", "systemClocks")]:
+            if meant is None:
+                self.assertNotIn("mean", self.refused(command, SAMPLE, path, code=1, says=[path]))
+                continue
             self.refused(command, SAMPLE, path, code=1, says=[path, f"Did you mean '{meant}'?"])
         errors = self.refused("get", SAMPLE, "hardwarePlatform.qqqqqq", code=1, says=["mav keys"])
         self.assertNotIn("Did you mean", errors)

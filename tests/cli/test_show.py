@@ -66,7 +66,7 @@ class Show(CommandTest):
         self.assertRegex(card, r"\n  axis +master +4 +512  M_AXIS_C2H_0 \.\. M_AXIS_C2H_3\n")
         self.assertNotIn("\npartitions\n", card)
         self.assertRegex(self.show(EMBEDDED), r"\nprocessor groups\n  CONFIGURATION ")
-        self.assertRegex(self.show(PARTED), r"\n   1  partition1  .* default\n")
+        self.assertRegex(self.show(PARTED), r"\n   1  partition1  partition1/tessomar_r2_p1.dsa  default ")
         array = self.show(SAMPLES / "tessomar_r2/partition0/tessomar_r2_p0.pka", "--section", "array")
         self.assertRegex(array, r"\n  - dpe_0_west +0 +10  0x0101\n")
 
