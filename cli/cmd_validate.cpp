@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "Command.h"
 #include "Output.h"
@@ -17,6 +18,16 @@ using mav_platform::CheckFinding;
 using mav_platform::CheckRule;
 using mav_platform::PlatformCheck;
 using Findings = HSTVector<CheckFinding>;
+
+/// The number of errors, with those that are not shown one by one.
+std::size_t errorsOf(const Findings& findings) {
+    std::size_t count = 0;
+    for (const CheckFinding& finding : findings) {
+        if (finding.severity == CheckFinding::ERROR)
+            count += std::max<std::size_t>(finding.more, 1);
+    }
+    return count;
+}
 
 std::string plain(const Findings& findings, bool color) {
     static constexpr std::array<const char*, 3> COLORS{"\033[1;31m", "\033[1;33m", "\033[1;36m"};
@@ -36,11 +47,7 @@ std::string plain(const Findings& findings, bool color) {
 
 std::string json(const Findings& findings) {
     mav_platform::JSONObjectWriter writer;
-    const auto isError = [](const CheckFinding& finding) {
-        return finding.severity == CheckFinding::ERROR;
-    };
-    writer.addKey("errors",
-                  static_cast<unsigned>(std::count_if(findings.begin(), findings.end(), isError)));
+    writer.addKey("errors", static_cast<unsigned>(errorsOf(findings)));
     writer.addList("findings", [&](mav_platform::JSONListWriter& list) {
         for (const CheckFinding& finding : findings) {
             list.addObject([&](mav_platform::JSONObjectWriter& item) {
@@ -49,7 +56,7 @@ std::string json(const Findings& findings) {
                 item.addKey("column", static_cast<unsigned>(finding.column));
                 item.addKey("severity", PlatformCheck::severityText(finding.severity));
                 item.addKey("rule", finding.rule);
-                item.addKey("text", finding.text);
+                item.addKey("text", HI18N_convertToUTF8(finding.text));
             });
         }
     });
@@ -111,7 +118,7 @@ std::string sarif(const Findings& findings) {
     for (const CheckFinding& finding : findings) {
         text.append(comma).append("      {\"ruleId\": ").append(quoted(finding.rule));
         text.append(", \"level\": ").append(quoted(PlatformCheck::severityText(finding.severity)));
-        text.append(", \"message\": {\"text\": ").append(quoted(finding.text));
+        text.append(", \"message\": {\"text\": ").append(quoted(HI18N_convertToUTF8(finding.text)));
         text.append("}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": ");
         text.append(quoted(uri(finding.file))).append("}");
         if (finding.line > 0) {
@@ -125,6 +132,19 @@ std::string sarif(const Findings& findings) {
         comma = ",\n";
     }
     return text + "\n    ]\n  }]\n}\n";
+}
+
+/// What the errors add up to, and how to go on.
+std::string summary(const Findings& findings, std::size_t errors) {
+    std::set<std::string> files;
+    for (const CheckFinding& finding : findings) {
+        if (finding.severity == CheckFinding::ERROR) files.insert(finding.file);
+    }
+    const auto counted = [](std::size_t count, const char* thing) {
+        return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+    };
+    return counted(errors, "error") + " in " + counted(files.size(), "file") +
+           ". 'mav validate --explain RULE' tells what a rule asks for.";
 }
 
 void explain(const std::string& rule) {
@@ -146,6 +166,10 @@ void explain(const std::string& rule) {
 
 bool cli::runValidate(const ValidateOptions& options) {
     if (!options.rule.empty()) {
+        if (!options.files.empty() || options.json || options.sarif)
+            throw UsageError(
+                "--explain only prints the page about a rule; leave out FILE, --json and --sarif.",
+                "validate");
         explain(options.rule);
         return true;
     }
@@ -154,6 +178,10 @@ bool cli::runValidate(const ValidateOptions& options) {
                          "validate");
     if (options.json && options.sarif)
         throw UsageError("--json and --sarif are different outputs; give one of them.", "validate");
+    for (const std::string& file : options.files) {
+        if (file.empty())
+            throw UsageError("FILE is empty; give the path of a platform file.", "validate");
+    }
     const bool color = wantsColor(options.color, "validate");
     Findings all;
     for (const std::string& file : options.files) {
@@ -164,7 +192,7 @@ bool cli::runValidate(const ValidateOptions& options) {
     }
     if (options.json) writeAnswer(json(all));
     if (options.sarif) writeAnswer(sarif(all));
-    return std::none_of(all.begin(), all.end(), [](const CheckFinding& finding) {
-        return finding.severity == CheckFinding::ERROR;
-    });
+    const std::size_t errors = errorsOf(all);
+    if (errors > 0) complain(summary(all, errors));
+    return errors == 0;
 }

@@ -13,6 +13,8 @@ from support import MAV, PLATFORMS, SAMPLES, SOURCE, CommandTest, run
 PAGES = SOURCE / "docs/rules"
 IDENTITY = {"vendor": "v", "boardId": "b", "name": "n", "versionMajor": "1", "versionMinor": "0",
             "files": [{"name": "a.txt", "type": "DCP"}]}
+NEXT = (r"\Amav: \d+ errors? in \d+ files?\. 'mav validate --explain RULE' tells what a rule asks "
+        r"for\.\n\Z")
 
 
 class Validate(CommandTest):
@@ -70,13 +72,13 @@ class Validate(CommandTest):
         done = run("sh", "-c", script, cwd=folder, env=environment)
         before, mark, answer = done.stdout.decode().partition("<STEPS>\n")
         self.assertTrue(mark, f"{before}{done.stderr.decode()}")
-        self.assertEqual(done.stderr, b"")
         lines = answer.splitlines()
         rules = [re.fullmatch(r".*: (error|warning|note): .* \[([a-z-]+)\]", line)
                  for line in lines]
         self.assertNotIn(None, rules, answer)
         errors = any(rule[1] == "error" for rule in rules)
         self.assertEqual(done.returncode, int(errors), answer)
+        self.assertRegex(done.stderr.decode(), NEXT if errors else r"\A\Z")
         self.assertFalse(good and errors, answer)
         return {rule[2] for rule in rules}
 
@@ -127,7 +129,7 @@ class Validate(CommandTest):
         self.assertEqual([line for _, _, file, line in found if file == "p.pka/pka.json"],
                          [2, 4, 4, 4, 5], "by line")
         plain = self.mav("validate", archive, code=1)[0]
-        self.assertIn(f"{archive}/pka.json:4:29: warning: 'systemClocks[1].old' is not part of the "
+        self.assertIn(f"{archive}/pka.json:4:28: warning: 'systemClocks[1].old' is not part of the "
                       "format; loading ignores it [unknown-item]\n", plain)
         log = json.loads(self.mav("validate", "--sarif", archive, code=1)[0])
         self.assertEqual(log["version"], "2.1.0")
@@ -153,6 +155,149 @@ class Validate(CommandTest):
         self.assertEqual({rule for rule, _, file, _ in found if "bad.pka" in file}, {"unreadable"})
         self.assertEqual([(rule, line) for rule, _, file, line in found if "s.spfm" in file],
                          [("schema", 1), ("unknown-item", 2)])
+
+    def lines(self, *arguments, code=1, **options):
+        """What is printed, without the folder of the test."""
+        output = self.mav("validate", *arguments, code=code, **options)[0]
+        return output.replace(f"{self.dir}/", "").splitlines()
+
+    def test_no_finding_goes_unsaid(self):
+        unknown = {f"u{i}": "x" for i in range(12000)}
+        archive = self.pack(dict(unknown, memories=[{"name": "m"}] * 103))
+        document = json.loads(self.mav("validate", "--json", archive, code=1)[0])
+        self.assertEqual(document["errors"], "102")
+        told = [(item["rule"], item["severity"], item["text"]) for item in document["findings"]
+                if " more like " in item["text"]]
+        self.assertEqual(told, [
+            ("duplicate", "error", "2 more like these are not shown"),
+            ("unknown-item", "warning", "11900 more like these are not shown")])
+        rules = [item["rule"] for item in document["findings"]]
+        self.assertEqual((rules.count("unknown-item"), rules.count("duplicate")), (101, 101))
+        self.assertIn("mav: 102 errors in 1 file.", self.mav("validate", archive, code=1)[1])
+
+    def test_references_of_listed_documents(self):
+        document = (
+            "<qd:repository><qd:component>\n"
+            "<qd:platformInfo><qd:systemClocks qd:defaultClock='7'>\n"
+            "<qd:clock qd:name='own' qd:id='1'/></qd:systemClocks></qd:platformInfo>\n"
+            "<qd:busInterface qd:name='R' qd:busTypeRef='reset'/>\n"
+            "<qd:busInterface qd:name='A' qd:clockRef='own' qd:resetRef='R'/>\n"
+            "<qd:busInterface qd:name='B' qd:clockRef='clk' qd:resetRef='rst'/>\n"
+            "<qd:busInterface qd:name='C' qd:clockRef='gone' qd:resetRef='none'>\n"
+            "<qd:addressSegment qd:name='s'/>\n<qd:addressSegment qd:name='s' qd:index='1'/>\n"
+            "<qd:addressSegment qd:name='s' qd:index='0'/>\n"
+            "</qd:busInterface></qd:component></qd:repository>")
+        metadata = {
+            "files": [{"name": "a.txt", "type": "DCP"}, {"name": "h", "type": "HPFM"}],
+            "systemClocks": [{"name": "clk", "id": "0"}],
+            "busInterfaces": [{"name": "rst", "typeRef": "reset"},
+                              {"name": "M", "clockRef": "clk", "resetRef": "R"}]}
+        archive = self.pack(metadata, h=document.encode())
+        found = [(rule, file, line) for rule, _, file, line in self.findings(archive)
+                 if rule != "release"]
+        self.assertEqual(found, [("default-clock", "p.pka/h", 2), ("clock-reference", "p.pka/h", 7),
+                                 ("reset-reference", "p.pka/h", 7), ("duplicate", "p.pka/h", 10)])
+        clockless = self.pack({"busInterfaces": [{"name": "M", "clockRef": "clk"}]})
+        self.assertIn("clock-reference", [rule for rule, *_ in self.findings(clockless)])
+
+    def test_places_and_faults_of_items(self):
+        text = ('{"vendor": "v", "boardId": "b", "name": "n",\n'
+                '"versionMajor": "1", "versionMinor": "0",\n'
+                '"systemClocks": [{"name": "c", "id": "0", "default": true}, {"name": "d",\n'
+                '  "id": "1", "default": "true"}],\n'
+                '"busInterfaces": [{"name": "M", "dataWidth": "wide",\n'
+                '  "clockRef": "gone", "addressSegments": [{"name": "s"},\n'
+                '    {"index": "0", "name": "s"}]}, {"mode": "x",\n'
+                '  "name": "M"}],\n'
+                '"memories": [{"name": "a", "lowAddress": "0x10",\n  "highAddress": "0xf"},\n'
+                '  {"name": "b", "lowAddress": "64", "highAddress": "0x40"}, {"name": "c",\n'
+                '   "lowAddress": "0x40", "highAddress": "0x50"}],\n'
+                '"files": [{"type": "DCP",\n  "name": ""}, {"type": "DCP",\n  "name": "x"}]}')
+        archive = self.dir / "p.pka"
+        with zipfile.ZipFile(archive, "w") as out:
+            out.writestr("pka.json", text)
+        found = [line.removeprefix("p.pka/pka.json:") for line in self.lines(archive)
+                 if line.startswith("p.pka/pka.json")]
+        self.assertEqual(found, [
+            "4:14: warning: the clock 'd' is marked as default, and so is the one before it, 'c', "
+            "on line 3 [default-clock]",
+            "5:33: error: 'busInterfaces[0].dataWidth': 'wide' is not a whole number of at most ten "
+            "digits [schema]",
+            "6:3: error: the bus interface 'M' refers to the clock 'gone', which the platform does "
+            "not have [clock-reference]",
+            "7:20: error: the address segment 's' with the index '0' of the bus interface 'M' stands "
+            "on line 6 already [duplicate]",
+            "8:3: error: the name 'M' in 'busInterfaces' stands on line 5 already [duplicate]",
+            "10:3: error: the addresses of 'a' end before they begin [memory-overlap]",
+            "12:4: error: the addresses of 'c' overlap those of 'b' on line 11 [memory-overlap]",
+            "14:3: error: a file of type 'DCP' has an empty name [missing-member]",
+            "15:3: error: 'x' of type 'DCP' is not in the archive [missing-member]"])
+        with zipfile.ZipFile(archive, "w") as out:
+            out.writestr("pka.json", '{"name": "n",\n  "x" 5}')
+        self.assertIn("p.pka/pka.json:2:7: error: expected ':' [syntax]", self.lines(archive))
+
+    def test_emulations_of_one_name(self):
+        files = [{"name": "a.txt", "type": "DCP"}, {"name": "e", "type": "EMU_JSON"},
+                 {"name": "x", "type": "EMU_XML"}]
+        variant = {"name": "one", "files": []}
+        document = ("<e><Emulations>\n<Emulation Name='one'><Files/></Emulation>\n"
+                    "<Emulation Name='one'><Files>\n<File Type='t' Name='gone'/></Files></Emulation>"
+                    "</Emulations></e>")
+        archive = self.pack({"files": files}, x=document.encode(),
+                            e=json.dumps({"emulations": [variant, variant]}).encode())
+        found = [(rule, file, line) for rule, _, file, line in self.findings(archive)
+                 if rule in ("duplicate", "missing-member")]
+        self.assertEqual(found, [("duplicate", "p.pka/e", 1), ("duplicate", "p.pka/x", 3),
+                                 ("missing-member", "p.pka/x", 4)])
+
+    def test_answers_are_utf8(self):
+        for folder in (b"d\xc3\xa9", b"d\xe9"):
+            path = os.fsencode(self.dir) + b"/" + folder
+            os.mkdir(path)
+            with open(path + b"/p.qpfm", "wb") as out:
+                out.write(b"<mav:platform mav:vendor='v' mav:library='l' mav:name='n' mav:version='1'>"
+                          b"<mav:hardwarePlatforms><mav:hardwarePlatform mav:path='.'"
+                          b" mav:name='gone.pka'/></mav:hardwarePlatforms></mav:platform>")
+            for form in ("--json", "--sarif"):
+                done = run(MAV, "validate", form, os.fsdecode(path + b"/p.qpfm"))
+                self.assertEqual(done.returncode, 1)
+                self.assertIn("d\u00e9/gone.pka' is no file",
+                              json.dumps(json.loads(done.stdout), ensure_ascii=False))
+
+    def test_paths_are_spelled_as_given(self):
+        shutil.copytree(SAMPLES / "ostrivel_e7", self.dir / "o")
+        archive = self.dir / "o/hw/ostrivel_e7.pka"
+        archive.chmod(0o644)
+        with zipfile.ZipFile(archive, "a") as out:
+            out.writestr("late", "x")
+        for given, prefix in (("o/ostrivel_e7.qpfm", "o/"), ("./o//ostrivel_e7.qpfm", "o/"),
+                              (str(self.dir / "o/ostrivel_e7.qpfm"), f"{self.dir}/o/")):
+            with self.subTest(given=given):
+                found = json.loads(self.mav("validate", "--json", given, cwd=self.dir, code=1)[0])
+                self.assertEqual({item["file"] for item in found["findings"]
+                                  if item["rule"] == "digest"}, {prefix + "hw/ostrivel_e7.pka"})
+        archive.unlink()
+        self.assertIn("'o/hw/ostrivel_e7.pka' is no file",
+                      self.mav("validate", "./o/ostrivel_e7.qpfm", cwd=self.dir, code=1)[0])
+
+    def test_software_alone_is_not_judged_by_the_policy(self):
+        self.assertEqual(self.lines(SAMPLES / "ostrivel_e7/sw/ostrivel_e7.spfm", code=0), [])
+
+    def test_patterns_are_told_in_words(self):
+        def patterns(schema):
+            if isinstance(schema, dict):
+                if "pattern" in schema:
+                    yield schema
+                for name, below in schema.items():
+                    if name != "propertyNames":
+                        yield from patterns(below)
+            elif isinstance(schema, list):
+                for below in schema:
+                    yield from patterns(below)
+        found = [schema for path in (SOURCE / "platform/schema").glob("*.json")
+                 for schema in patterns(json.loads(path.read_text(encoding="utf-8")))]
+        self.assertGreater(len(found), 10)
+        self.assertEqual([schema for schema in found if not schema.get("description")], [])
 
     def test_what_cannot_be_read(self):
         nothing = self.dir / "none.pka"
@@ -186,6 +331,8 @@ class Validate(CommandTest):
         self.refused("validate", code=2, says=["FILE is missing"])
         self.refused("validate", "--explain", "shema", code=2, says=["Did you mean 'schema'?"])
         self.refused("validate", "--json", "--sarif", "x", code=2, says=["give one of them"])
+        self.refused("validate", "--explain", "schema", "x", code=2, says=["leave out FILE"])
+        self.refused("validate", "", code=2, says=["FILE is empty"])
 
 
 if __name__ == "__main__":

@@ -19,6 +19,8 @@ struct MAV_API CheckFinding {
     Severity severity = ERROR;
     std::string rule;  ///< name of the rule, see PlatformCheck::rules
     std::string text;  ///< one sentence without a full stop
+    /// When not 0, this one says that so many more of its rule are not shown, and counts for them.
+    std::size_t more = 0;
 };
 
 /// One thing that a check looks for.
@@ -32,7 +34,8 @@ struct MAV_API CheckRule {
 class MAV_API PlatformCheck {
   public:
     /// Every finding about the platform file and what it refers to: file by file, by line inside a
-    /// file. A file that several others name is looked at once. At most 10,000 are kept. Never
+    /// file. A file that several others name is looked at once. Of one rule at most 100 in
+    /// a file and 1000 in all are told; a last one of that rule and file counts those beyond. Never
     /// throws for a bad file: that is a finding. While it runs, reports and console lines of the
     /// library are taken aside, also those of other threads.
     static HSTVector<CheckFinding> run(const std::string& path);

@@ -77,8 +77,9 @@ class Node {
     std::optional<Node> find(std::string_view key) const;
     /// The node and all below it as a property tree.
     boost::property_tree::ptree tree() const;
-    /// Where the node stands in the text that was parsed, in bytes: its key, else its data, else
-    /// the first of its children that has a place; 0 for what is empty.
+    /// Where the node stands in the text that was parsed, in bytes: its key, else its data, each
+    /// with the quote before it, else the first of its children that has a place; 0 for what is
+    /// empty.
     std::size_t offset() const;
 
     class Iterator;
@@ -127,8 +128,9 @@ inline Node::Iterator Node::begin() const {
 }
 inline std::size_t Node::offset() const {
     for (const Cell* cell = cell_; cell != cell_ + cell_->span; ++cell) {
-        if (cell->keySize > 0) return cell->key;
-        if (cell->dataSize > 0) return cell->data;
+        // Only the root and array items have no key, and no key begins at 0.
+        if (cell->key > 0) return cell->key - 1;
+        if (cell->data > 0) return cell->data - (text_[cell->data - 1] == '"' ? 1 : 0);
     }
     return 0;
 }

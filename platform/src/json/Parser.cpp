@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "json/Parser.h"
 
-#include <boost/property_tree/json_parser/error.hpp>
 #include <cstring>
 
 #include "json/Scan.h"
+#include "json/SyntaxError.h"
 
 namespace mav_platform::json {
 
 namespace {
-
-using boost::property_tree::json_parser::json_parser_error;
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -72,7 +70,8 @@ constexpr std::size_t DENSE_GUESS = 16U << 10U;
 }  // namespace
 
 void Parser::fail(const char* message) const {
-    throw json_parser_error(message, std::string(fileName_), line_);
+    throw SyntaxError(message, std::string(fileName_), line_,
+                      static_cast<std::size_t>(cur_ - text_));
 }
 
 void Parser::run() {

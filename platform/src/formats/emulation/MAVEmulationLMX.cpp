@@ -11,13 +11,17 @@ using mav_host::xml::Need;
 
 Items<EmulationMetadata> emulationMetadata() {
     Items<EmulationFile> file;
-    file.attribute("Type", &EmulationFile::type, Need::Required)
+    file.line(&EmulationFile::line)
+        .column(&EmulationFile::column)
+        .attribute("Type", &EmulationFile::type, Need::Required)
         .attribute("Name", &EmulationFile::name, Need::Required)
         .attribute("InstPath", &EmulationFile::instPath);
     Items<EmulationFiles> files;
     files.element("File", &EmulationFiles::files, file);
     Items<Emulation> emulation;
-    emulation.attribute("Name", &Emulation::name)
+    emulation.line(&Emulation::line)
+        .column(&Emulation::column)
+        .attribute("Name", &Emulation::name)
         .element("Files", &Emulation::files, files, Need::Required);
     Items<EmulationList> emulations;
     emulations.element("Emulation", &EmulationList::emulations, emulation);

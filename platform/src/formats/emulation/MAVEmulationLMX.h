@@ -16,6 +16,8 @@ struct EmulationFile {
     std::string type;
     std::string name;
     std::string instPath;
+    std::size_t line = 0;  ///< XML form alone, as is the next
+    std::size_t column = 0;
 };
 
 struct EmulationFiles {
@@ -25,6 +27,8 @@ struct EmulationFiles {
 struct Emulation {
     std::string name;
     EmulationFiles files;
+    std::size_t line = 0;  ///< XML form alone, as is the next
+    std::size_t column = 0;
 };
 
 struct EmulationList {

@@ -37,7 +37,9 @@ Items<HpfmPlatformInfo> platformInfo() {
 
     using Clocks = HpfmSystemClocks;
     Items<Clocks> clocks;
-    clocks.attribute("qd:defaultClock", &Clocks::defaultClock)
+    clocks.line(&Clocks::line)
+        .column(&Clocks::column)
+        .attribute("qd:defaultClock", &Clocks::defaultClock)
         .element("qd:clock", &Clocks::clocks, clock);
 
     using Registered = HpfmRegisteredDevices;
@@ -56,7 +58,9 @@ Items<HpfmPlatformInfo> platformInfo() {
 Items<HpfmAddressSegment> addressSegment() {
     using Segment = HpfmAddressSegment;
     Items<Segment> items;
-    items.attribute("qd:name", &Segment::name)
+    items.line(&Segment::line)
+        .column(&Segment::column)
+        .attribute("qd:name", &Segment::name)
         .attribute("qd:baseName", &Segment::baseName)
         .attribute("qd:index", &Segment::index)
         .attribute("qd:instanceRef", &Segment::instanceRef)

@@ -36,6 +36,8 @@ struct HpfmClock {
 };
 
 struct HpfmSystemClocks {
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::optional<unsigned> defaultClock;
     std::vector<HpfmClock> clocks;
 };
@@ -52,6 +54,8 @@ struct HpfmPlatformInfo {
 };
 
 struct HpfmAddressSegment {
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::string name;
     std::string baseName;
     unsigned index = 0;

@@ -3,19 +3,18 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <set>
 #include <vector>
 
 #include "formats/emulation/MAVEmulationLMX.h"
-#include "formats/hpfm/MAVHpfmLMX.h"
-#include "json/Convert.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
+#include "services/check/CheckHpfm.h"
+#include "services/check/CheckMetadata.h"
 #include "services/check/CheckXml.h"
 
 namespace mav_platform::check {
@@ -25,20 +24,6 @@ using json::Node;
 
 constexpr std::array<std::string_view, 3> FOLDER_TYPES{"IP_REPO_PATH", "IP_CACHE_DIR",
                                                        "BOARD_REPO_PATH"};
-
-std::string textOf(const Node& node, std::string_view key) {
-    const auto found = node.find(key);
-    return found ? std::string(found->data()) : std::string();
-}
-
-/// The items of a list; none when there is no such list.
-std::vector<Node> itemsOf(const Node& node, std::string_view key) {
-    std::vector<Node> items;
-    if (const auto list = node.find(key)) {
-        for (const Node& item : *list) items.push_back(item);
-    }
-    return items;
-}
 
 /// One archive that is looked at.
 class ArchiveCheck {
@@ -95,50 +80,34 @@ class ArchiveCheck {
     }
 
     void checkMetadata(const LocatedJson& json, const std::string& folder) {
-        const Node root = json.root();
+        metadataHpfms_.clear();
         checkFiles(json, folder);
-        for (const auto& [list, key] :
-             {std::pair{"systemClocks", "name"}, std::pair{"systemClocks", "id"},
-              std::pair{"memories", "name"}, std::pair{"busInterfaces", "name"},
-              std::pair{"devices", "name"}, std::pair{"dpePartitions", "dpeInst"},
-              std::pair{"reconfigPartitionIDs", "designID"}}) {
-            checkUnique(json, list, key);
-        }
-        checkClocks(json);
-        checkMemories(json);
-        checkReferences(json);
-        std::vector<std::string> banks;
-        for (const Node& bus : itemsOf(root, "busInterfaces")) {
-            if (textOf(bus, "name") != lmx::HBM_SUBSYSTEM) continue;
-            for (const Node& bank : itemsOf(bus, "addressSegments")) {
-                banks.push_back(textOf(bank, "auto"));
+        std::vector<const HpfmNames*> documents;
+        for (const std::string& member : metadataHpfms_) documents.push_back(&hpfms_.at(member));
+        checkItems(json, documents, report_);
+        for (const std::string& member : metadataHpfms_) {
+            // What the other metadata of the folder lists too is judged with the first one.
+            if (judged_.insert(member).second) {
+                checkReferences(hpfms_.at(member), fileOf(member), json, documents, report_);
             }
-            checkBanks(json.place(bus), banks);
-            banks.clear();
-        }
-    }
-
-    void checkUnique(const LocatedJson& json, const char* list, const char* key) {
-        std::map<std::string, Place> seen;
-        for (const Node& item : itemsOf(json.root(), list)) {
-            const std::string text = textOf(item, key);
-            if (text.empty()) continue;
-            const auto [first, isNew] = seen.emplace(text, json.place(item));
-            if (isNew) continue;
-            report_.add("duplicate", json.place(item),
-                        "the " + std::string(key) + " " + shown(text) + " in '" + list +
-                            "' stands on line " + std::to_string(first->second.line) + " already");
         }
     }
 
     void checkFiles(const LocatedJson& json, const std::string& folder) {
         for (const Node& item : itemsOf(json.root(), "files")) {
             const std::string type = textOf(item, "type");
-            const std::string member = folder + textOf(item, "name");
+            const auto name = item.find("name");
+            if (!name) continue;  // the schema asks for it
+            if (name->data().empty()) {
+                report_.add("missing-member", json.place(*name),
+                            "a file of type " + shown(type) + " has an empty name");
+                continue;
+            }
+            const std::string member = folder + std::string(name->data());
             const bool isFolder =
                 std::find(FOLDER_TYPES.begin(), FOLDER_TYPES.end(), type) != FOLDER_TYPES.end();
             if (!list(isFolder ? member + "/" : member)) {
-                report_.add("missing-member", json.place(item),
+                report_.add("missing-member", json.place(*name),
                             shown(member) + " of type " + shown(type) + " is not in the archive");
                 continue;
             }
@@ -170,32 +139,64 @@ class ArchiveCheck {
     /// A listed document whose format is known.
     void checkListed(const std::string& type, const std::string& member,
                      const std::string& folder) {
-        if (!checkedDocuments_.insert(member).second) return;
         if (type == "HPFM") {
-            checkHpfm(member);
-        } else if (type == "EMU_JSON") {
-            if (const auto json = readJson(member)) {
-                checkSchema(*json, "emulation", report_);
-                for (const Node& variant : itemsOf(json->root(), "emulations")) {
-                    for (const Node& file : itemsOf(variant, "files")) {
-                        checkEmulationFile(textOf(file, "name"), folder, json->place(file));
-                    }
-                }
-            }
+            checkListedHpfm(member);
+            return;
+        }
+        if (!checkedDocuments_.insert(member).second) return;
+        if (type == "EMU_JSON") {
+            checkEmulation(member, folder);
         } else if (type == "EMU_XML") {
-            const auto text = read(member);
-            if (!text) return;
-            const auto document =
-                bindDocument(lmx::emulationFormat(), *text, fileOf(member), report_);
-            if (!document) return;
-            for (const auto& variant : document->emulations.emulations) {
-                for (const auto& file : variant.files.files) {
-                    checkEmulationFile(file.name, folder, {fileOf(member)});
-                }
-            }
+            checkEmulationXml(member, folder);
         } else if (type == "EXT_META_JSON") {
             if (const auto json = readJson(member))
                 checkSchema(*json, "extension-metadata", report_);
+        }
+    }
+
+    void checkListedHpfm(const std::string& member) {
+        if (hpfms_.count(member) == 0) {
+            const auto text = read(member);
+            if (!text) return;
+            auto names = checkHpfm(*text, fileOf(member), report_);
+            if (!names) return;
+            hpfms_.emplace(member, std::move(*names));
+        }
+        metadataHpfms_.insert(member);
+    }
+
+    void checkEmulation(const std::string& member, const std::string& folder) {
+        const auto json = readJson(member);
+        if (!json) return;
+        checkSchema(*json, "emulation", report_);
+        const std::vector<Node> variants = itemsOf(json->root(), "emulations");
+        checkUnique(*json, variants, "name", "'emulations'", report_);
+        for (const Node& variant : variants) {
+            for (const Node& file : itemsOf(variant, "files")) {
+                checkEmulationFile(textOf(file, "name"), folder, json->place(file, "name"));
+            }
+        }
+    }
+
+    void checkEmulationXml(const std::string& member, const std::string& folder) {
+        const auto text = read(member);
+        if (!text) return;
+        const std::string path = fileOf(member);
+        bool whole = true;
+        const auto document = bindDocument(lmx::emulationFormat(), *text, path, report_, &whole);
+        if (!document) return;
+        std::map<std::string, std::size_t> seen;
+        for (const auto& variant : document->emulations.emulations) {
+            const auto [first, isNew] = seen.emplace(variant.name, variant.line);
+            if (!isNew && !variant.name.empty()) {
+                report_.add("duplicate", {path, variant.line, variant.column},
+                            "the emulation " + shown(variant.name) + " stands on line " +
+                                std::to_string(first->second) + " already");
+            }
+            for (const auto& file : variant.files.files) {
+                if (!whole && file.name.empty()) continue;
+                checkEmulationFile(file.name, folder, {path, file.line, file.column});
+            }
         }
     }
 
@@ -204,114 +205,6 @@ class ArchiveCheck {
         if (list(folder + name) || list(name)) return;
         report_.add("missing-member", place,
                     "the emulation file " + shown(name) + " is not in the archive");
-    }
-
-    void checkHpfm(const std::string& member) {
-        const auto text = read(member);
-        if (!text) return;
-        const std::string file = fileOf(member);
-        const auto document = bindDocument(lmx::hpfmFormat(), *text, file, report_);
-        if (!document) return;
-        std::map<std::string, std::size_t> seen;
-        const auto check = [&](const lmx::HpfmBusInterface& bus) {
-            const auto [first, isNew] = seen.emplace(bus.name, bus.line);
-            if (!isNew && !bus.name.empty()) {
-                report_.add("duplicate", {file, bus.line, bus.column},
-                            "the bus interface " + shown(bus.name) + " stands on line " +
-                                std::to_string(first->second) + " already");
-            }
-            if (bus.name != lmx::HBM_SUBSYSTEM) return;
-            std::vector<std::string> banks;
-            for (const auto& bank : bus.addressSegments) banks.push_back(bank.automatic);
-            checkBanks({file, bus.line, bus.column}, banks);
-        };
-        for (const auto& component : document->components) {
-            for (const auto& bus : component.busInterfaces) check(bus);
-        }
-        for (const auto& bus : document->busInterfaces) check(bus);
-    }
-
-    void checkBanks(const Place& place, const std::vector<std::string>& banks) {
-        const auto assignable = banks.size() - static_cast<std::size_t>(
-                                                   std::count(banks.begin(), banks.end(), "false"));
-        const auto preferred =
-            static_cast<std::size_t>(std::count(banks.begin(), banks.end(), "preferred"));
-        if (preferred == 0 || preferred == assignable) return;
-        report_.add("hbm-preferred", place,
-                    std::to_string(preferred) + " of " + std::to_string(assignable) +
-                        " assignable HBM banks are preferred; prefer all of them or none");
-    }
-
-    void checkClocks(const LocatedJson& json) {
-        const std::vector<Node> clocks = itemsOf(json.root(), "systemClocks");
-        if (clocks.empty()) return;
-        std::string id = "0";
-        for (const Node& clock : clocks) {
-            if (json::toBool(textOf(clock, "default"))) id = textOf(clock, "id");
-        }
-        const bool known = std::any_of(clocks.begin(), clocks.end(), [&](const Node& clock) {
-            const std::string own = textOf(clock, "id");
-            return own == id || (own.empty() && id == "0");
-        });
-        if (known) return;
-        report_.add("default-clock", json.place(*json.root().find("systemClocks")),
-                    "no clock is marked as default, and none has the id 0");
-    }
-
-    void checkMemories(const LocatedJson& json) {
-        struct Range {
-            std::uint64_t low, high;
-            std::string name;
-            Place place;
-        };
-        std::vector<Range> ranges;
-        for (const Node& memory : itemsOf(json.root(), "memories")) {
-            const auto low = json::toDecimalOrHex(textOf(memory, "lowAddress"));
-            const auto high = json::toDecimalOrHex(textOf(memory, "highAddress"));
-            if (!low || !high || *high <= *low) continue;
-            ranges.push_back({*low, *high, textOf(memory, "name"), json.place(memory)});
-        }
-        std::stable_sort(ranges.begin(), ranges.end(),
-                         [](const Range& a, const Range& b) { return a.low < b.low; });
-        const Range* widest = nullptr;  // the one that reaches furthest of those before
-        for (const Range& range : ranges) {
-            if (widest != nullptr && range.low <= widest->high) {
-                report_.add("memory-overlap", range.place,
-                            "the addresses of " + shown(range.name) + " overlap those of " +
-                                shown(widest->name) + " on line " +
-                                std::to_string(widest->place.line));
-            }
-            if (widest == nullptr || range.high > widest->high) widest = &range;
-        }
-    }
-
-    void checkReferences(const LocatedJson& json) {
-        std::set<std::string> clocks;
-        for (const Node& clock : itemsOf(json.root(), "systemClocks")) {
-            clocks.insert(textOf(clock, "name"));
-            clocks.insert(textOf(clock, "origName"));
-        }
-        std::set<std::string> resets;
-        const std::vector<Node> interfaces = itemsOf(json.root(), "busInterfaces");
-        for (const Node& bus : interfaces) {
-            if (textOf(bus, "typeRef") == "reset") resets.insert(textOf(bus, "name"));
-        }
-        for (const Node& bus : interfaces) {
-            const std::string clock = textOf(bus, "clockRef");
-            if (!clocks.empty() && !clock.empty() && clocks.count(clock) == 0) {
-                report_.add("clock-reference", json.place(bus),
-                            "the bus interface " + shown(textOf(bus, "name")) +
-                                " refers to the clock " + shown(clock) +
-                                ", which the platform does not have");
-            }
-            const std::string reset = textOf(bus, "resetRef");
-            if (!resets.empty() && !reset.empty() && resets.count(reset) == 0) {
-                report_.add("reset-reference", json.place(bus),
-                            "the bus interface " + shown(textOf(bus, "name")) +
-                                " refers to the reset " + shown(reset) +
-                                ", which the platform does not have");
-            }
-        }
     }
 
     void checkIndex() {
@@ -323,7 +216,7 @@ class ArchiveCheck {
             const std::string name = textOf(item, "name");
             const bool isBd = textOf(item, "type") == "DR_BD";
             if (list(isBd ? "bd/" : name) || list(name + "/")) continue;
-            report_.add("missing-member", json->place(item),
+            report_.add("missing-member", json->place(item, "name"),
                         shown(name) + " is not in the archive");
         }
     }
@@ -371,6 +264,9 @@ class ArchiveCheck {
     std::set<std::string> listed_;
     std::set<std::string> folders_;  ///< each with a "/" behind
     std::set<std::string> checkedDocuments_;
+    std::map<std::string, HpfmNames> hpfms_;  ///< by member
+    std::set<std::string> metadataHpfms_;     ///< those that the metadata at hand lists
+    std::set<std::string> judged_;            ///< those whose references were looked at
 };
 
 }  // namespace

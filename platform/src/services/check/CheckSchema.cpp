@@ -125,7 +125,9 @@ class SchemaWalk {
             }
         }
         if (const auto values = schema.find("enum")) checkEnum(node, *values, path);
-        if (const auto pattern = schema.find("pattern")) checkPattern(node, pattern->data(), path);
+        if (const auto pattern = schema.find("pattern")) {
+            if (!checkPattern(node, schema, pattern->data(), path)) return;
+        }
         checkRange(node, schema, path);
     }
 
@@ -144,13 +146,17 @@ class SchemaWalk {
         }
     }
 
-    void checkPattern(const Node& node, std::string_view pattern, const std::string& path) {
+    /// False after a finding. The schema's description says in words what the pattern asks for.
+    bool checkPattern(const Node& node, const Node& schema, std::string_view pattern,
+                      const std::string& path) {
         const std::string text(node.data());
         auto& compiled = patterns_[std::string(pattern)];
         if (!compiled) compiled = std::make_unique<std::regex>(std::string(pattern));
-        if (text.size() <= LONGEST_PATTERN_TEXT && std::regex_search(text, *compiled)) return;
-        fault(node, path,
-              shown(text) + " does not have the form " + shown(pattern) + " that is asked for");
+        if (text.size() <= LONGEST_PATTERN_TEXT && std::regex_search(text, *compiled)) return true;
+        const auto form = schema.find("description");
+        if (!form) throw HEXAlgException("a schema describes no pattern");
+        fault(node, path, shown(text) + " is not " + std::string(form->data()));
+        return false;
     }
 
     void checkRange(const Node& node, const Node& schema, const std::string& path) {

@@ -2,6 +2,7 @@
 #include "mav_platform/PlatformCheck.h"
 
 #include <algorithm>
+#include <map>
 #include <ostream>
 #include <set>
 #include <sstream>
@@ -56,12 +57,26 @@ class Aside final : public ComMsgSink {
     std::ostream* console_;
 };
 
+/// The path without "." pieces and doubled slashes; ".." stays, for links may lead through it.
+std::string tidied(std::string_view path) {
+    std::string result = path.substr(0, 1) == "/" ? "/" : "";
+    while (!path.empty()) {
+        const std::string_view piece = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(piece.size() + 1, path.size()));
+        if (piece.empty() || piece == ".") continue;
+        if (!result.empty() && result.back() != '/') result += '/';
+        result += piece;
+    }
+    return result.empty() ? "." : result;
+}
+
 class Walk {
   public:
     explicit Walk(Report& report) : report_(report) {}
 
+    /// `path` is how findings call the file.
     void file(const std::string& path) {
-        if (!seen_.insert(HUTFile::getCanonicalName(path)).second) return;
+        if (!isNew(path)) return;
         if (!HUTFile::isFile(path)) {
             report_.add("unreadable", {path},
                         HUTFile::exists(path) ? "this is no file; give the path of one"
@@ -76,6 +91,12 @@ class Walk {
         } else {
             description(path);
         }
+    }
+
+    /// How findings call the file that the library names by this path.
+    std::string shownPath(const std::string& path) const {
+        const auto known = seen_.find(HUTFile::getCanonicalName(path));
+        return known == seen_.end() ? tidied(path) : known->second;
     }
 
   private:
@@ -141,14 +162,15 @@ class Walk {
 
     static std::string joined(const std::string& path, const lmx::FileReference& reference) {
         const std::string parent = HUTFile::getParent(path);
-        return (parent.empty() ? "." : parent) + "/" + reference.path + "/" + reference.name;
+        return tidied((parent.empty() ? "." : parent) + "/" + reference.path + "/" +
+                      reference.name);
     }
 
     bool exists(const std::string& path, const lmx::FileReference& reference,
                 const std::string& target) {
         if (HUTFile::isFile(target)) return true;
         report_.add("missing-file", {path, reference.line, reference.column},
-                    shown(target) + " is no file");
+                    shown(target, target.size()) + " is no file");
         return false;
     }
 
@@ -161,8 +183,7 @@ class Walk {
                         shown(reference->name) + " does not end in .pka or .dsa");
             return;
         }
-        const std::string canonical = HUTFile::getCanonicalName(target);
-        if (seen_.insert(canonical).second) checkArchive(canonical, report_);
+        if (isNew(target)) checkArchive(target, report_);
     }
 
     void software(const std::string& path) {
@@ -205,14 +226,19 @@ class Walk {
     }
 
     Report& report_;
+    bool isNew(const std::string& path) {
+        return seen_.emplace(HUTFile::getCanonicalName(path), path).second;
+    }
+
     /// The document at hand has no fault. What is missing from one that has may be what the fault
     /// concerns, so nothing is said of it.
     bool whole_ = true;
-    std::set<std::string> seen_;  ///< canonical paths of the files looked at
+    std::map<std::string, std::string> seen_;  ///< files looked at: canonical path, path to show
 };
 
 /// The nested array-engine project, which is read on the first question about it.
-void arrayProject(const HMAVHardwarePlatform& hardware, Aside& aside, Report& report) {
+void arrayProject(const HMAVHardwarePlatform& hardware, Aside& aside, const Walk& walk,
+                  Report& report) {
     aside.takeFaults();
     std::string cause;
     try {
@@ -221,25 +247,21 @@ void arrayProject(const HMAVHardwarePlatform& hardware, Aside& aside, Report& re
         cause = std::string(": ") + error.what();
     }
     for (const auto& fault : aside.takeFaults()) {
-        report.add("array-engine", {fault[0] + "/" + fault[1]}, fault[2] + cause);
+        report.add("array-engine", {walk.shownPath(fault[0]) + "/" + fault[1]}, fault[2] + cause);
     }
 }
 
 /// Whether it loads after all, and what is read only on the first question.
-void load(const std::string& path, Report& report) {
+void load(const std::string& path, const Walk& walk, Report& report) {
     Aside aside;
+    const std::string shownPath = walk.shownPath(path);
     try {
         PlatformLoader loader(path, PlatformLoader::HW_METADATA_AUTO);
         const auto platform = loader.load();
         if (!platform) {
             // Mostly its cause has been found already.
-            if (!report.hasErrors()) report.add("load", {path}, aside.last());
+            if (!report.hasErrors()) report.add("load", {shownPath}, aside.last());
             return;
-        }
-        std::string reason;
-        if (!mav::platform::NativeCatalogService().isUnderWarranty(&loader, reason)) {
-            report.add("release", {path},
-                       reason.empty() ? "the platform is not supported" : reason);
         }
         HSTVector<const HMAVHardwarePlatform*> all{platform->getHardwarePlatform(),
                                                    platform->getHardwareEmulationPlatform()};
@@ -249,14 +271,22 @@ void load(const std::string& path, Report& report) {
             all.push_back(partition->getHardwarePlatform());
             all.push_back(partition->getHardwareEmulationPlatform());
         }
+        all.erase(std::remove(all.begin(), all.end(), nullptr), all.end());
+        std::string reason;
+        // The policy is about hardware.
+        if (!all.empty() &&
+            !mav::platform::NativeCatalogService().isUnderWarranty(&loader, reason)) {
+            report.add("release", {shownPath},
+                       reason.empty() ? "the platform is not supported" : reason);
+        }
         // One that stands twice is read once.
         for (const HMAVHardwarePlatform* hardware : all) {
-            if (hardware != nullptr) arrayProject(*hardware, aside, report);
+            arrayProject(*hardware, aside, walk, report);
         }
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        if (!report.hasErrors()) report.add("load", {path}, error.what());
+        if (!report.hasErrors()) report.add("load", {shownPath}, error.what());
     }
 }
 
@@ -264,11 +294,12 @@ void load(const std::string& path, Report& report) {
 
 HSTVector<CheckFinding> PlatformCheck::run(const std::string& path) {
     Report report;
+    Walk walk(report);
     {
         const Aside aside;
-        Walk(report).file(path);
+        walk.file(path.empty() ? path : tidied(path));
     }
-    if (HUTFile::isFile(path)) load(path, report);
+    if (HUTFile::isFile(path)) load(path, walk, report);
     return report.take();
 }
 
