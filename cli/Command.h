@@ -57,8 +57,10 @@ void runPack(const PackOptions& options);
 struct FilesOptions {
     std::string archive;
     bool json = false;
+    bool names = false;
 };
-/// Lists the archive's members with type and size, and the state of its digest. Throws Failure.
+/// Lists the archive's members with type and size, and the state of its digest, or their names
+/// alone. Throws Failure.
 void runFiles(const FilesOptions& options);
 
 struct VerifyOptions {

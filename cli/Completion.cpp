@@ -113,7 +113,7 @@ _mav_keys() {
 }
 
 _mav_members() {
-    [[ -n "$1" ]] && mav files "$1" 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p'
+    [[ -n "$1" ]] && mav files --names "$1" 2>/dev/null
 }
 
 _mav_docs() {
@@ -239,7 +239,7 @@ constexpr const char* ZSH_KEYS = R"ZSH(_mav_keys() {
 
 _mav_members() {
     local file=${(Q)line[1]} found
-    found=("${(@f)$(mav files ${~file} 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p')}")
+    found=("${(@f)$(mav files --names ${~file} 2>/dev/null)}")
     _mav_types
     compadd -- ${found:#}
 }
@@ -352,7 +352,7 @@ end
 function __mav_members
     set -l words (__mav_words)
     set -q words[2]; or return
-    mav files $words[2] 2>/dev/null | sed -n 's/^[^ ]*  *[0-9][0-9]*  //p'
+    mav files --names $words[2] 2>/dev/null
 end
 
 function __mav_docs

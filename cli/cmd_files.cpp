@@ -54,6 +54,12 @@ std::string json(const HSTVector<mav_host::ZipMember>& members, const TypedMembe
 
 void listMembers(const cli::FilesOptions& options) {
     const mav_host::ZipArchive archive = cli::openArchive(options.archive);
+    if (options.names) {
+        cli::LongAnswer answer;
+        for (const auto& member : archive.members()) answer += cli::printable(member.name) + "\n";
+        answer.end();
+        return;
+    }
     const TypedMembers types = cli::typedMembers(archive);
     std::string digest;
     {

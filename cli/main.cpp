@@ -177,7 +177,11 @@ void describePacking(CLI::App& app, cli::JsonOptions& json, cli::PackOptions& pa
 void describeArchives(CLI::App& app, Options& options) {
     CLI::App* files = app.add_subcommand("files", "List the members of an archive");
     files->add_option("ARCHIVE", options.files.archive, "Archive to list")->required();
-    files->add_flag("--json", options.files.json, "Print JSON");
+    CLI::Option* filesJson = files->add_flag("--json", options.files.json, "Print JSON");
+    files
+        ->add_flag("--names", options.files.names,
+                   "Print the members' names alone, without reading them for the digest")
+        ->excludes(filesJson);
     CLI::App* extract = app.add_subcommand("extract", "Extract a member of an archive");
     extract->add_option("ARCHIVE", options.extract.archive, "Archive to read")->required();
     extract->add_option("WHAT", options.extract.what, "Type, member or folder")->required();

@@ -47,6 +47,15 @@ class ArchiveTest(CommandTest):
 
 
 class Looking(ArchiveTest):
+    def test_names_alone_need_no_member_to_be_read(self):
+        with zipfile.ZipFile(self.archive, "a") as archive:
+            archive.writestr("last", b"x" * 99)
+        data = self.archive.read_bytes()
+        self.archive.write_bytes(data.replace(b"x" * 99, b"y" * 99))
+        self.assertEqual(self.mav("files", "--names", self.archive)[0].splitlines(),
+                         zipfile.ZipFile(self.archive).namelist())
+        self.refused("files", "--names", "--json", self.archive, code=2, says=["--names"])
+
     def test_members_with_type_and_size(self):
         digest, members = self.listed(CARD)
         self.assertEqual(digest, "valid")
