@@ -60,8 +60,9 @@ std::shared_ptr<const DirItems> readItems(int dir, const std::string& path, Answ
     auto items = std::make_shared<DirItems>();
     for (;;) {
         const ssize_t size = ::getdents64(dir, answers.data(), answers.size());
+        // A directory that was removed after it was opened has nothing in it.
+        if (size == 0 || (size < 0 && errno == ENOENT)) break;
         if (size < 0) fail(path, errno);
-        if (size == 0) break;
         for (ssize_t at = 0; at < size;) {
             // The system aligns the entries.
             const auto* const found = reinterpret_cast<const dirent64*>(answers.data() + at);

@@ -112,7 +112,7 @@ std::string HUTFile::getCanonicalName(const std::string& path) {
 }
 
 std::string HUTFile::getParent(const std::string& path) {
-    // Without a separator, or with one at the end alone, the path says what its parent is at once.
+    // Only repeated separators and the root need a closer look.
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos) return "";
     const bool plain = slash > 0 && path[slash - 1] != '/';
