@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -98,6 +100,18 @@ TEST(HUTDirWalk, WhatCannotBeReadIsNamedAndWhatVanishesIsNot) {
     const Unprivileged rights;
     EXPECT_THROW_MSG(visited(dir), HEXUserException,
                      "The directory '" + dir.path("a") + "' cannot be read: Permission denied");
+}
+
+TEST(HUTDirWalk, ADirectoryRemovedBehindItsOpeningIsEmpty) {
+    const TempDir dir;
+    fs::create_directory(dir.path("gone"));
+    const int held = ::open(dir.path("gone").c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(held, 0);
+    fs::remove(dir.path("gone"));
+    // This path still opens it.
+    const auto refuse = [](const HUTDirWalk::Entry&) { return false; };
+    EXPECT_TRUE(HUTDirWalk::walk("/proc/self/fd/" + std::to_string(held), {}, refuse));
+    ::close(held);
 }
 
 TEST(HUTDirMemory, SecondWalkAndQuestionsAreAnsweredFromTheFirstWalk) {
