@@ -6,8 +6,13 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <exception>
 #include <iostream>
+#include <map>
 #include <new>
+#include <numeric>
+#include <set>
+#include <string_view>
 
 #include "Command.h"
 #include "Output.h"
@@ -29,10 +34,8 @@ void appendPlatform(TypedMembers& out, const HMAVHardwarePlatform* hardware,
     const bool inside = HUTFile::getCanonicalName(platform->getPlatformFile()) ==
                         HUTFile::getCanonicalName(archive);
     if (!inside) return;
-    const std::string folder =
-        platform->isChildHardwareEmuPlatform() ? HMAVHardwarePlatform::getHwEmuDir() + "/" : "";
     for (const HPLFile* file : platform->getFiles()) {
-        out.entries.emplace_back(file->getType(), folder + file->getName());
+        out.entries.emplace_back(file->getType(), platform->memberName(file->getName()));
     }
 }
 
@@ -63,9 +66,54 @@ class SignalsHeld {
     std::array<struct sigaction, SIGNALS.size()> before_{};
 };
 
-bool isBelow(const std::string& member, const std::string& folder) {
-    return !folder.empty() && member.size() > folder.size() && member.starts_with(folder) &&
-           member[folder.size()] == '/';
+/// Orders paths so that what lies in a folder follows the folder at once.
+struct PathBefore {
+    bool operator()(std::string_view a, std::string_view b) const {
+        const auto [atA, atB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+        if (atA == a.end() || atB == b.end()) return atB != b.end();
+        return rank(*atA) < rank(*atB);
+    }
+    static int rank(char c) { return c == '/' ? -1 : static_cast<unsigned char>(c); }
+};
+
+bool isAtOrBelow(std::string_view member, std::string_view folder) {
+    if (!member.starts_with(folder)) return false;
+    return member.size() == folder.size() || (!folder.empty() && member[folder.size()] == '/');
+}
+
+/// What one text of types may take, in bytes; whoever made the archive wrote the types.
+constexpr std::size_t MAX_TYPES = 256;
+
+/// The types that a path is listed under, each with its first place among the entries.
+using Types = std::map<std::string_view, std::size_t>;
+using Listed = std::map<std::string_view, Types, PathBefore>;
+
+/// The distinct types of all these paths, in the order of their places.
+std::string joined(const std::vector<Listed::const_iterator>& paths) {
+    std::map<std::size_t, std::string_view> places;
+    for (const auto& path : paths) {
+        for (const auto& [type, place] : path->second) places.emplace(place, type);
+    }
+    std::string text;
+    std::set<std::string_view> seen;
+    for (const auto& [place, type] : places) {
+        if (!seen.insert(type).second) continue;
+        if (!text.empty()) text += ',';
+        if (text.size() + type.size() > MAX_TYPES) return text + "...";
+        text += type;
+    }
+    return text;
+}
+
+/// The exception's text with those of the ones inside it.
+std::string withReasons(const std::exception& error) {
+    std::string text = error.what();
+    try {
+        std::rethrow_if_nested(error);
+    } catch (const std::exception& inside) {
+        text += ": " + withReasons(inside);
+    }
+    return text;
 }
 
 }  // namespace
@@ -77,15 +125,34 @@ const std::string* TypedMembers::find(const std::string& type) const {
     return nullptr;
 }
 
-std::string TypedMembers::typesOf(const std::string& member) const {
-    std::vector<std::string_view> types;
-    for (const auto& [type, name] : entries) {
-        if (name != member && !isBelow(member, name)) continue;
-        if (std::find(types.begin(), types.end(), type) == types.end()) types.emplace_back(type);
+std::vector<std::string> TypedMembers::typesOf(
+    const HSTVector<mav_host::ZipMember>& members) const {
+    Listed listed;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        Types& types = listed[entries[i].second];
+        if (types.size() <= MAX_TYPES) types.emplace(entries[i].first, i);
     }
-    std::string text;
-    for (const std::string_view type : types) text.append(text.empty() ? "" : ",").append(type);
-    return text;
+    std::vector<std::size_t> order(members.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return PathBefore()(members[a].name, members[b].name);
+    });
+    std::vector<std::string> texts(members.size());
+    std::vector<Listed::const_iterator> around;  // the listed paths that hold the present one
+    const auto leave = [&](std::string_view path) {
+        while (!around.empty() && !isAtOrBelow(path, around.back()->first)) around.pop_back();
+    };
+    auto next = listed.cbegin();
+    for (const std::size_t index : order) {
+        const std::string& name = members[index].name;
+        for (; next != listed.cend() && !PathBefore()(name, next->first); ++next) {
+            leave(next->first);
+            around.push_back(next);
+        }
+        leave(name);
+        texts[index] = joined(around);
+    }
+    return texts;
 }
 
 std::string shown(const std::string& path) {
@@ -133,7 +200,7 @@ TypedMembers typedMembers(const mav_host::ZipArchive& archive) {
         HVMAArchive index(archive.path());
         index.parse();
         for (const auto& [type, name] : index.getFiles().getMap()) {
-            out.entries.emplace_back(type, type == "DR_BD" ? "bd" : name);
+            out.entries.emplace_back(type, HVMAArchive::placeOf(type, name));
         }
     }
     return out;
@@ -151,8 +218,8 @@ void guarded(const std::string& action, const std::string& path,
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        throw Failure(start +
-                      withAdvice(error.what(), "Correct the cause and run the command again."));
+        throw Failure(
+            start + withAdvice(withReasons(error), "Correct the cause and run the command again."));
     }
 }
 

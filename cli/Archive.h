@@ -21,8 +21,9 @@ struct TypedMembers {
 
     /// The first entry of the type; null when there is none.
     const std::string* find(const std::string& type) const;
-    /// The types under which a member, or a folder that it lies in, is listed; joined by ",".
-    std::string typesOf(const std::string& member) const;
+    /// For each member the types under which it, or a folder that it lies in, is listed; in the
+    /// order of the entries, joined by ",". Beyond 256 bytes "..." stands for the others.
+    std::vector<std::string> typesOf(const HSTVector<mav_host::ZipMember>& members) const;
 };
 
 /// The path in quotes, on one line.

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
+#include <utility>
+#include <variant>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 namespace cli {
 
@@ -38,179 +39,80 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-struct JsonOptions {
-    std::string file;
-    std::string metadata = "auto";  ///< auto, json or xml
-    bool shortForm = false;
-};
-/// Writes the platform's description to standard output. Throws UsageError, Failure.
-void runJson(const JsonOptions& options);
+/// What a shell offers for a value; KEYS are those of the platform file that is typed already, DOCS
+/// those that are documented.
+enum class ValueKind { NONE, FILES, FOLDERS, TYPES, MEMBERS, KEYS, DOCS, CHOICES };
 
-struct PackOptions {
-    std::string directory;
-    std::string archive;
-    bool force = false;  ///< pack also without a metadata member
-};
-/// Packs the directory's files into a new archive. Throws UsageError, Failure.
-void runPack(const PackOptions& options);
+/// What the command line sets; a list takes every value that is given.
+using Target = std::variant<bool*, std::string*, std::vector<std::string>*>;
 
-struct FilesOptions {
-    std::string archive;
-    bool json = false;
-    bool names = false;
-};
-/// Lists the archive's members with type and size, and the state of its digest, or their names
-/// alone. Throws Failure.
-void runFiles(const FilesOptions& options);
+/// An option, or an argument that is told by its place.
+struct Argument {
+    std::vector<std::string> names;  ///< with their dashes, short ones first; empty: told by place
+    std::string value;               ///< name of the value; empty for a flag
+    std::string description;         ///< one line
+    Target target;
+    ValueKind kind = ValueKind::NONE;
+    bool required = false;
+    bool many = false;
+    std::string excludes{};              ///< name of an option that does not go with this one
+    std::string subject{};               ///< of ValueKind::CHOICES: what a value is called
+    std::vector<std::string> choices{};  ///< the values, in any letter case; none for other kinds
 
-struct VerifyOptions {
-    std::string archive;
+    /// Only the values of a list can be given; an empty one is as none. `called` names them in the
+    /// sentence about another.
+    void oneOf(std::string called, std::vector<std::string> values);
 };
-/// Reads every member and compares the digest; false when something is not as it should be.
-/// Throws Failure.
-bool runVerify(const VerifyOptions& options);
 
-struct ExtractOptions {
-    std::string archive;
-    std::string what;  ///< type, member or folder
-    std::string directory;
+/// A subcommand as its own file describes it; the parser of the command line, the help, the manual
+/// and the completions are made from this alone.
+struct Command {
+    std::string name;  ///< empty for the program itself
+    std::string description;
+    /// What its help ends with: the exit codes unless it says something else. Lines that begin
+    /// with blanks stay as they are.
+    std::string notes;
+    std::vector<Argument> options{};
+    std::vector<Argument> arguments{};  ///< in their places
+    /// Does the work; false when the question is answered with no. All commands are handed in, the
+    /// program first. Throws UsageError, Failure.
+    std::function<bool(const std::vector<Command>&)> run{};
+
+    /// Appends an argument that is required, an option with a value, a flag. The reference holds
+    /// until the next one is appended; `names` are joined by ",".
+    Argument& argument(std::string value, Target target, std::string about);
+    Argument& option(const std::string& names, Target target, std::string value, std::string about);
+    Argument& flag(const std::string& names, bool& target, std::string about);
+
+    /// Lets `work` do the work: a function of the options, which this command keeps, and of all
+    /// commands if it wants. One without an answer never says no.
+    template <class Options, class Answer, class... All>
+    Options& runs(Answer (*work)(const Options&, All...)) {
+        auto kept = std::make_shared<Options>();
+        run = [kept, work](const std::vector<Command>& commands) {
+            const auto call = [&] {
+                if constexpr (sizeof...(All) == 0) return work(*kept);
+                if constexpr (sizeof...(All) == 1) return work(*kept, commands);
+            };
+            if constexpr (!std::is_void_v<Answer>) return call();
+            call();
+            return true;
+        };
+        return *kept;
+    }
 };
-/// Extracts below the directory and prints the path. Throws UsageError, Failure.
-void runExtract(const ExtractOptions& options);
 
-struct AddOptions {
-    std::string archive;
-    std::string type;
-    std::string file;
-    std::string member;  ///< empty: chosen by type and file
+/// One line of the program's table: the file cmd_NAME.cpp describes the command.
+struct Row {
+    const char* name;
+    void (*describe)(Command& command);
 };
-/// Adds the file to the archive and lists it. Throws UsageError, Failure.
-void runAdd(const AddOptions& options);
 
-struct GetOptions {
-    std::string file;
-    std::string path;
-    bool json = false;
-};
-/// Prints what is at the path; false when nothing is. Throws UsageError, Failure.
-bool runGet(const GetOptions& options);
+namespace commands {
 
-struct ShowOptions {
-    std::string file;
-    std::vector<std::string> sections;  ///< empty: the whole platform, long lists cut
-    std::string color = "auto";         ///< auto, always or never
-};
-/// Prints the platform for people. Throws UsageError, Failure.
-void runShow(const ShowOptions& options);
-/// What `--section` takes, in the order of the screen.
-std::vector<std::string> sectionNames();
+using Describe = void(Command&);
+Describe add, check, completion, dict, diff, dirs, doc, extract, files, get, info, json, keys, list,
+    manual, pack, protect, show, transform, unprotect, validate, verify;
 
-struct CompletionOptions {
-    std::string shell;  ///< bash, zsh or fish
-};
-/// Prints the completion script, made from the options of `app`. Throws UsageError, Failure.
-void runCompletion(const CompletionOptions& options, const CLI::App& app);
-
-struct ManualOptions {
-    std::string directory;
-};
-/// Writes mav.1 and a page for each command into the folder, which is made when it is missing.
-/// Throws Failure.
-void runManual(const ManualOptions& options, const CLI::App& app);
-
-struct ValidateOptions {
-    std::vector<std::string> files;
-    bool json = false;
-    bool sarif = false;
-    std::string rule;  ///< to explain; nothing is validated then
-    std::string color = "auto";
-};
-/// Prints every finding; false when one is an error. Throws UsageError.
-bool runValidate(const ValidateOptions& options);
-
-struct DiffOptions {
-    std::string first;
-    std::string second;
-    bool json = false;
-    std::string color = "auto";
-};
-/// Prints what differs between two platforms; true when nothing does. Throws UsageError, Failure.
-bool runDiff(const DiffOptions& options);
-
-struct InfoOptions {
-    std::string file;
-    bool json = false;
-    bool partitions = false;
-};
-/// Prints the platform's summary. Throws UsageError, Failure.
-void runInfo(const InfoOptions& options);
-
-struct CheckOptions {
-    std::vector<std::string> files;
-    bool preSynth = false;
-    bool archive = false;
-    bool json = false;
-    std::string toolRelease;  ///< empty: that of the host
-    std::string product;      ///< empty: that of the host
-};
-/// Tells of each platform whether it is supported, and why; false when one is not. Throws
-/// UsageError, and Failure behind the last platform when one does not load.
-bool runCheck(const CheckOptions& options);
-
-struct ListOptions {
-    std::vector<std::string> dirs;  ///< empty: the default search directories
-    std::string part, board, vendor, type;
-    bool latest = false;
-    bool all = false;  ///< also those that were left out, and why
-    bool json = false;
-};
-/// Lists the platforms of the directories. Throws Failure.
-void runList(const ListOptions& options);
-
-struct DirsOptions {
-    bool json = false;
-};
-/// Lists the default search directories and tells which exist. Throws Failure.
-void runDirs(const DirsOptions& options);
-
-struct ProtectOptions {
-    std::string source;
-    std::string target;  ///< of unprotecting: empty for standard output
-};
-/// Puts a file into a protected container, and takes it out. Throw UsageError, Failure.
-void runProtect(const ProtectOptions& options);
-void runUnprotect(const ProtectOptions& options);
-
-struct KeysOptions {
-    std::string file;
-    bool json = false;
-};
-/// Lists the paths of the platform's description and how often each occurs. Throws UsageError,
-/// Failure.
-void runKeys(const KeysOptions& options);
-
-struct DictOptions {
-    std::string file;
-    std::string path;
-    std::vector<std::string> names;  ///< empty: all
-    bool json = false;
-};
-/// Prints what is below the path as names and values; false when nothing is. Throws UsageError,
-/// Failure.
-bool runDict(const DictOptions& options);
-
-struct TransformOptions {
-    std::string file;
-    std::string spec;  ///< JSON text, else the name of a file with it
-};
-/// Prints what SPEC makes of the platform's description. Throws UsageError, Failure.
-void runTransform(const TransformOptions& options);
-
-struct DocOptions {
-    std::string key = "list_keys";
-    bool json = false;
-};
-/// Explains keys of the description; false for one that does not exist. Throws Failure.
-bool runDoc(const DocOptions& options);
-
+}  // namespace commands
 }  // namespace cli

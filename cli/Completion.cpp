@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Completion.h"
 
+#include "Output.h"
+#include "mav_platform/HMAVPfmFileTypes.h"
+
 namespace {
 
 using cli::Argument;
-using cli::CommandTable;
+using cli::Command;
 using cli::text;
 using cli::ValueKind;
-using Tables = std::vector<CommandTable>;
+using Tables = std::vector<Command>;
 
 constexpr const char* LICENCE = "# SPDX-License-Identifier: Apache-2.0\n";
 
@@ -15,6 +18,15 @@ std::string joined(const std::vector<std::string>& words, const char* separator 
     std::string made;
     for (const std::string& word : words) made += text(made.empty() ? "" : separator, word);
     return made;
+}
+
+/// The names of the platform file types, in their order.
+std::vector<std::string> fileTypeNames() {
+    std::vector<std::string> names;
+    names.reserve(HMAVPfmFileTypes::FILE_TYPE_COUNT);
+    for (int type = 0; type < HMAVPfmFileTypes::FILE_TYPE_COUNT; ++type)
+        names.push_back(HMAVPfmFileTypes::toString(static_cast<HMAVPfmFileTypes::FileType>(type)));
+    return names;
 }
 
 std::string commandNames(const Tables& tables) {
@@ -59,7 +71,7 @@ std::string kindWord(const Argument& argument) {
 
 std::string bashOptions(const Tables& tables) {
     std::string made = "_mav_options() {\n    case \"$1\" in\n";
-    for (const CommandTable& table : tables) {
+    for (const Command& table : tables) {
         std::vector<std::string> names;
         for (const Argument& option : table.options)
             names.insert(names.end(), option.names.begin(), option.names.end());
@@ -69,7 +81,7 @@ std::string bashOptions(const Tables& tables) {
 }
 
 /// A branch for what follows the word, or stands in the place of that number.
-std::string bashValue(const CommandTable& table, const std::string& word, const Argument& value) {
+std::string bashValue(const Command& table, const std::string& word, const Argument& value) {
     std::string pattern = quoted(text(table.name, " ", word));
     if (value.names.empty() && value.many) pattern = text(quoted(table.name + " "), "[1-9]*");
     return text("        ", pattern, ") echo ", quoted(kindWord(value)), " ;;\n");
@@ -77,7 +89,7 @@ std::string bashValue(const CommandTable& table, const std::string& word, const 
 
 std::string bashValues(const Tables& tables) {
     std::string made = "_mav_value() {\n    case \"$1 $2\" in\n";
-    for (const CommandTable& table : tables) {
+    for (const Command& table : tables) {
         for (const Argument& option : table.options) {
             if (option.value.empty()) continue;
             for (const std::string& name : option.names) made += bashValue(table, name, option);
@@ -214,7 +226,7 @@ std::string zshSpec(const Argument& option) {
                 quoted(spec));
 }
 
-std::string zshSpecs(const CommandTable& table) {
+std::string zshSpecs(const Command& table) {
     std::string made;
     for (const Argument& option : table.options)
         made += text(" \\\n                ", zshSpec(option));
@@ -289,7 +301,7 @@ std::string fishOption(const std::string& condition, const Argument& option) {
     return text(made, " -d ", fishText(option.description), "\n");
 }
 
-std::string fishCommand(const CommandTable& table) {
+std::string fishCommand(const Command& table) {
     const std::string inside = "__mav_at " + table.name;
     std::string made;
     for (const Argument& option : table.options) made += fishOption(inside, option);
@@ -304,7 +316,7 @@ std::string fishCommand(const CommandTable& table) {
 
 std::string optionsWithValues(const Tables& tables) {
     std::string names;
-    for (const CommandTable& table : tables)
+    for (const Command& table : tables)
         for (const Argument& option : table.options)
             if (!option.value.empty()) names += text(" ", joined(option.names));
     return names;
@@ -364,14 +376,14 @@ complete -c mav -f
 
 }  // namespace
 
-std::string cli::bashCompletion(const std::vector<CommandTable>& tables) {
+std::string cli::bashCompletion(const std::vector<Command>& tables) {
     return std::string("# shellcheck shell=bash\n") + LICENCE +
            "_mav_commands=" + quoted(commandNames(tables)) +
            "\n_mav_types=" + quoted(joined(fileTypeNames())) + "\n\n" + bashOptions(tables) +
            bashValues(tables) + BASH_WORK;
 }
 
-std::string cli::zshCompletion(const std::vector<CommandTable>& tables) {
+std::string cli::zshCompletion(const std::vector<Command>& tables) {
     std::string made = std::string("#compdef mav\n") + LICENCE + "_mav_types() {\n    compadd -- " +
                        joined(fileTypeNames()) + "\n}\n\n" + ZSH_KEYS;
     std::string names, cases;
@@ -392,7 +404,7 @@ std::string cli::zshCompletion(const std::vector<CommandTable>& tables) {
            "if [[ ${funcstack[1]} == _mav ]]; then _mav \"$@\"; else compdef _mav mav; fi\n";
 }
 
-std::string cli::fishCompletion(const std::vector<CommandTable>& tables) {
+std::string cli::fishCompletion(const std::vector<Command>& tables) {
     std::string made = std::string(LICENCE) + "set -g __mav_valued" + optionsWithValues(tables) +
                        "\n\nfunction __mav_types\n    printf '%s\\n' " + joined(fileTypeNames()) +
                        "\nend\n\n" + FISH_WORK;

@@ -61,7 +61,7 @@ std::string cli::keyHint(mav_platform::PlatformLoader& loader, const std::string
         if (here.contains(typed[i])) continue;
         std::string meant = nearest(typed[i], {here.begin(), here.end()});
         if (meant.empty()) meant = alike(typed[i], here);
-        return meant.empty() ? meant : " Did you mean '" + printable(meant) + "'?";
+        return didYouMean(meant);
     }
     return {};
 }

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 
+#include "Output.h"
+
 namespace {
 
 using cli::Argument;
-using cli::CommandTable;
+using cli::Command;
 using cli::text;
 
 /// Text as it stands: no requests, no escapes, hyphens that can be copied.
@@ -95,10 +97,16 @@ constexpr const char* ENVIRONMENT =
     ".TP\n\\fBMAV_KEY_FILE\\fR\nFile with the key of archive digests and protected files.\n"
     ".TP\n\\fBNO_COLOR\\fR\nWhen set and not empty, nothing is coloured.\n";
 
+/// "FILE", "[FILE]", "FILE...": how the argument stands in a line of use.
+std::string usage(const Argument& argument) {
+    const std::string text = argument.value + (argument.many ? "..." : "");
+    return argument.required ? text : "[" + text + "]";
+}
+
 }  // namespace
 
-std::string cli::programPage(const std::vector<CommandTable>& tables) {
-    const CommandTable& program = tables.front();
+std::string cli::programPage(const std::vector<Command>& tables) {
+    const Command& program = tables.front();
     std::string page = header("mav", program.description) + ".SH SYNOPSIS\n" + bold("mav") + " " +
                        italic("COMMAND") + " [" + italic("OPTION") + "]... [" + italic("ARGUMENT") +
                        "]...\n.SH COMMANDS\n";
@@ -111,7 +119,7 @@ std::string cli::programPage(const std::vector<CommandTable>& tables) {
            paragraphs(program.notes) + ENVIRONMENT + ".SH SEE ALSO\n" + also + "\n";
 }
 
-std::string cli::commandPage(const CommandTable& command) {
+std::string cli::commandPage(const Command& command) {
     std::string page = header("mav-" + command.name, command.description) + ".SH SYNOPSIS\n" +
                        bold("mav " + command.name) + " [" + italic("OPTION") + "]...";
     for (const Argument& argument : command.arguments) page += text(" ", italic(usage(argument)));

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cwchar>
 #include <iostream>
+#include <sstream>
 #include <system_error>
 
 #include "Command.h"
@@ -50,6 +51,30 @@ class Utf8Locale {
     locale_t locale_;
 };
 
+std::string printableLines(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        shown += printable(line);
+        text.remove_prefix(line.size());
+        if (!text.empty()) {
+            shown += '\n';
+            text.remove_prefix(1);
+        }
+    }
+    return shown;
+}
+
+/// Takes lines up to the next flush.
+class PrintableLines final : public std::stringbuf {
+    int sync() override {
+        std::cerr << printableLines(view()) << std::flush;
+        str({});
+        return 0;
+    }
+};
+
 }  // namespace
 
 void holdStandardStreams() {
@@ -79,6 +104,14 @@ void writeAnswer(std::string_view text) {
     }
 }
 
+void writeData(std::string_view text) {
+    if (::isatty(STDOUT_FILENO) == 1) {
+        writeAnswer(printableLines(text));
+    } else {
+        writeAnswer(text);
+    }
+}
+
 LongAnswer& LongAnswer::operator+=(std::string_view text) {
     constexpr std::size_t PIECE = std::size_t{1} << 16U;
     waiting_ += text;
@@ -91,23 +124,20 @@ void LongAnswer::end() {
     waiting_.clear();
 }
 
-void complain(std::string_view sentence) {
-    std::cerr << "mav: " << sentence << std::endl;
+std::ostream& printableErrors() {
+    static PrintableLines lines;
+    static std::ostream stream(&lines);
+    return stream;
 }
 
-std::string printable(std::string_view text) {
-    static constexpr char DIGITS[] = "0123456789abcdef";
-    std::string shown;
-    shown.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7f) {
-            shown += c;
-        } else {
-            shown.append("\\x").append(1, DIGITS[byte >> 4]).append(1, DIGITS[byte & 15]);
-        }
-    }
-    return shown;
+void complain(std::string_view sentence) {
+    std::cerr << "mav: " << printableLines(sentence) << std::endl;
+}
+
+std::string brief(std::string_view name) {
+    constexpr std::size_t MOST = 80;
+    const std::string_view told = mav_host::beginning(name, MOST);
+    return std::string(told) + (told.size() < name.size() ? ".." : "");
 }
 
 Character firstCharacter(std::string_view text) {
@@ -135,19 +165,6 @@ std::string_view shortened(std::string_view text, std::size_t columns) {
         end += next.bytes;
     }
     return text.substr(0, end);
-}
-
-std::string withEmptyLists(std::string json,
-                           std::initializer_list<std::pair<std::string_view, bool>> lists) {
-    std::string members;
-    for (const auto& [name, isEmpty] : lists) {
-        if (!isEmpty) continue;
-        members.append(members.empty() ? "" : ",").append("\n    \"").append(name).append("\": []");
-    }
-    if (members.empty()) return json;
-    const std::size_t open = json.find('{') + 1;
-    const bool alone = json.find('"') == std::string::npos;
-    return json.replace(open, alone ? json.find('}') - open : 0, members + (alone ? "\n" : ","));
 }
 
 std::string clause(std::string_view text) {

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
+#include <iosfwd>
 #include <string>
 #include <string_view>
-#include <utility>
+
+#include "mav_host/Printable.h"
 
 namespace cli {
 
@@ -27,6 +28,10 @@ void holdStandardStreams();
 /// system's reason for anything else.
 void writeAnswer(std::string_view text);
 
+/// Writes an answer that is data, such as a JSON text: as it stands, but each line printable where
+/// standard output is a terminal. Throws as writeAnswer does.
+void writeData(std::string_view text);
+
 /// An answer that goes out piece by piece, so that a long one is never whole in memory and a reader
 /// that has gone ends it early. What `end` was not called for may be missing.
 class LongAnswer {
@@ -40,11 +45,24 @@ class LongAnswer {
     std::string waiting_;
 };
 
+/// A stream to standard error for lines with foreign names in them; each goes out printable.
+std::ostream& printableErrors();
+
 /// Writes "mav: ", the sentence and a line end to standard error.
 void complain(std::string_view sentence);
 
-/// The text with control characters as \xNN, so that it stays on one line.
-std::string printable(std::string_view text);
+/// The pieces in one text.
+template <class... Pieces>
+std::string text(const Pieces&... pieces) {
+    std::string made;
+    (made.append(pieces), ...);
+    return made;
+}
+
+using mav_host::printable;
+
+/// A foreign name where it is told over and over: no more of it than what tells it apart.
+std::string brief(std::string_view name);
 
 /// A character of UTF-8 text. A byte that is none, or no printable one, counts as one column.
 struct Character {
@@ -60,11 +78,6 @@ std::size_t columns(std::string_view text);
 
 /// The first characters of the text, no more than that many columns.
 std::string_view shortened(std::string_view text, std::size_t columns);
-
-/// The JSON text of an object, with an empty list at its front for each name whose flag says that
-/// the list is empty: writers leave those out, and readers of an answer want to loop over them.
-std::string withEmptyLists(std::string json,
-                           std::initializer_list<std::pair<std::string_view, bool>> lists);
 
 /// An exception's text in the midst of a sentence: printable, without a full stop at the end.
 std::string clause(std::string_view text);

@@ -10,7 +10,6 @@
 
 #include "Command.h"
 #include "Output.h"
-#include "Suggest.h"
 #include "mav_host/HUTEnv.h"
 
 namespace cli {
@@ -53,6 +52,10 @@ bool isNumber(std::string_view text) {
     return text.find_first_not_of("0123456789.-") == std::string_view::npos;
 }
 
+bool isWhole(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 /// Makes columns narrower, the widest first, until they fit.
 void fit(std::vector<std::size_t>& widths, std::size_t room) {
     std::size_t total = GAP * (widths.size() - 1);
@@ -75,16 +78,14 @@ std::size_t extent(const Lines& lines) {
 
 }  // namespace
 
-bool wantsColor(const std::string& choice, const std::string& command) {
+void addColor(Command& command, std::string& choice, const std::string& description) {
+    command.option("--color", &choice, "auto|always|never", description)
+        .oneOf("colour choice", {"auto", "always", "never"});
+}
+
+bool wantsColor(const std::string& choice) {
     if (choice == "always") return true;
     if (choice == "never") return false;
-    if (choice != "auto") {
-        std::string sentence =
-            "unknown colour choice '" + printable(choice) + "': use auto, always or never.";
-        const std::string meant = nearest(choice, {"auto", "always", "never"});
-        if (!meant.empty()) sentence += " Did you mean '" + meant + "'?";
-        throw UsageError(sentence, command);
-    }
     if (::isatty(STDOUT_FILENO) == 0) return false;
     const char* const none = HUTEnv::getEnv("NO_COLOR");
     if (none != nullptr && *none != '\0') return false;
@@ -96,6 +97,39 @@ std::size_t screenWidth() {
     winsize size{};
     const bool known = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return std::max<std::size_t>(known ? size.ws_col : 100, NARROWEST);
+}
+
+std::vector<std::string> Screen::lines(const Row& names, const std::vector<Row>& rows) {
+    std::vector<Row> shown;
+    std::vector<std::size_t> widths;
+    std::vector<bool> right;
+    const auto measure = [&](const Row& row, bool isHead) {
+        Row cells;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            cells.push_back(row[i].empty() ? "-" : printable(row[i]));
+            if (i + 1 == row.size()) break;
+            if (widths.size() <= i) {
+                widths.push_back(0);
+                right.push_back(!rows.empty());
+            }
+            widths[i] = std::max(widths[i], columns(cells[i]));
+            right[i] = right[i] && (isHead || isWhole(row[i]));
+        }
+        shown.push_back(std::move(cells));
+    };
+    if (!names.empty()) measure(names, true);
+    for (const Row& row : rows) measure(row, false);
+    std::vector<std::string> made;
+    for (const Row& cells : shown) {
+        std::string& line = made.emplace_back();
+        for (std::size_t i = 0; i + 1 < cells.size(); ++i) {
+            const std::string blanks(widths[i] - columns(cells[i]), ' ');
+            line += right[i] ? blanks + cells[i] : cells[i] + blanks;
+            line.append(GAP, ' ');
+        }
+        if (!cells.empty()) line += cells.back();
+    }
+    return made;
 }
 
 Screen::Line Screen::styled(std::string_view style, std::string_view text) const {

@@ -9,9 +9,14 @@
 
 namespace cli {
 
-/// Whether the answer is coloured: "always", "never", or "auto": on a terminal, unless NO_COLOR is
-/// set or TERM is "dumb". Throws UsageError about `command` for another text.
-bool wantsColor(const std::string& choice, const std::string& command);
+struct Command;
+
+/// Appends the option that says when the answer is coloured.
+void addColor(Command& command, std::string& choice, const std::string& description);
+
+/// Whether the answer is coloured: "always", "never", or else on a terminal, unless NO_COLOR is set
+/// or TERM is "dumb".
+bool wantsColor(const std::string& choice);
 
 /// Columns of the terminal that standard output is, else 100; never less than 60.
 std::size_t screenWidth();
@@ -22,6 +27,11 @@ std::size_t screenWidth();
 class Screen {
   public:
     using Row = std::vector<std::string>;
+
+    /// The lines of a table that people and scripts read, of any width: the names, when there are
+    /// some, then the rows. Empty cells are "-", columns of digits alone stand to the right, and
+    /// the last cell of a row is not filled up.
+    static std::vector<std::string> lines(const Row& names, const std::vector<Row>& rows);
 
     Screen(bool color, std::size_t width, bool dense = false)
         : color_(color), width_(width), dense_(dense) {}

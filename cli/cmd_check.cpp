@@ -4,13 +4,29 @@
 #include "Command.h"
 #include "Load.h"
 #include "Output.h"
-#include "mav_host/HI18N.h"
 #include "mav_platform/HMAVNativeCatalogService.h"
-#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/JSONValue.h"
 
+namespace cli {
 namespace {
 
+using mav_platform::JSONValue;
+
 using mav::platform::NativeCatalogService;
+
+constexpr const char* NOTES =
+    "One line for each FILE tells whether the tool release supports the platform, and why. The\n"
+    "support list ROOT/platforms/achromatic is asked too, ROOT being the application root.\n"
+    "Answers with 1 when a platform is not supported, with 3 when one does not load.\n";
+
+struct Options {
+    std::vector<std::string> files;
+    bool preSynth = false;
+    bool archive = false;
+    bool json = false;
+    std::string toolRelease;  ///< empty: that of the host
+    std::string product;      ///< empty: that of the host
+};
 
 struct Answer {
     std::string file;
@@ -28,19 +44,20 @@ bool isRelease(const std::string& text) {
     return dot != std::string::npos && digits(view.substr(0, dot)) && digits(view.substr(dot + 1));
 }
 
-void refuseWrongUse(const cli::CheckOptions& options) {
+void refuseWrongUse(const Options& options) {
     if (options.preSynth && options.archive)
-        throw cli::UsageError("--presynth and --archive are different questions; give one of them.",
-                              "check");
+        throw UsageError("--presynth and --archive are different questions; give one of them.",
+                         "check");
     if (!options.toolRelease.empty() && !isRelease(options.toolRelease))
-        throw cli::UsageError("'" + cli::printable(options.toolRelease) +
-                                  "' is no release; give a year and a number, such as 2026.1.",
-                              "check");
+        throw UsageError("'" + printable(options.toolRelease) +
+                             "' is no release; give a year and a number, such as 2026.1.",
+                         "check");
 }
 
-Answer ask(const NativeCatalogService& service, const cli::CheckOptions& options,
-           const std::string& file) {
-    const auto loader = cli::loadFile("check", file);
+Answer ask(const NativeCatalogService& service, const Options& options, const std::string& file) {
+    const auto loader = loadFile("check", file);
+    const std::string fault = partitionsFault(*loader->load());
+    if (!fault.empty()) return {file, false, fault};
     Answer answer{file, false, ""};
     if (options.preSynth) {
         answer.supported = service.isPreSynthPlatformSupported(loader.get(), answer.reason);
@@ -54,27 +71,22 @@ Answer ask(const NativeCatalogService& service, const cli::CheckOptions& options
 
 std::string line(const Answer& answer) {
     const std::string verdict = answer.supported ? "supported" : "not supported";
-    const std::string reason = answer.reason.empty() ? "" : ". " + cli::printable(answer.reason);
-    return cli::printable(answer.file) + ": " + verdict + reason + "\n";
+    const std::string reason = answer.reason.empty() ? "" : ". " + printable(answer.reason);
+    return printable(answer.file) + ": " + verdict + reason + "\n";
 }
 
 std::string json(const std::vector<Answer>& answers) {
-    mav_platform::JSONObjectWriter writer;
-    writer.addList("platforms", [&](mav_platform::JSONListWriter& list) {
-        for (const Answer& answer : answers) {
-            list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("file", HI18N_convertToUTF8(answer.file));
-                item.addKey("supported", answer.supported);
-                item.addKey("reason", answer.reason);
-            });
-        }
-    });
-    return writer.text();
+    JSONValue list = JSONValue::list();
+    for (const Answer& answer : answers) {
+        list.add(JSONValue::object()
+                     .add("file", answer.file)
+                     .add("supported", answer.supported)
+                     .addUnlessEmpty("reason", answer.reason));
+    }
+    return JSONValue::object().add("platforms", std::move(list)).text();
 }
 
-}  // namespace
-
-bool cli::runCheck(const CheckOptions& options) {
+bool run(const Options& options) {
     refuseWrongUse(options);
     NativeCatalogService service;
     if (!options.toolRelease.empty()) service.setTestCompilerVersion_(options.toolRelease);
@@ -89,8 +101,26 @@ bool cli::runCheck(const CheckOptions& options) {
             failure = error.what();
         }
     }
-    if (options.json) writeAnswer(json(answers));
+    if (options.json) writeData(json(answers));
     if (!failure.empty()) throw Failure(failure);
     return std::all_of(answers.begin(), answers.end(),
                        [](const Answer& answer) { return answer.supported; });
 }
+
+}  // namespace
+
+void commands::check(Command& command) {
+    command.description = "Tell whether platforms are supported";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.files, "Platform files");
+    command.flag("--presynth", options.preSynth, "As pre-synthesis platforms");
+    command.flag("--archive", options.archive, "As device support archives");
+    command.option("--tool-release", &options.toolRelease, "RELEASE",
+                   "Judge for this release, such as 2026.1, in place of the present one");
+    command.option("--product", &options.product, "PRODUCT",
+                   "Product that the support list is for");
+    command.flag("--json", options.json, "Print JSON");
+}
+
+}  // namespace cli

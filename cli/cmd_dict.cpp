@@ -5,21 +5,33 @@
 #include "Output.h"
 #include "mav_platform/HMAVNativeDictService.h"
 
+namespace cli {
 namespace {
 
 using mav::platform::NativeDictService;
 
+constexpr const char* NOTES =
+    "PATH is made of member names joined by '.', with the index of an element in brackets, as in\n"
+    "hardwarePlatforms.hardwarePlatform.systemClocks[0].name. '[*]' and '..' stand for every\n"
+    "element. A path that begins with hardwarePlatform finds the hardware platform wherever the\n"
+    "description holds it.\n";
+
+struct Options {
+    std::string file;
+    std::string path;
+    std::vector<std::string> names;  ///< empty: all
+    bool json = false;
+};
+
 void writeLines(const NativeDictService::Dict& dict) {
-    cli::LongAnswer answer;
+    LongAnswer answer;
     for (const auto& [name, value] : dict) {
-        answer += cli::printable(name) + (name.empty() ? "" : " = ") + cli::printable(value) + "\n";
+        answer += printable(name) + (name.empty() ? "" : " = ") + printable(value) + "\n";
     }
     answer.end();
 }
 
-}  // namespace
-
-bool cli::runDict(const DictOptions& options) {
+bool run(const Options& options) {
     const NativeDictService service;
     const auto loader = loadFile("dict", options.file);
     bool found = false;
@@ -38,9 +50,23 @@ bool cli::runDict(const DictOptions& options) {
         return false;
     }
     if (options.json) {
-        writeAnswer(NativeDictService::getAsJsonStr(dict));
+        writeData(NativeDictService::getAsJsonStr(dict));
     } else {
         writeLines(dict);
     }
     return true;
 }
+
+}  // namespace
+
+void commands::dict(Command& command) {
+    command.description = "Print a part of the description as names and values";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.argument("PATH", &options.path, "Path into the description");
+    command.option("--name", &options.names, "NAME", "Only this name; may be repeated");
+    command.flag("--json", options.json, "Print JSON");
+}
+
+}  // namespace cli

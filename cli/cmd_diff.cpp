@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <string_view>
-#include <unordered_map>
+#include <tuple>
 
 #include "Command.h"
 #include "Load.h"
@@ -13,11 +13,27 @@
 #include "Screen.h"
 #include "mav_platform/HMAVJSONUtils.h"
 #include "mav_platform/HMAVPlatform.h"
-#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/JSONValue.h"
 
+namespace cli {
 namespace {
 
+using mav_platform::JSONValue;
+
 using boost::property_tree::ptree;
+
+constexpr const char* NOTES =
+    "Compares by meaning: items of a list are matched by their name or id, whatever their place,\n"
+    "and where the two platforms lie does not count. What is inside the files that a platform\n"
+    "names is not compared, only what its description tells. Lines begin with ~ for a change,\n"
+    "+ for what only B has, - for what only A has. The code is 1 when they differ.\n";
+
+struct Options {
+    std::string first;
+    std::string second;
+    bool json = false;
+    std::string color;
+};
 
 /// Where the platform lies is not what it is.
 constexpr std::array<std::string_view, 4> PLACES{"uniqueName", "file", "directory", "platformFile"};
@@ -36,7 +52,7 @@ struct Change {
 };
 
 /// A value in few words: a text as it stands, an object by its first texts.
-std::string brief(const ptree& node) {
+std::string inFewWords(const ptree& node) {
     if (node.empty()) return node.data();
     std::string text;
     std::size_t taken = 0;
@@ -50,7 +66,7 @@ std::string brief(const ptree& node) {
     return text;
 }
 
-std::string identity(const ptree& item) {
+std::string_view identity(const ptree& item) {
     for (const char* const key : IDENTITIES) {
         const auto found = item.find(key);
         if (found != item.not_found() && !found->second.data().empty()) return found->second.data();
@@ -103,67 +119,86 @@ void tellFromDirectory(ptree& document) {
     }
 }
 
+/// A member's name or an item's identity, which the document holds, with the number that tells
+/// equal ones apart.
+struct Step {
+    std::string_view name;
+    bool isItem;
+    unsigned count;
+
+    bool operator==(const Step&) const = default;
+    bool operator<(const Step& other) const {
+        return std::tie(name, isItem, count) < std::tie(other.name, other.isItem, other.count);
+    }
+};
+
 class Comparison {
   public:
-    void compare(const ptree& a, const ptree& b, const std::string& path) {
+    void compare(const ptree& a, const ptree& b) {
         if (a.empty() && b.empty()) {
-            if (!meanTheSame(std::string_view(path).substr(path.rfind('.') + 1), a.data(),
-                             b.data()))
-                changes_.push_back({Change::CHANGED, path, a.data(), b.data()});
+            const std::string_view key = steps_.empty() ? std::string_view() : steps_.back().name;
+            if (!meanTheSame(key, a.data(), b.data()))
+                changes_.push_back({Change::CHANGED, path(), a.data(), b.data()});
             return;
         }
-        const auto before = members(a, path);
-        const auto after = members(b, path);
-        std::unordered_map<std::string_view, const ptree*> inAfter;
-        for (const auto& [name, node] : after) inAfter.emplace(name, node);
-        std::unordered_map<std::string_view, const ptree*> inBefore;
-        for (const auto& [name, node] : before) {
-            inBefore.emplace(name, node);
-            const auto other = inAfter.find(name);
+        const Members before = members(a);
+        const Members after = members(b);
+        const std::map<Step, const ptree*> inBefore(before.begin(), before.end());
+        const std::map<Step, const ptree*> inAfter(after.begin(), after.end());
+        for (const auto& [step, node] : before) {
+            const auto other = inAfter.find(step);
+            steps_.push_back(step);
             if (other == inAfter.end()) {
-                changes_.push_back({Change::REMOVED, name, brief(*node), {}});
+                changes_.push_back({Change::REMOVED, path(), inFewWords(*node), {}});
             } else {
-                compare(*node, *other->second, name);
+                compare(*node, *other->second);
             }
+            steps_.pop_back();
         }
-        for (const auto& [name, node] : after) {
-            if (inBefore.count(name) == 0) {
-                changes_.push_back({Change::ADDED, name, {}, brief(*node)});
-            }
+        for (const auto& [step, node] : after) {
+            if (inBefore.contains(step)) continue;
+            steps_.push_back(step);
+            changes_.push_back({Change::ADDED, path(), {}, inFewWords(*node)});
+            steps_.pop_back();
         }
     }
     const std::vector<Change>& changes() const { return changes_; }
 
   private:
-    using Members = std::vector<std::pair<std::string, const ptree*>>;
+    using Members = std::vector<std::pair<Step, const ptree*>>;
 
-    /// The paths of what is directly below a node. Equal items of a list are numbered.
-    static Members members(const ptree& node, const std::string& path) {
+    /// What is directly below a node.
+    static Members members(const ptree& node) {
         Members list;
-        std::map<std::string, unsigned> seen;
+        std::map<std::string_view, unsigned> seen;
         for (const auto& [key, child] : node) {
             if (isOneOf(PLACES, key)) continue;
-            std::string name = path;
-            if (key.empty()) {
-                const std::string item = identity(child);
-                const unsigned count = ++seen[item];
-                name.append("[").append(item);
-                if (count > 1) name.append("#").append(std::to_string(count));
-                name += ']';
-            } else {
-                if (!path.empty()) name += '.';
-                name += key;
-            }
-            list.emplace_back(std::move(name), &child);
+            const bool isItem = key.empty();
+            const std::string_view name = isItem ? identity(child) : key;
+            list.push_back({{name, isItem, isItem ? ++seen[name] : 1}, &child});
         }
         return list;
     }
 
+    /// Made for a change alone, of brief names: a document may repeat a long one without end.
+    std::string path() const {
+        std::string made;
+        for (const Step& step : steps_) {
+            if (!step.isItem && !made.empty()) made += '.';
+            if (step.isItem) made += '[';
+            made += brief(step.name);
+            if (step.count > 1) made.append("#").append(std::to_string(step.count));
+            if (step.isItem) made += ']';
+        }
+        return made;
+    }
+
+    std::vector<Step> steps_;
     std::vector<Change> changes_;
 };
 
 ptree document(const std::string& file) {
-    const auto platform = cli::loadFile("diff", file)->load();
+    const auto platform = loadFile("diff", file)->load();
     ptree made = HMAVJSONUtils::readJson(platform->toJSONString());
     tellFromDirectory(made);
     return made;
@@ -171,19 +206,18 @@ ptree document(const std::string& file) {
 
 std::string json(const std::vector<Change>& changes) {
     static constexpr const char* KINDS[] = {"changed", "added", "removed"};
-    mav_platform::JSONObjectWriter writer;
-    writer.addKey("differ", !changes.empty());
-    writer.addList("changes", [&](mav_platform::JSONListWriter& list) {
-        for (const Change& change : changes) {
-            list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("kind", KINDS[change.kind]);
-                item.addKey("path", change.path);
-                if (change.kind != Change::ADDED) item.addKey("from", change.from);
-                if (change.kind != Change::REMOVED) item.addKey("to", change.to);
-            });
-        }
-    });
-    return cli::withEmptyLists(writer.text(), {{"changes", changes.empty()}});
+    JSONValue list = JSONValue::list();
+    for (const Change& change : changes) {
+        list.add(JSONValue::object()
+                     .add("kind", KINDS[change.kind])
+                     .add("path", change.path)
+                     .addUnlessEmpty("from", change.from)
+                     .addUnlessEmpty("to", change.to));
+    }
+    return JSONValue::object()
+        .add("differ", !changes.empty())
+        .add("changes", std::move(list))
+        .text();
 }
 
 std::string plain(const std::vector<Change>& changes, bool color) {
@@ -194,10 +228,10 @@ std::string plain(const std::vector<Change>& changes, bool color) {
     std::string text;
     for (const Change& change : changes) {
         std::string line = SIGNS[change.kind];
-        line += cli::printable(change.path.rfind(HEAD, 0) == 0 ? change.path.substr(HEAD.size())
-                                                               : change.path);
-        const std::string from = cli::printable(change.from);
-        const std::string to = cli::printable(change.to);
+        line += printable(change.path.rfind(HEAD, 0) == 0 ? change.path.substr(HEAD.size())
+                                                          : change.path);
+        const std::string from = printable(change.from);
+        const std::string to = printable(change.to);
         if (change.kind == Change::CHANGED) line += ": '" + from + "' -> '" + to + "'";
         if (change.kind == Change::ADDED && !to.empty()) line += ": " + to;
         if (change.kind == Change::REMOVED && !from.empty()) line += ": " + from;
@@ -206,15 +240,31 @@ std::string plain(const std::vector<Change>& changes, bool color) {
     return text;
 }
 
-}  // namespace
-
-bool cli::runDiff(const DiffOptions& options) {
-    const bool color = wantsColor(options.color, "diff");
+bool run(const Options& options) {
+    const bool color = wantsColor(options.color);
     const ptree before = document(options.first);
     const ptree after = document(options.second);
     Comparison comparison;
-    comparison.compare(before, after, "");
+    comparison.compare(before, after);
     const auto& changes = comparison.changes();
-    writeAnswer(options.json ? json(changes) : plain(changes, color));
+    if (options.json) {
+        writeData(json(changes));
+    } else {
+        writeAnswer(plain(changes, color));
+    }
     return changes.empty();
 }
+
+}  // namespace
+
+void commands::diff(Command& command) {
+    command.description = "Tell what differs between two platforms";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("A", &options.first, "Platform file");
+    command.argument("B", &options.second, "Platform file");
+    command.flag("--json", options.json, "Print JSON");
+    addColor(command, options.color, "When to colour");
+}
+
+}  // namespace cli

@@ -1,25 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Command.h"
 #include "Output.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_platform/HMAVPlatformUtils.h"
-#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/JSONValue.h"
 
-void cli::runDirs(const DirsOptions& options) {
+namespace cli {
+namespace {
+
+using mav_platform::JSONValue;
+
+struct Options {
+    bool json = false;
+};
+
+void run(const Options& options) {
     HSTVector<std::string> dirs;
     HMAVPlatformUtils::getRootInstallPlatformDirs(dirs);
     if (options.json) {
-        mav_platform::JSONObjectWriter writer;
-        writer.addList("directories", [&](mav_platform::JSONListWriter& list) {
-            for (const std::string& dir : dirs) {
-                list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                    item.addKey("path", HI18N_convertToUTF8(dir));
-                    item.addKey("exists", HUTFile::isDir(dir));
-                });
-            }
-        });
-        writeAnswer(writer.text());
+        JSONValue list = JSONValue::list();
+        for (const std::string& dir : dirs) {
+            list.add(JSONValue::object().add("path", dir).add("exists", HUTFile::isDir(dir)));
+        }
+        writeData(JSONValue::object().add("directories", std::move(list)).text());
         return;
     }
     std::string text;
@@ -28,3 +31,13 @@ void cli::runDirs(const DirsOptions& options) {
     }
     writeAnswer(text);
 }
+
+}  // namespace
+
+void commands::dirs(Command& command) {
+    command.description = "Show where platforms are looked for";
+    auto& options = command.runs(run);
+    command.flag("--json", options.json, "Print JSON");
+}
+
+}  // namespace cli

@@ -8,10 +8,16 @@
 #include "Suggest.h"
 #include "mav_platform/HMAVNativeDocService.h"
 
+namespace cli {
 namespace {
 
 using boost::property_tree::ptree;
 using mav::platform::NativeDocService;
+
+struct Options {
+    std::string key = "list_keys";
+    bool json = false;
+};
 
 /// "CLASS.MEMBER  meaning" for every member of a class.
 void addMembers(const std::string& name, const ptree& members, std::string& text) {
@@ -21,6 +27,7 @@ void addMembers(const std::string& name, const ptree& members, std::string& text
 
 /// What is known of one member, a line each.
 std::string facts(const ptree& entry) {
+    if (entry.empty()) return entry.data() + "\n";
     std::string text;
     for (const auto& [name, value] : entry) text += name + ": " + value.data() + "\n";
     return text;
@@ -30,8 +37,8 @@ std::string describe(const ptree& keys, const std::string& key, const ptree& bra
     std::string text;
     if (key == "all" || key == "list_keys") {
         for (const auto& [name, members] : keys) addMembers(name, members, text);
-    } else if (branch.find("meaning") != branch.not_found() &&
-               branch.get_child("meaning").empty()) {
+    } else if (branch.empty() || (branch.find("meaning") != branch.not_found() &&
+                                  branch.get_child("meaning").empty())) {
         text = facts(branch);
     } else {
         addMembers(key, branch, text);
@@ -63,16 +70,14 @@ std::string nearestKey(const NativeDocService& service, const ptree& doc, const 
         names.emplace_back("hardwarePlatform");
     }
     const std::size_t end = std::min(key.find_first_of(".[", start), key.size());
-    const std::string meant = cli::nearest(key.substr(start, end - start), names);
+    const std::string meant = nearest(key.substr(start, end - start), names);
     if (meant.empty()) return {};
     const std::string whole = key.substr(0, start) + meant + key.substr(end);
     const bool leads = !service.getDocKeyBranch(doc, whole).empty();
     return leads ? whole : key.substr(0, start) + meant;
 }
 
-}  // namespace
-
-bool cli::runDoc(const DocOptions& options) {
+bool run(const Options& options) {
     const NativeDocService service;
     ptree doc;
     if (!service.getFromFile(doc))
@@ -81,14 +86,27 @@ bool cli::runDoc(const DocOptions& options) {
             "set MAV_APP_ROOT to its share directory.");
     if (!service.isValidDocKey(doc, options.key)) {
         const std::string meant = nearestKey(service, doc, options.key);
-        complain("no key " + shown(options.key) + " is documented." +
-                 (meant.empty() ? "" : " Did you mean " + shown(meant) + "?") +
+        complain("no key " + shown(options.key) + " is documented." + didYouMean(meant) +
                  " 'mav doc' lists the keys.");
         return false;
     }
     const ptree& keys = doc.get_child("documentation_keys");
     const bool all = options.key == "all" || options.key == "list_keys";
     const ptree branch = all ? keys : service.getDocKeyBranch(doc, options.key);
-    writeAnswer(options.json ? service.getAsJsonStr(branch) : describe(keys, options.key, branch));
+    writeData(options.json ? service.getAsJsonStr(branch) : describe(keys, options.key, branch));
     return true;
 }
+
+}  // namespace
+
+void commands::doc(Command& command) {
+    command.description = "Explain the keys of the description";
+    auto& options = command.runs(run);
+    command
+        .argument("KEY", &options.key,
+                  "Class, CLASS.MEMBER or path; without it every key is listed")
+        .required = false;
+    command.flag("--json", options.json, "Print JSON");
+}
+
+}  // namespace cli

@@ -7,7 +7,22 @@
 #include "Output.h"
 #include "mav_platform/HMAVNativeObjectService.h"
 
-bool cli::runGet(const GetOptions& options) {
+namespace cli {
+namespace {
+
+constexpr const char* NOTES =
+    "PATH is made of member names joined by '.', with the index of an element in brackets, as in\n"
+    "hardwarePlatforms.hardwarePlatform.systemClocks[0].name. '[*]' and '..' stand for every\n"
+    "element. A path that begins with hardwarePlatform finds the hardware platform wherever the\n"
+    "description holds it.\n";
+
+struct Options {
+    std::string file;
+    std::string path;
+    bool json = false;
+};
+
+bool run(const Options& options) {
     using mav::platform::NativeObjectService;
     const auto loader = loadFile("get", options.file);
     bool found = false;
@@ -18,7 +33,20 @@ bool cli::runGet(const GetOptions& options) {
                  " 'mav keys' lists the paths of a platform.");
         return false;
     }
-    writeAnswer(node.empty() && !options.json ? node.data() + "\n"
-                                              : NativeObjectService::getNodeAsJsonStr(node));
+    writeData(node.empty() && !options.json ? node.data() + "\n"
+                                            : NativeObjectService::getNodeAsJsonStr(node));
     return true;
 }
+
+}  // namespace
+
+void commands::get(Command& command) {
+    command.description = "Print what is at a path of the description";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.argument("PATH", &options.path, "Path into the description");
+    command.flag("--json", options.json, "Print single values as JSON too");
+}
+
+}  // namespace cli

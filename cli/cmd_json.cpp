@@ -3,29 +3,33 @@
 #include "Command.h"
 #include "Load.h"
 #include "Output.h"
-#include "Suggest.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformLoader.h"
 
+namespace cli {
 namespace {
 
 using mav_platform::PlatformLoader;
 
+constexpr const char* NOTES =
+    "A FILE ending in .pka or .dsa is read as a hardware archive, one ending in .spfm as a\n"
+    "software platform, any other as a platform description (.qpfm).\n"
+    "Standard output carries the JSON text alone; messages go to standard error.\n";
+
+struct Options {
+    std::string file;
+    std::string metadata;
+    bool shortForm = false;
+};
+
 PlatformLoader::HwMetadataMode metadataMode(const std::string& text) {
-    if (text == "auto") return PlatformLoader::HW_METADATA_AUTO;
     if (text == "json") return PlatformLoader::HW_METADATA_PRIMARY_JSON;
     if (text == "xml") return PlatformLoader::HW_METADATA_XML;
-    std::string sentence =
-        "unknown metadata '" + cli::printable(text) + "': use auto, json or xml.";
-    const std::string meant = cli::nearest(text, {"auto", "json", "xml"});
-    if (!meant.empty()) sentence += " Did you mean '" + meant + "'?";
-    throw cli::UsageError(sentence, "json");
+    return PlatformLoader::HW_METADATA_AUTO;
 }
 
-}  // namespace
-
-void cli::runJson(const JsonOptions& options) {
+void run(const Options& options) {
     const auto loader = loadFile("json", options.file, metadataMode(options.metadata));
     const auto platform = loader->load();
     mav_platform::JSONObjectWriter writer;
@@ -36,5 +40,22 @@ void cli::runJson(const JsonOptions& options) {
     } else {
         guarded("describe", options.file, [&] { writer.writeObject(platform.get()); });
     }
-    writeAnswer(writer.textView());
+    writeData(writer.textView());
 }
+
+}  // namespace
+
+void commands::json(Command& command) {
+    command.description = "Print the description of a platform as JSON";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.flag("--short", options.shortForm, "Only uniqueName, file and description");
+    command
+        .option("--metadata", &options.metadata, "auto|json|xml",
+                "Metadata of hardware archives: auto (JSON, else XML), json (JSON when the primary "
+                "member is there, else XML), xml")
+        .oneOf("metadata", {"auto", "json", "xml"});
+}
+
+}  // namespace cli

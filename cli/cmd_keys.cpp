@@ -7,11 +7,19 @@
 #include "Output.h"
 #include "mav_platform/HMAVNativeKeyService.h"
 
-void cli::runKeys(const KeysOptions& options) {
+namespace cli {
+namespace {
+
+struct Options {
+    std::string file;
+    bool json = false;
+};
+
+void run(const Options& options) {
     const mav::platform::NativeKeyService service;
     const auto loader = loadFile("keys", options.file);
     if (options.json) {
-        writeAnswer(service.getAsJsonStr(loader.get()));
+        writeData(service.getAsJsonStr(loader.get()));
         return;
     }
     const auto summary = service.get(loader.get());
@@ -27,3 +35,14 @@ void cli::runKeys(const KeysOptions& options) {
     }
     answer.end();
 }
+
+}  // namespace
+
+void commands::keys(Command& command) {
+    command.description = "List the paths of the description";
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.flag("--json", options.json, "Print JSON");
+}
+
+}  // namespace cli

@@ -4,22 +4,37 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 #include "Archive.h"
 #include "Command.h"
 #include "Output.h"
+#include "mav_host/HUTFolder.h"
 #include "mav_host/HUTZip.h"
 
 namespace fs = std::filesystem;
 
+namespace cli {
 namespace {
 
-using cli::Failure;
-using cli::UsageError;
+constexpr const char* NOTES =
+    "Every regular file below DIR becomes a member, named by its path inside DIR: the metadata\n"
+    "members first, the others sorted by name. The archive carries a digest; the same files give\n"
+    "the same bytes. An archive that exists is replaced only when the new one is complete.\n"
+    "Files and folders whose name begins with a dot are left out. Links and devices are refused.\n"
+    "ARCHIVE ends in .pka or .dsa and lies outside DIR. The top of DIR holds pka.json or\n"
+    "alt_pka.json for a .pka archive, dsa.json or alt_dsa.json for a .dsa archive.\n";
+
+struct Options {
+    std::string directory;
+    std::string archive;
+    bool force = false;  ///< pack also without a metadata member
+};
 
 std::string shown(const fs::path& path) {
-    return "'" + cli::printable(path.string()) + "'";
+    return "'" + printable(path.string()) + "'";
 }
 
 /// "pka" or "dsa".
@@ -52,30 +67,43 @@ void checkPlaces(const fs::path& dir, const fs::path& archive) {
                          "pack");
 }
 
-void refuseUnpackable(const fs::directory_entry& entry) {
-    if (entry.is_symlink())
-        throw Failure(shown(entry.path()) +
+void refuseUnpackable(HUTFolder::Kind kind, const std::string& path) {
+    if (kind == HUTFolder::Kind::LINK)
+        throw Failure(shown(path) +
                       " is a link, and an archive holds plain files only. "
                       "Put a copy of the file in its place or remove the link.");
-    if (!entry.is_directory() && !entry.is_regular_file())
-        throw Failure(shown(entry.path()) + " is neither a file nor a folder. Remove it.");
-    // Asked here because a failing walk does not tell where it stands.
-    const int wanted = entry.is_directory() ? R_OK | X_OK : R_OK;
-    if (::access(entry.path().c_str(), wanted) != 0)
-        throw Failure(shown(entry.path()) + " cannot be read: " +
-                      std::generic_category().message(errno) + ". Change its permissions.");
+    if (kind == HUTFolder::Kind::OTHER)
+        throw Failure(shown(path) + " is neither a file nor a folder. Remove it.");
 }
 
-HSTVector<HUTZip::Source> collect(const fs::path& dir) {
+/// Tells of an unreadable file before anything is made.
+void checkReadable(const HUTFolder& folder, const std::string& name) {
+    const int file = folder.open(name);
+    if (file < 0)
+        throw Failure(shown(folder.pathOf(name)) + " cannot be read: " +
+                      std::generic_category().message(errno) + ". Change its permissions.");
+    ::close(file);
+}
+
+/// What is swapped for a link or a pipe behind this look is refused when it is packed.
+HSTVector<HUTZip::Source> collect(const std::string& dir) {
+    const auto folder = std::make_shared<const HUTFolder>(dir);
     HSTVector<HUTZip::Source> sources;
-    for (auto at = fs::recursive_directory_iterator(dir); at != fs::end(at); ++at) {
-        if (at->path().filename().string().starts_with('.')) {
-            at.disable_recursion_pending();
-            continue;
+    HSTVector<std::string> left{""};
+    while (!left.empty()) {
+        const std::string below = std::move(left.back());
+        left.pop_back();
+        for (const HUTFolder::Entry& entry : folder->list(below)) {
+            if (entry.name.starts_with('.')) continue;
+            const std::string name = below.empty() ? entry.name : below + "/" + entry.name;
+            refuseUnpackable(entry.kind, folder->pathOf(name));
+            if (entry.kind == HUTFolder::Kind::FOLDER) {
+                left.push_back(name);
+            } else {
+                checkReadable(*folder, name);
+                sources.push_back({name, name, {}, folder});
+            }
         }
-        refuseUnpackable(*at);
-        if (!at->is_regular_file()) continue;
-        sources.push_back({at->path().lexically_relative(dir).string(), at->path().string(), {}});
     }
     return sources;
 }
@@ -97,7 +125,7 @@ void sortMembers(HSTVector<HUTZip::Source>& sources, const std::string& kind) {
     });
 }
 
-void checkMembers(const HSTVector<HUTZip::Source>& sources, const cli::PackOptions& options,
+void checkMembers(const HSTVector<HUTZip::Source>& sources, const Options& options,
                   const std::string& kind) {
     if (sources.empty())
         throw Failure("the folder " + shown(options.directory) +
@@ -109,18 +137,16 @@ void checkMembers(const HSTVector<HUTZip::Source>& sources, const cli::PackOptio
                       "with --force.");
 }
 
-void pack(const cli::PackOptions& options, const std::string& kind) {
+void pack(const Options& options, const std::string& kind) {
     checkPlaces(options.directory, options.archive);
     auto sources = collect(options.directory);
     sortMembers(sources, kind);
     checkMembers(sources, options, kind);
-    const cli::ProgressLine progress;
-    cli::endingCleanly([&] { HUTZip::create(options.archive, sources); });
+    const ProgressLine progress;
+    endingCleanly([&] { HUTZip::create(options.archive, sources); });
 }
 
-}  // namespace
-
-void cli::runPack(const PackOptions& options) {
+void run(const Options& options) {
     if (options.directory.empty() || options.archive.empty())
         throw UsageError("DIR and ARCHIVE must not be empty.", "pack");
     const std::string kind = kindOf(options.archive);
@@ -141,3 +167,16 @@ void cli::runPack(const PackOptions& options) {
                       ". Nothing was changed; remove the cause and run the command again.");
     }
 }
+
+}  // namespace
+
+void commands::pack(Command& command) {
+    command.description = "Pack a folder into a platform archive";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("DIR", &options.directory, "Folder with the files");
+    command.argument("ARCHIVE", &options.archive, "Archive to write");
+    command.flag("--force", options.force, "Pack also without a metadata member");
+}
+
+}  // namespace cli

@@ -3,31 +3,42 @@
 #include "Command.h"
 #include "Output.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
 #include "mav_host/xp.h"
 
+namespace cli {
 namespace {
 
 namespace xp = isl::iostreams::xp;
 
+constexpr const char* NOTES =
+    "The variable MAV_KEY_FILE names the file with the key. A file that exists at the target is\n"
+    "replaced only when the new one is complete.\n";
+
+struct Options {
+    std::string source;
+    std::string target;
+};
+
 constexpr std::uint64_t MAX_SIZE = std::uint64_t{1} << 30;
+
+void run(const Options& options) {
+    guarded("protect", options.source, [&] {
+        const mav_host::SecretText content(HUTFileUtils::readWhole(options.source, MAX_SIZE));
+        if (xp::is_container(content.text()))
+            throw Failure("it is protected already. Give the file in the clear.");
+        xp::write(options.target, content.text());
+    });
+}
 
 }  // namespace
 
-void cli::runProtect(const ProtectOptions& options) {
-    if (xp::is_xp_format(options.source))
-        throw Failure("cannot protect " + shown(options.source) +
-                      ": it is protected already. Give the file in the clear.");
-    guarded("protect", options.source,
-            [&] { xp::write(options.target, HUTFileUtils::readWhole(options.source, MAX_SIZE)); });
+void commands::protect(Command& command) {
+    command.description = "Encipher a support list";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("IN", &options.source, "File in the clear");
+    command.argument("OUT", &options.target, "Protected file to write");
 }
 
-void cli::runUnprotect(const ProtectOptions& options) {
-    guarded("unprotect", options.source, [&] {
-        const std::string content = xp::read(options.source);
-        if (options.target.empty()) {
-            writeAnswer(content);
-        } else {
-            HUTFileUtils::writeWhole(options.target, content);
-        }
-    });
-}
+}  // namespace cli

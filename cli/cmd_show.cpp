@@ -10,7 +10,6 @@
 #include "Load.h"
 #include "Output.h"
 #include "Screen.h"
-#include "Suggest.h"
 #include "mav_platform/HMAVBootImg.h"
 #include "mav_platform/HMAVEmulation.h"
 #include "mav_platform/HMAVEmulations.h"
@@ -22,10 +21,21 @@
 #include "mav_platform/HMAVSystemConfig.h"
 #include "mav_platform/HPLPlatform.h"
 
+namespace cli {
 namespace {
 
-using cli::Screen;
-using Rows = std::vector<Screen::Row>;
+constexpr const char* NOTES =
+    "Sections: identity, device, targets, support, clocks, memories, banks, interfaces, "
+    "partitions,\n"
+    "array, software, emulation, files. Without --section all are shown and long lists are cut; "
+    "the\n"
+    "sections that are asked for are shown whole, in this order.\n";
+
+struct Options {
+    std::string file;
+    std::vector<std::string> sections;  ///< empty: the whole platform, long lists cut
+    std::string color;
+};
 
 /// What the sections show, found once.
 struct Subject {
@@ -57,17 +67,31 @@ std::string hex(unsigned long long number) {
     return text;
 }
 
-/// A table that is cut in the overview.
-void list(Screen& screen, const Subject& subject, const char* section, const Screen::Row& names,
-          Rows rows) {
-    const std::size_t all = rows.size();
-    // One line more costs no more than the note about it.
-    if (!subject.whole && all > LINES + 1) rows.resize(LINES);
-    screen.table(names, rows);
-    if (rows.size() < all) {
-        screen.note("and " + std::to_string(all - rows.size()) + " more: --section " + section);
+/// The rows of a table that is cut in the overview. Those that it leaves out are counted alone.
+class Rows {
+  public:
+    explicit Rows(const Subject& subject) : whole_(subject.whole) {}
+
+    /// Counts a row; true when it has to be made and added.
+    bool wants() { return ++count_ <= LINES + 1 || whole_; }
+    void add(Screen::Row row) { rows_.push_back(std::move(row)); }
+    bool empty() const { return count_ == 0; }
+
+    void show(Screen& screen, const char* section, const Screen::Row& names) {
+        // One line more costs no more than the note about it.
+        if (count_ > rows_.size()) rows_.resize(LINES);
+        screen.table(names, rows_);
+        if (count_ > rows_.size()) {
+            screen.note("and " + std::to_string(count_ - rows_.size()) + " more: --section " +
+                        section);
+        }
     }
-}
+
+  private:
+    bool whole_;
+    std::size_t count_ = 0;
+    std::vector<Screen::Row> rows_;
+};
 
 std::string fileName(const Subject& subject) {
     return std::filesystem::path(subject.file).filename().string();
@@ -169,49 +193,57 @@ void showClocks(Screen& screen, const Subject& subject) {
     subject.hardware->getSystemClocks(clocks);
     if (clocks.empty()) return;
     const HMAVSystemClock* standard = subject.hardware->getDefaultClock();
-    Rows rows;
+    Rows rows(subject);
     for (const HMAVSystemClock* clock : clocks) {
-        rows.push_back({std::to_string(clock->getId()), clock->getName(), clock->getFrequency(),
-                        clock->getStatus(), clock == standard ? "default" : ""});
+        if (rows.wants())
+            rows.add({std::to_string(clock->getId()), clock->getName(), clock->getFrequency(),
+                      clock->getStatus(), clock == standard ? "default" : ""});
     }
     screen.section("clocks");
-    list(screen, subject, "clocks", {"ID", "NAME", "MHZ", "STATUS", ""}, rows);
+    rows.show(screen, "clocks", {"ID", "NAME", "MHZ", "STATUS", ""});
 }
 
 void showMemories(Screen& screen, const Subject& subject) {
     if (subject.hardware == nullptr) return;
-    Rows rows;
+    Rows rows(subject);
     for (const HPLMemory* memory : subject.hardware->getMemories()) {
-        rows.push_back({memory->getName(), memory->getType(), memory->getSize(),
-                        hex(memory->getLowAddress()), hex(memory->getHighAddress()),
-                        subject.hardware->getMemorySLR(memory->getName())});
+        if (rows.wants())
+            rows.add({memory->getName(), memory->getType(), memory->getSize(),
+                      hex(memory->getLowAddress()), hex(memory->getHighAddress()),
+                      subject.hardware->getMemorySLR(memory->getName())});
     }
     if (rows.empty()) return;
     screen.section("memories");
-    list(screen, subject, "memories", {"NAME", "TYPE", "SIZE", "FROM", "TO", "SLR"}, rows);
+    rows.show(screen, "memories", {"NAME", "TYPE", "SIZE", "FROM", "TO", "SLR"});
+}
+
+/// A segment's own text, else that of its interface, which many may share.
+std::string own(const std::string& text, const std::string& shared) {
+    return text.empty() ? brief(shared) : text;
 }
 
 void showBanks(Screen& screen, const Subject& subject) {
     if (subject.hardware == nullptr) return;
     HSTVector<HMAVHardwareBusInterface*> interfaces;
     subject.hardware->getMemoryBusInterfaces(interfaces);
-    Rows rows;
+    Rows rows(subject);
     for (const HMAVHardwareBusInterface* interface : interfaces) {
         if (interface->getAddressSegments().empty()) {
-            rows.push_back({interface->getName(), "", interface->getSPTag(), interface->getSLR(),
-                            interface->getMemoryInstance(), ""});
+            if (rows.wants())
+                rows.add({interface->getName(), "", interface->getSPTag(), interface->getSLR(),
+                          interface->getMemoryInstance(), ""});
         }
         for (const HMAVHardwareAddressSegment* segment : interface->getAddressSegments()) {
-            rows.push_back(
-                {interface->getName(), segment->getName(),
-                 segment->getSPTag().empty() ? interface->getSPTag() : segment->getSPTag(),
-                 segment->getSLR().empty() ? interface->getSLR() : segment->getSLR(),
-                 segment->getMemoryInstance(), segment->getAuto()});
+            if (rows.wants())
+                rows.add({brief(interface->getName()), segment->getName(),
+                          own(segment->getSPTag(), interface->getSPTag()),
+                          own(segment->getSLR(), interface->getSLR()), segment->getMemoryInstance(),
+                          segment->getAuto()});
         }
     }
     if (rows.empty()) return;
     screen.section("memory banks");
-    list(screen, subject, "banks", {"INTERFACE", "BANK", "TAG", "SLR", "MEMORY", "AUTO"}, rows);
+    rows.show(screen, "banks", {"INTERFACE", "BANK", "TAG", "SLR", "MEMORY", "AUTO"});
 }
 
 /// One row for each kind of interface, in order of first appearance; every one when asked for.
@@ -222,13 +254,15 @@ void showInterfaces(Screen& screen, const Subject& subject) {
     if (interfaces.empty()) return;
     screen.section("bus interfaces");
     if (subject.whole) {
-        Rows rows;
+        Rows rows(subject);
         for (const HMAVHardwareBusInterface* bus : interfaces) {
-            rows.push_back({bus->getName(), bus->getBusTypeRef(), bus->getMode(), bus->getMemPort(),
-                            bus->getSPTag(), std::to_string(bus->getDataWidth()),
-                            bus->getClockRef(), bus->getSLR()});
+            if (rows.wants())
+                rows.add({bus->getName(), bus->getBusTypeRef(), bus->getMode(), bus->getMemPort(),
+                          bus->getSPTag(), std::to_string(bus->getDataWidth()), bus->getClockRef(),
+                          bus->getSLR()});
         }
-        screen.table({"NAME", "KIND", "MODE", "PORT", "TAG", "WIDTH", "CLOCK", "SLR"}, rows);
+        rows.show(screen, "interfaces",
+                  {"NAME", "KIND", "MODE", "PORT", "TAG", "WIDTH", "CLOCK", "SLR"});
         return;
     }
     using Kind = std::tuple<std::string, std::string, std::string>;
@@ -240,33 +274,35 @@ void showInterfaces(Screen& screen, const Subject& subject) {
         if (isNew) kinds.push_back({kind, {}});
         kinds[place->second].second.push_back(bus);
     }
-    Rows rows;
+    Rows rows(subject);
     for (const auto& [kind, members] : kinds) {
         int width = 0;
         for (const auto* bus : members) width = std::max(width, bus->getDataWidth());
         std::string names = members.front()->getName();
         if (members.size() > 1) names += " .. " + members.back()->getName();
-        rows.push_back({std::get<0>(kind), std::get<1>(kind), std::get<2>(kind),
-                        std::to_string(members.size()), width > 0 ? std::to_string(width) : "",
-                        names});
+        if (rows.wants())
+            rows.add({std::get<0>(kind), std::get<1>(kind), std::get<2>(kind),
+                      std::to_string(members.size()), width > 0 ? std::to_string(width) : "",
+                      names});
     }
-    list(screen, subject, "interfaces", {"KIND", "MODE", "PORT", "COUNT", "WIDTH", "NAMES"}, rows);
+    rows.show(screen, "interfaces", {"KIND", "MODE", "PORT", "COUNT", "WIDTH", "NAMES"});
 }
 
 void showPartitions(Screen& screen, const Subject& subject) {
     HSTVector<HMAVReconfigurablePartition*> partitions;
     subject.platform.getReconfigurablePartitions(partitions);
     if (partitions.empty()) return;
-    Rows rows;
+    Rows rows(subject);
     for (const HMAVReconfigurablePartition* partition : partitions) {
         const HMAVHardwarePlatform* hardware = partition->getHardwarePlatform();
-        rows.push_back({std::to_string(partition->getID()),
-                        hardware == nullptr ? "" : hardware->getName(),
-                        member(subject, partition->getHardwarePlatformFile()),
-                        partition->getID() == subject.platform.getDefaultRPId() ? "default" : ""});
+        if (rows.wants())
+            rows.add({std::to_string(partition->getID()),
+                      hardware == nullptr ? "" : hardware->getName(),
+                      member(subject, partition->getHardwarePlatformFile()),
+                      partition->getID() == subject.platform.getDefaultRPId() ? "default" : ""});
     }
     screen.section("partitions");
-    list(screen, subject, "partitions", {"ID", "NAME", "ARCHIVE", ""}, rows);
+    rows.show(screen, "partitions", {"ID", "NAME", "ARCHIVE", ""});
 }
 
 void showArray(Screen& screen, const Subject& subject) {
@@ -283,17 +319,18 @@ void showArray(Screen& screen, const Subject& subject) {
                    {"shim rows", rows(array.getStartShimRow(), array.getNumShimRows())},
                    {"memory rows", rows(array.getStartMemRow(), array.getNumMemRows())},
                    {"core rows", rows(array.getStartCoreRow(), array.getNumCoreRows())}});
-    Rows lines;
+    Rows lines(subject);
     const auto add = [&lines](const HMAVDpePartition& partition, const char* indent) {
-        lines.push_back({indent + partition.dpeInst(), std::to_string(partition.startColumn()),
-                         std::to_string(partition.numColumns()), partition.plIntefaceID()});
+        if (lines.wants())
+            lines.add({indent + partition.dpeInst(), std::to_string(partition.startColumn()),
+                       std::to_string(partition.numColumns()), partition.plIntefaceID()});
     };
     for (const HMAVDpePartition& partition : partitions) {
         add(partition, "");
         for (const HMAVDpePartition& inner : partition.partitions()) add(inner, "- ");
     }
     if (!lines.empty()) {
-        list(screen, subject, "array", {"PARTITION", "FROM COLUMN", "COLUMNS", "INTERFACE"}, lines);
+        lines.show(screen, "array", {"PARTITION", "FROM COLUMN", "COLUMNS", "INTERFACE"});
     }
 }
 
@@ -302,42 +339,44 @@ void showSoftware(Screen& screen, const Subject& subject) {
     if (software == nullptr) return;
     HSTVector<HMAVSystemConfig*> configs;
     software->getSystemConfigs(configs);
-    Rows groups;
-    Rows images;
+    Rows groups(subject);
+    Rows images(subject);
     for (const HMAVSystemConfig* config : configs) {
         HSTVector<HMAVProcessorGroup*> list;
         config->getProcessorGroups(list);
         HSTVector<std::string> runtimes;
         config->getRuntimes(runtimes);
         for (const HMAVProcessorGroup* group : list) {
-            groups.push_back(
-                {config->getName(), group->getName(), group->getCpuType(), group->getOSName(),
-                 joined({runtimes.begin(), runtimes.end()}, ", "),
-                 config->getName() == software->getDefaultConfigName() ? "default" : ""});
+            if (groups.wants())
+                groups.add(
+                    {brief(config->getName()), group->getName(), group->getCpuType(),
+                     group->getOSName(), brief(joined({runtimes.begin(), runtimes.end()}, ", ")),
+                     config->getName() == software->getDefaultConfigName() ? "default" : ""});
         }
         HSTVector<HMAVBootImg*> boot;
         config->getBootImgs(boot);
         for (const HMAVBootImg* image : boot) {
-            images.push_back({config->getName(), image->getName(), image->getBif(),
-                              image->getImgData(), image->getRootFS()});
+            if (images.wants())
+                images.add({brief(config->getName()), image->getName(), image->getBif(),
+                            image->getImgData(), image->getRootFS()});
         }
     }
     screen.section("processor groups");
-    list(screen, subject, "software", {"CONFIGURATION", "GROUP", "CPU", "OS", "RUNTIMES", ""},
-         groups);
+    groups.show(screen, "software", {"CONFIGURATION", "GROUP", "CPU", "OS", "RUNTIMES", ""});
     if (images.empty()) return;
     screen.section("boot images");
-    list(screen, subject, "software", {"CONFIGURATION", "IMAGE", "BIF", "DATA", "ROOT FS"}, images);
+    images.show(screen, "software", {"CONFIGURATION", "IMAGE", "BIF", "DATA", "ROOT FS"});
 }
 
 void showEmulation(Screen& screen, const Subject& subject) {
-    Rows rows;
+    Rows rows(subject);
     const auto add = [&rows](const HMAVHardwarePlatform* platform) {
         const auto* hardware = dynamic_cast<const HPLPlatform*>(platform);
         if (hardware == nullptr || hardware->getEmulations() == nullptr) return;
         for (const HMAVEmulation* emulation : hardware->getEmulations()->getEmulations()) {
             for (const HMAVEmulationFile* file : emulation->getFiles()) {
-                rows.push_back({emulation->getName(), file->getType(), file->getName()});
+                if (rows.wants())
+                    rows.add({brief(emulation->getName()), file->getType(), file->getName()});
             }
         }
     };
@@ -345,17 +384,17 @@ void showEmulation(Screen& screen, const Subject& subject) {
     add(subject.platform.getHardwareEmulationPlatform());
     if (rows.empty()) return;
     screen.section("emulation");
-    list(screen, subject, "emulation", {"VARIANT", "TYPE", "MEMBER"}, rows);
+    rows.show(screen, "emulation", {"VARIANT", "TYPE", "MEMBER"});
 }
 
 void showFiles(Screen& screen, const Subject& subject) {
     if (subject.hardware == nullptr || subject.hardware->getFiles().empty()) return;
-    Rows rows;
+    Rows rows(subject);
     for (const HPLFile* file : subject.hardware->getFiles()) {
-        rows.push_back({file->getType(), file->getName()});
+        if (rows.wants()) rows.add({file->getType(), file->getName()});
     }
     screen.section("files");
-    list(screen, subject, "files", {"TYPE", "MEMBER"}, rows);
+    rows.show(screen, "files", {"TYPE", "MEMBER"});
 }
 
 /// The platform's name; that of the file when it has none.
@@ -378,29 +417,14 @@ constexpr Section SECTIONS[] = {
     {"files", showFiles},
 };
 
-void checkSections(const std::vector<std::string>& wanted) {
-    for (const std::string& name : wanted) {
-        const std::vector<std::string> known = cli::sectionNames();
-        if (std::find(known.begin(), known.end(), name) != known.end()) continue;
-        const std::string meant = cli::nearest(name, known);
-        throw cli::UsageError("unknown section '" + cli::printable(name) + "': use " +
-                                  joined(known, ", ") + "." +
-                                  (meant.empty() ? "" : " Did you mean '" + meant + "'?"),
-                              "show");
-    }
-}
-
-}  // namespace
-
-std::vector<std::string> cli::sectionNames() {
+std::vector<std::string> sectionNames() {
     std::vector<std::string> names;
     for (const Section& section : SECTIONS) names.emplace_back(section.name);
     return names;
 }
 
-void cli::runShow(const ShowOptions& options) {
-    checkSections(options.sections);
-    const bool color = wantsColor(options.color, "show");
+void run(const Options& options) {
+    const bool color = wantsColor(options.color);
     const auto loader = loadFile("show", options.file);
     const auto platform = loader->load();
     const Subject subject{
@@ -422,3 +446,17 @@ void cli::runShow(const ShowOptions& options) {
     }
     writeAnswer(screen.text());
 }
+
+}  // namespace
+
+void commands::show(Command& command) {
+    command.description = "Show a platform on one screen";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.option("--section", &options.sections, "SECTION", "Only this section; may be repeated")
+        .oneOf("section", sectionNames());
+    addColor(command, options.color, "auto (on a terminal, without NO_COLOR), always or never");
+}
+
+}  // namespace cli

@@ -7,7 +7,18 @@
 #include "mav_host/HUTFile.h"
 #include "mav_platform/HMAVNativeTransformService.h"
 
+namespace cli {
 namespace {
+
+constexpr const char* NOTES =
+    "SPEC is a JSON object. Each member makes one of the same name: its value is a path, or\n"
+    "{\"each\": PATH, \"select\": {...}}, which makes an object for every element at PATH, with\n"
+    "paths that begin at the element.\n";
+
+struct Options {
+    std::string file;
+    std::string spec;  ///< JSON text, else the name of a file with it
+};
 
 constexpr std::uint64_t MAX_SIZE = std::uint64_t{1} << 30;
 
@@ -16,13 +27,11 @@ std::string specText(const std::string& spec) {
     const std::size_t start = spec.find_first_not_of(" \t\r\n");
     if (start != std::string::npos && spec[start] == '{') return spec;
     std::string text;
-    cli::guarded("read", spec, [&] { text = HUTFileUtils::readWhole(spec, MAX_SIZE); });
+    guarded("read", spec, [&] { text = HUTFileUtils::readWhole(spec, MAX_SIZE); });
     return text;
 }
 
-}  // namespace
-
-void cli::runTransform(const TransformOptions& options) {
+void run(const Options& options) {
     const mav::platform::NativeTransformService service;
     const std::string spec = specText(options.spec);
     try {
@@ -32,5 +41,17 @@ void cli::runTransform(const TransformOptions& options) {
         throw UsageError(place + clause(error.what()) + ".", "transform");
     }
     const auto loader = loadFile("transform", options.file);
-    writeAnswer(service.getAsJsonStr(loader.get(), spec));
+    writeData(service.getAsJsonStr(loader.get(), spec));
 }
+
+}  // namespace
+
+void commands::transform(Command& command) {
+    command.description = "Make another document from a platform";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.file, "Platform file");
+    command.argument("SPEC", &options.spec, "Specification, or a file with it");
+}
+
+}  // namespace cli

@@ -7,17 +7,30 @@
 #include "Output.h"
 #include "RulePages.h"
 #include "Screen.h"
-#include "Suggest.h"
-#include "mav_host/HI18N.h"
-#include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/JSONValue.h"
 #include "mav_platform/PlatformCheck.h"
 
+namespace cli {
 namespace {
+
+using mav_platform::JSONValue;
 
 using mav_platform::CheckFinding;
 using mav_platform::CheckRule;
 using mav_platform::PlatformCheck;
 using Findings = HSTVector<CheckFinding>;
+
+constexpr const char* NOTES =
+    "Looks at the platform file and all that it refers to, and prints every finding as\n"
+    "FILE:LINE:COLUMN: SEVERITY: SENTENCE [RULE]. The code is 1 when one of them is an error.\n";
+
+struct Options {
+    std::vector<std::string> files;
+    bool json = false;
+    bool sarif = false;
+    std::string rule;  ///< to explain; nothing is validated then
+    std::string color;
+};
 
 /// The number of errors, with those that are not shown one by one.
 std::size_t errorsOf(const Findings& findings) {
@@ -34,49 +47,32 @@ std::string plain(const Findings& findings, bool color) {
     std::string text;
     for (const CheckFinding& finding : findings) {
         const std::string severity = PlatformCheck::severityText(finding.severity);
-        text += cli::printable(finding.file);
+        text += printable(finding.file);
         if (finding.line > 0) text.append(":").append(std::to_string(finding.line));
         if (finding.column > 0) text.append(":").append(std::to_string(finding.column));
         text += ": ";
         text += color ? COLORS[finding.severity] + severity + "\033[0m" : severity;
-        text.append(": ").append(cli::clause(finding.text));
+        text.append(": ").append(clause(finding.text));
         text.append(" [").append(finding.rule).append("]\n");
     }
     return text;
 }
 
 std::string json(const Findings& findings) {
-    mav_platform::JSONObjectWriter writer;
-    writer.addKey("errors", static_cast<unsigned>(errorsOf(findings)));
-    writer.addList("findings", [&](mav_platform::JSONListWriter& list) {
-        for (const CheckFinding& finding : findings) {
-            list.addObject([&](mav_platform::JSONObjectWriter& item) {
-                item.addKey("file", HI18N_convertToUTF8(finding.file));
-                item.addKey("line", static_cast<unsigned>(finding.line));
-                item.addKey("column", static_cast<unsigned>(finding.column));
-                item.addKey("severity", PlatformCheck::severityText(finding.severity));
-                item.addKey("rule", finding.rule);
-                item.addKey("text", HI18N_convertToUTF8(finding.text));
-            });
-        }
-    });
-    return cli::withEmptyLists(writer.text(), {{"findings", findings.empty()}});
-}
-
-std::string quoted(std::string_view text) {
-    static constexpr char DIGITS[] = "0123456789abcdef";
-    std::string result = "\"";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            result.append(1, '\\').append(1, c);
-        } else if (byte < 0x20) {
-            result.append("\\u00").append(1, DIGITS[byte >> 4U]).append(1, DIGITS[byte & 15U]);
-        } else {
-            result += c;
-        }
+    JSONValue list = JSONValue::list();
+    for (const CheckFinding& finding : findings) {
+        list.add(JSONValue::object()
+                     .add("file", finding.file)
+                     .add("line", finding.line)
+                     .add("column", finding.column)
+                     .add("severity", PlatformCheck::severityText(finding.severity))
+                     .add("rule", finding.rule)
+                     .add("text", finding.text));
     }
-    return result + '"';
+    return JSONValue::object()
+        .add("errors", errorsOf(findings))
+        .add("findings", std::move(list))
+        .text();
 }
 
 /// The path as a URI reference.
@@ -97,41 +93,47 @@ std::string uri(std::string_view path) {
     return text;
 }
 
-/// SARIF 2.1.0, the static analysis results interchange format of OASIS. Its numbers are numbers,
-/// which the library's writer, made for the platform document, does not write.
+JSONValue sarifText(const std::string& text) {
+    return JSONValue::object().add("text", text);
+}
+
+JSONValue sarifPlace(const CheckFinding& finding) {
+    JSONValue place = JSONValue::object();
+    place.add("artifactLocation", JSONValue::object().add("uri", uri(finding.file)));
+    if (finding.line > 0) {
+        JSONValue region = JSONValue::object().add("startLine", finding.line);
+        if (finding.column > 0) region.add("startColumn", finding.column);
+        place.add("region", std::move(region));
+    }
+    return JSONValue::object().add("physicalLocation", std::move(place));
+}
+
+/// SARIF 2.1.0, the static analysis results interchange format of OASIS.
 std::string sarif(const Findings& findings) {
-    std::string text =
-        "{\n  \"version\": \"2.1.0\",\n"
-        "  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
-        "  \"runs\": [{\n    \"tool\": {\"driver\": {\"name\": \"mav validate\", "
-        "\"version\": \"" MAV_VERSION "\", \"rules\": [";
-    const char* comma = "\n";
+    JSONValue rules = JSONValue::list();
     for (const CheckRule& rule : PlatformCheck::rules()) {
-        text.append(comma).append("      {\"id\": ").append(quoted(rule.name));
-        text.append(", \"shortDescription\": {\"text\": ")
-            .append(quoted(rule.summary))
-            .append("}}");
-        comma = ",\n";
+        rules.add(JSONValue::object()
+                      .add("id", rule.name)
+                      .add("shortDescription", sarifText(rule.summary)));
     }
-    text += "\n    ]}},\n    \"results\": [";
-    comma = "\n";
+    JSONValue results = JSONValue::list();
     for (const CheckFinding& finding : findings) {
-        text.append(comma).append("      {\"ruleId\": ").append(quoted(finding.rule));
-        text.append(", \"level\": ").append(quoted(PlatformCheck::severityText(finding.severity)));
-        text.append(", \"message\": {\"text\": ").append(quoted(HI18N_convertToUTF8(finding.text)));
-        text.append("}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": ");
-        text.append(quoted(uri(finding.file))).append("}");
-        if (finding.line > 0) {
-            text.append(", \"region\": {\"startLine\": ").append(std::to_string(finding.line));
-            if (finding.column > 0) {
-                text.append(", \"startColumn\": ").append(std::to_string(finding.column));
-            }
-            text += '}';
-        }
-        text += "}}]}";
-        comma = ",\n";
+        results.add(JSONValue::object()
+                        .add("ruleId", finding.rule)
+                        .add("level", PlatformCheck::severityText(finding.severity))
+                        .add("message", sarifText(finding.text))
+                        .add("locations", JSONValue::list().add(sarifPlace(finding))));
     }
-    return text + "\n    ]\n  }]\n}\n";
+    JSONValue driver = JSONValue::object().add("name", "mav validate").add("version", MAV_VERSION);
+    driver.add("rules", std::move(rules));
+    JSONValue run = JSONValue::object();
+    run.add("tool", JSONValue::object().add("driver", std::move(driver)));
+    run.add("results", std::move(results));
+    return JSONValue::object()
+        .add("version", "2.1.0")
+        .add("$schema", "https://json.schemastore.org/sarif-2.1.0.json")
+        .add("runs", JSONValue::list().add(std::move(run)))
+        .text();
 }
 
 /// What the errors add up to, and how to go on.
@@ -147,24 +149,18 @@ std::string summary(const Findings& findings, std::size_t errors) {
            ". 'mav validate --explain RULE' tells what a rule asks for.";
 }
 
-void explain(const std::string& rule) {
-    const std::string_view page = cli::rulePage(rule);
-    if (page.empty()) {
-        std::vector<std::string> names;
-        for (const CheckRule& known : PlatformCheck::rules()) names.push_back(known.name);
-        std::string list;
-        for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
-        const std::string meant = cli::nearest(rule, names);
-        throw cli::UsageError("unknown rule '" + cli::printable(rule) + "': there are " + list +
-                                  "." + (meant.empty() ? "" : " Did you mean '" + meant + "'?"),
-                              "validate");
-    }
-    cli::writeAnswer(page.substr(page.find("# ")));
+std::vector<std::string> ruleNames() {
+    std::vector<std::string> names;
+    for (const CheckRule& rule : PlatformCheck::rules()) names.push_back(rule.name);
+    return names;
 }
 
-}  // namespace
+void explain(const std::string& rule) {
+    const std::string_view page = rulePage(rule);
+    writeAnswer(page.substr(page.find("# ")));
+}
 
-bool cli::runValidate(const ValidateOptions& options) {
+bool run(const Options& options) {
     if (!options.rule.empty()) {
         if (!options.files.empty() || options.json || options.sarif)
             throw UsageError(
@@ -182,7 +178,7 @@ bool cli::runValidate(const ValidateOptions& options) {
         if (file.empty())
             throw UsageError("FILE is empty; give the path of a platform file.", "validate");
     }
-    const bool color = wantsColor(options.color, "validate");
+    const bool color = wantsColor(options.color);
     Findings all;
     for (const std::string& file : options.files) {
         Findings findings = PlatformCheck::run(file);
@@ -190,9 +186,25 @@ bool cli::runValidate(const ValidateOptions& options) {
         if (!options.json && !options.sarif) writeAnswer(plain(findings, color));
         std::move(findings.begin(), findings.end(), std::back_inserter(all));
     }
-    if (options.json) writeAnswer(json(all));
-    if (options.sarif) writeAnswer(sarif(all));
+    if (options.json) writeData(json(all));
+    if (options.sarif) writeData(sarif(all));
     const std::size_t errors = errorsOf(all);
     if (errors > 0) complain(summary(all, errors));
     return errors == 0;
 }
+
+}  // namespace
+
+void commands::validate(Command& command) {
+    command.description = "Find all that is wrong with platforms";
+    command.notes = NOTES;
+    auto& options = command.runs(run);
+    command.argument("FILE", &options.files, "Platform files").required = false;
+    command.flag("--json", options.json, "Print JSON");
+    command.flag("--sarif", options.sarif, "Print SARIF 2.1.0");
+    command.option("--explain", &options.rule, "RULE", "Print the page about a rule")
+        .oneOf("rule", ruleNames());
+    addColor(command, options.color, "When to colour");
+}
+
+}  // namespace cli

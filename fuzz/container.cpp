@@ -4,19 +4,10 @@
 #include "mav_host/xp.h"
 #include "support.h"
 
-namespace {
-
-class Key final : public mav_host::KeyProvider {
-    std::optional<std::string> key() const override { return "fuzz"; }
-};
-
-}  // namespace
-
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     namespace xp = isl::iostreams::xp;
-    static Key key;
+    fuzz::useKey();
     const std::string path = fuzz::file("card.xp", data, size);
-    mav_host::setKeyProvider(&key);
     const bool container = xp::is_xp_format(path);
     try {
         const std::string content = xp::read(path);

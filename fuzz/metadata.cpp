@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Archive metadata: what is read makes a document that is JSON.
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "mav_platform/HMAVDsaJsonReader.h"
 #include "mav_platform/HPLPlatform.h"
 #include "support.h"
 

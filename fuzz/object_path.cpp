@@ -8,7 +8,7 @@ namespace paths = mav::platform::paths;
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const mav_platform::json::Document document(
         R"({"hardwarePlatforms": {"hardwarePlatform": {"systemClocks": [{"name": "a", "id": "0"},
-            {"name": "b", "id": "1"}], "files": [[], [["x"], "y"], {"": {"": "z"}}], "n": "1"}},
+            {"name": "b", "id": "1"}], "files": [[], [["x"], "y"], {"": "w", "k": "z"}], "n": "1"}},
             "hardwarePlatform": {"n": "2"}, "[0]": "k", "": ["p", {"n": ["q"]}]})");
     static const boost::property_tree::ptree tree = document.tree();
     const std::string text = fuzz::text(data, size);
@@ -24,7 +24,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto nodes = paths::findAll(document.root(), path);
     fuzz::require(places.size() == nodes.size(), "the numbers of objects differ");
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        fuzz::require(nodes[i]->tree() == *places[i], "the objects differ");
+        fuzz::require(nodes[i].place->tree() == *places[i].place, "the objects differ");
+        fuzz::require(nodes[i].indices == places[i].indices, "their places differ");
     }
     bool found = false;
     const auto objects = paths::objectsAt(document.root(), text, found);

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -63,11 +65,33 @@ inline std::string text(const std::uint8_t* data, std::size_t size) {
     return {data, data + size};
 }
 
+/// An empty directory of that name.
+inline std::string freshDir(const std::string& name) {
+    std::string path = surroundings().dir() + "/" + name;
+    std::filesystem::remove_all(path);
+    std::filesystem::create_directories(path);
+    return path;
+}
+
 /// Writes the input to a file of that name and answers its path.
 inline std::string file(const char* name, const std::uint8_t* data, std::size_t size) {
-    const std::string path = surroundings().dir() + "/" + name;
+    std::string path = surroundings().dir() + "/" + name;
     std::ofstream(path, std::ios::binary) << text(data, size);
     return path;
+}
+
+inline std::string content(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Gives the host the key of protected files.
+inline void useKey() {
+    class Key final : public mav_host::KeyProvider {
+        std::optional<std::string> key() const override { return "a key for fuzzing"; }
+    };
+    static Key key;
+    mav_host::setKeyProvider(&key);
 }
 
 /// Ends the process as a fault does when something that must hold does not.

@@ -3,7 +3,9 @@
 
 #include <iostream>
 
-#include "MessageCatalogue.h"
+#include "mav_host/Messages.h"
+#include "mav_host/Printable.h"
+#include "mav_host/ReportScope.h"
 
 namespace {
 
@@ -29,27 +31,24 @@ std::string_view catalogueKey(std::string_view id) {
     return end == std::string_view::npos ? id : id.substr(1, end - 1);
 }
 
-void appendVisible(std::string& line, std::string_view text) {
-    constexpr char HEX[] = "0123456789ABCDEF";
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code >= 0x20 && code != 0x7F) {
-            line += c;
-        } else {
-            line += {'\\', 'x', HEX[code >> 4U], HEX[code & 15U]};
-        }
-    }
-}
-
 void appendSentence(std::string& line, std::string_view sentence,
                     const HSTVector<std::string>& args) {
     for (std::size_t i = 0; i < sentence.size(); ++i) {
+        if (sentence[i] == '[') {
+            // Left out when it tells of a line that is not known.
+            const std::size_t end = sentence.find(']', i);
+            std::string part;
+            appendSentence(part, sentence.substr(i + 1, end - i - 1), args);
+            if (!part.ends_with(" 0")) line += part;
+            i = end;
+            continue;
+        }
         if (sentence[i] != '%' || i + 1 == sentence.size()) {
             line += sentence[i];
             continue;
         }
         const auto index = static_cast<std::size_t>(sentence[++i] - '1');
-        if (index < args.size()) appendVisible(line, args[index]);
+        if (index < args.size()) line += mav_host::printable(args[index]);
     }
 }
 
@@ -61,7 +60,9 @@ void ComMsgMgr::sendMsg(int level, const std::string& group, std::uint32_t mask,
                         const std::string& id, const HSTVector<std::string>& args) {
     try {
         const ComMsg message{level, group, mask, id, args};
-        if (theSink != nullptr) {
+        if (mav_host::ReportScope* const scope = mav_host::ReportScope::innermost()) {
+            scope->take(message);
+        } else if (theSink != nullptr) {
             theSink->send(message);
         } else {
             std::cerr << format(message) + "\n" << std::flush;
@@ -88,14 +89,17 @@ std::string ComMsgMgr::format(const ComMsg& message) {
     }
     for (std::size_t i = 0; i < message.args.size(); ++i) {
         if (i != 0) line += ", ";
-        appendVisible(line, message.args[i]);
+        line += mav_host::printable(message.args[i]);
     }
     return line;
 }
 
 std::string_view ComMsgMgr::sentence(std::string_view catalogueKey) {
-    for (const mav_host::CatalogueEntry& entry : mav_host::MESSAGE_CATALOGUE) {
-        if (entry.key == catalogueKey) return entry.sentence;
+#define MAV_MESSAGE_ROW(NAME, LEVEL, MASK, ID, SENTENCE) mav_host::messages::NAME,
+    static constexpr mav_host::MessageRow CATALOGUE[] = {MAV_MESSAGES(MAV_MESSAGE_ROW)};
+#undef MAV_MESSAGE_ROW
+    for (const mav_host::MessageRow& row : CATALOGUE) {
+        if (row.key() == catalogueKey) return row.sentence;
     }
     return {};
 }

@@ -52,9 +52,14 @@ DirMemory::Dir& DirMemory::entry(std::string_view dir) {
     return known.second;
 }
 
-std::shared_ptr<const DirItems> DirMemory::items(std::string_view dir) const {
-    const Dir* const known = find(dir);
-    return known != nullptr ? known->items : nullptr;
+std::shared_ptr<const DirItems> DirMemory::items(const DirIdentity& identity) const {
+    const auto found = items_.find(identity);
+    return found != items_.end() ? found->second : nullptr;
+}
+
+void DirMemory::keep(std::string_view dir, Dir known) {
+    items_.emplace(known.identity, known.items);
+    entry(dir) = std::move(known);
 }
 
 unsigned char DirMemory::typeOf(std::string_view path) const {

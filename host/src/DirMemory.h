@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,6 +22,9 @@ struct DirItem {
 /// Sorted by bytes; without "." and "..", and without anything of an unknown kind.
 using DirItems = std::vector<DirItem>;
 
+/// Device and inode: one directory, whatever the path.
+using DirIdentity = std::pair<dev_t, ino_t>;
+
 /// What was seen of directories, by their path without a separator at its end. It answers only with
 /// what is there; whatever it does not know has to be asked of the system.
 class DirMemory {
@@ -31,10 +37,14 @@ class DirMemory {
     struct Dir {
         std::shared_ptr<const DirItems> items;  ///< null when it has not been read
         bool canonical = false;                 ///< the path is its canonical name
+        DirIdentity identity;                   ///< with items alone
     };
-    /// The directory's content; null when it has not been read.
-    std::shared_ptr<const DirItems> items(std::string_view dir) const;
-    void keep(std::string_view dir, Dir known) { entry(dir) = std::move(known); }
+    /// Null when nothing is known of the path. Valid until something is kept.
+    const Dir* find(std::string_view dir) const;
+    /// The content as another path has shown it; null when none has.
+    std::shared_ptr<const DirItems> items(const DirIdentity& identity) const;
+    /// Keeps a directory that was read.
+    void keep(std::string_view dir, Dir known);
     void keepCanonical(std::string_view dir) { entry(dir).canonical = true; }
 
     /// The kind of what the path names; DT_UNKNOWN when that was not seen.
@@ -49,11 +59,11 @@ class DirMemory {
             return std::hash<std::string_view>()(text);
         }
     };
-    const Dir* find(std::string_view dir) const;
     Dir& entry(std::string_view dir);
 
     using Dirs = std::unordered_map<std::string, Dir, Hash, std::equal_to<>>;
     Dirs dirs_;
+    std::map<DirIdentity, std::shared_ptr<const DirItems>> items_;
     mutable const Dirs::value_type* last_ =
         nullptr;  ///< questions come in runs about one directory
 };

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +27,8 @@ class FileDescriptor {
 
     int get() const { return fd_; }
     bool isOpen() const { return fd_ >= 0; }
+    /// Gives the file to somebody else.
+    int release() { return std::exchange(fd_, -1); }
     /// False when closing reports a failure, as some file systems do for writes.
     bool close() {
         const int fd = std::exchange(fd_, -1);
@@ -35,18 +39,30 @@ class FileDescriptor {
     int fd_ = -1;
 };
 
-/// Syncs a file or a directory that is named by path. False with errno set when that fails.
-inline bool syncPath(const std::string& path) {
-    const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    return fd.isOpen() && ::fsync(fd.get()) == 0;
-}
+/// Opens a regular file for reading without waiting for anybody, such as the writer of a named
+/// pipe. What was opened is what was checked. Not open with errno set when that fails; errno is 0
+/// for what is no regular file. `flags` are added to those of opening.
+FileDescriptor openRegular(const std::string& path, int flags = 0, int dir = AT_FDCWD);
 
-/// Writes all of the content. False with errno set when that fails.
+/// Appends what is left of the file, and stops behind `limit` bytes, so a text longer than that
+/// tells of a larger file. False with errno set when reading fails.
+bool readAll(int fd, std::uint64_t limit, std::string& out);
+
+/// Writes all of the content. False with errno set when that fails, also where the system would end
+/// the process with a signal: a file larger than allowed, a pipe without a reader.
 bool writeAll(int fd, std::string_view content);
 
 /// The mode of a new file: what the process's mask leaves of 0666. Read without changing the mask
 /// where the system shows it, because the tool's other threads may be making files.
 mode_t newFileMode();
+
+/// What a file that replaces another one may keep of its mode when it could not get its owner or
+/// group: no rights that the old ones had and the new ones had not.
+mode_t keptMode(const struct stat& before, uid_t owner, gid_t group);
+
+/// Gives the file the mode of the one that it replaces, and owner and group where the system lets
+/// us. False with errno set when the mode cannot be set.
+bool keepRights(int fd, const struct stat& before);
 
 /// The file that a link leads to; the path itself when it is no link or leads nowhere.
 std::string behindLinks(const std::string& path);

@@ -18,7 +18,8 @@ void HBOBoardCDataManager::getBoardPartRepoPaths(HSTVector<std::string>& out) co
 }
 
 HBOBoardCDataManager* HBOBoardCDataManager::create() {
-    return theFactory != nullptr ? theFactory() : new HBOBoardCDataManager;
+    HBOBoardCDataManager* const made = theFactory != nullptr ? theFactory() : nullptr;
+    return made != nullptr ? made : new HBOBoardCDataManager;
 }
 
 HBOBoardCDataManager::Factory HBOBoardCDataManager::setFactory(Factory factory) {

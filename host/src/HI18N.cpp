@@ -74,7 +74,3 @@ std::string HI18N_convertToUTF8(std::string_view text) {
     }
     return converted;
 }
-
-std::string HI18N::convert(std::string_view text) {
-    return HI18N_convertToUTF8(text);
-}

@@ -8,9 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -22,12 +20,9 @@
 
 namespace {
 
-/// Bounds trees in which links make the paths multiply with every level.
-constexpr unsigned MOST_VISITS = 16;
-
 HUTDirWalkProgress* theProgress = nullptr;
 
-using Identity = std::pair<dev_t, ino_t>;
+using mav_host::DirIdentity;
 using mav_host::DirItem;
 using mav_host::DirItems;
 using mav_host::DirMemory;
@@ -37,13 +32,16 @@ struct Level {
     std::size_t prefix;  ///< length of the directory's path, with the separator
     std::shared_ptr<const DirItems> items;
     std::size_t next = 0;
-    bool canonical = false;            ///< the path is known to be the canonical name
-    std::optional<Identity> identity;  ///< known when loops are possible
+    bool canonical = false;  ///< the path is known to be the canonical name
+    DirIdentity identity;
 };
 
+[[noreturn]] void fail(const std::string& dir, const std::string& reason) {
+    throw HEXUserException("The directory '" + dir + "' cannot be read: " + reason);
+}
+
 [[noreturn]] void fail(const std::string& dir, int error) {
-    throw HEXUserException("The directory '" + dir +
-                           "' cannot be read: " + std::generic_category().message(error));
+    fail(dir, std::generic_category().message(error));
 }
 
 /// The kind of a file that the directory did not tell; unknown when the file has vanished.
@@ -56,9 +54,11 @@ unsigned char askType(const std::string& path) {
 /// Room for what the system tells of a directory at once; taken once for all of a walk.
 using Answers = std::array<char, 32U << 10U>;
 
-std::shared_ptr<const DirItems> readItems(int dir, const std::string& path, Answers& answers) {
+/// Stops soon after `most` items, which are too many then.
+std::shared_ptr<const DirItems> readItems(int dir, const std::string& path, std::size_t most,
+                                          Answers& answers) {
     auto items = std::make_shared<DirItems>();
-    for (;;) {
+    while (items->size() <= most) {
         const ssize_t size = ::getdents64(dir, answers.data(), answers.size());
         // A directory that was removed after it was opened has nothing in it.
         if (size == 0 || (size < 0 && errno == ENOENT)) break;
@@ -82,12 +82,10 @@ std::shared_ptr<const DirItems> readItems(int dir, const std::string& path, Answ
 class Walk {
   public:
     Walk(const HUTDirWalk::Options& options, const HUTDirWalk::Visitor& visit)
-        : options_(options),
-          visit_(visit),
-          guarded_(options.followLinks &&
-                   options.maxDepth == std::numeric_limits<std::size_t>::max()) {}
+        : options_(options), visit_(visit), left_(options.mostEntries) {}
 
     bool run(const std::string& dir) {
+        top_ = dir;
         const DirMemory* const memory = DirMemory::current();
         entry_.path = dir;
         enter(memory != nullptr && memory->isCanonical(dir));
@@ -117,18 +115,39 @@ class Walk {
         std::string& dir = entry_.path;
         Level level;
         level.canonical = canonical;
-        DirMemory* const memory = guarded_ ? nullptr : DirMemory::current();
-        if (memory != nullptr) level.items = memory->items(dir);
-        if (!level.items) {
-            if (!open(dir, level)) return;
-            if (memory != nullptr) memory->keep(dir, {level.items, canonical});
-        }
+        if (!look(dir, level)) return;
         if (!dir.ends_with('/')) dir += '/';
         level.prefix = dir.size();
         levels_.push_back(std::move(level));
     }
 
-    /// Reads the directory; false when it is to be passed over.
+    /// Fills the level from what is remembered or from the system; false when the directory is to
+    /// be passed over.
+    bool look(const std::string& dir, Level& level) {
+        DirMemory* const memory = DirMemory::current();
+        const DirMemory::Dir* const known = memory != nullptr ? memory->find(dir) : nullptr;
+        if (known != nullptr && known->items) {
+            level.items = known->items;
+            level.identity = known->identity;
+            if (isOpen(level.identity)) return false;
+            spend(level.items->size());
+            return true;
+        }
+        if (!open(dir, level)) return false;
+        spend(level.items->size());
+        if (memory != nullptr) memory->keep(dir, {level.items, level.canonical, level.identity});
+        return true;
+    }
+
+    void spend(std::size_t entries) {
+        if (entries > left_) {
+            fail(entry_.path, "it takes the walk of '" + top_ + "' beyond " +
+                                  std::to_string(options_.mostEntries) +
+                                  " entries; walk its parts by themselves");
+        }
+        left_ -= entries;
+    }
+
     bool open(const std::string& dir, Level& level) {
         const FileDescriptor file(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!file.isOpen()) {
@@ -136,13 +155,13 @@ class Walk {
             if (vanished && !levels_.empty()) return false;
             fail(dir, errno);
         }
-        if (guarded_) {
-            struct stat status = {};
-            if (::fstat(file.get(), &status) != 0) fail(dir, errno);
-            level.identity = Identity(status.st_dev, status.st_ino);
-            if (isOpen(*level.identity) || ++visits_[*level.identity] > MOST_VISITS) return false;
-        }
-        level.items = readItems(file.get(), dir, *answers_);
+        struct stat status = {};
+        if (::fstat(file.get(), &status) != 0) fail(dir, errno);
+        level.identity = {status.st_dev, status.st_ino};
+        if (isOpen(level.identity)) return false;
+        const DirMemory* const memory = DirMemory::current();
+        if (memory != nullptr) level.items = memory->items(level.identity);
+        if (!level.items) level.items = readItems(file.get(), dir, left_, *answers_);
         return true;
     }
 
@@ -154,18 +173,18 @@ class Walk {
         return true;
     }
 
-    bool isOpen(const Identity& identity) const {
+    bool isOpen(const DirIdentity& identity) const {
         return std::any_of(levels_.begin(), levels_.end(),
                            [&](const Level& level) { return level.identity == identity; });
     }
 
     const HUTDirWalk::Options& options_;
     const HUTDirWalk::Visitor& visit_;
-    bool guarded_;
+    std::size_t left_;  ///< entries that the walk may still come to
+    std::string top_;
     std::unique_ptr<Answers> answers_ = std::make_unique_for_overwrite<Answers>();
     HUTDirWalk::Entry entry_;  ///< one for all, so that its path is not taken anew for each
     std::vector<Level> levels_;
-    std::map<Identity, unsigned> visits_;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <stdlib.h>
 #include <sys/auxv.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
@@ -29,12 +31,32 @@ constexpr unsigned COMPILED_MINOR = 1;
 HUTEnvProvider* theProvider = nullptr;
 std::string theProductName;
 
-/// Removes the process's temporary directory at exit, but not in a child that inherited it.
-struct TmpDir {
+/// A directory that this process made, and what tells it from another one of its name.
+struct OwnDir {
     std::string path;
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    bool isThere(struct stat& status) const {
+        return ::lstat(path.c_str(), &status) == 0 && status.st_dev == device &&
+               status.st_ino == inode && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+    }
+    bool isPrivate() const {
+        struct stat status = {};
+        return isThere(status) && (status.st_mode & 07777U) == 0700U;
+    }
+};
+
+/// Removes the process's temporary directories at exit, but not in a child that inherited them.
+struct TmpDir {
+    std::vector<OwnDir> made;  ///< the last one is in use
     pid_t owner = 0;
     ~TmpDir() {
-        if (!path.empty() && owner == ::getpid()) HUTFileUtils::removeDirs(path);
+        if (owner != ::getpid()) return;
+        struct stat status = {};
+        for (const OwnDir& dir : made) {
+            if (dir.isThere(status)) HUTFileUtils::removeDirs(dir.path);
+        }
     }
 };
 
@@ -73,10 +95,12 @@ void splitRelease(std::string_view text, unsigned& major, unsigned& minor) {
 
 class DefaultProvider final : public HUTEnvProvider {
   public:
-    const char* getEnv(const std::string& name) const override { return std::getenv(name.c_str()); }
+    const char* getEnv(const std::string& name) const override {
+        return ::secure_getenv(name.c_str());
+    }
 
     void getAppRootList(HSTVector<std::string>& out) const override {
-        const char* const roots = std::getenv("MAV_APP_ROOT");
+        const char* const roots = ::secure_getenv("MAV_APP_ROOT");
         if (roots == nullptr || *roots == '\0') {
             const std::string share = shareDir(theLibrary);
             if (!share.empty()) out.push_back(share);
@@ -92,35 +116,39 @@ class DefaultProvider final : public HUTEnvProvider {
 
     std::string getTmpDir() const override {
         static TmpDir dir;
-        // A cleaner of old temporary files may have removed it from a tool that runs for days.
-        if (dir.owner != ::getpid() || !HUTFile::isDir(dir.path)) {
-            dir.path = makeTmpDir();
-            dir.owner = ::getpid();
-        }
-        return dir.path;
+        if (dir.owner != ::getpid()) dir.made.clear();
+        dir.owner = ::getpid();
+        // A cleaner of old temporary files may have removed it from a tool that runs for days, and
+        // somebody else made one of that name.
+        if (dir.made.empty() || !dir.made.back().isPrivate()) dir.made.push_back(makeTmpDir());
+        return dir.made.back().path;
     }
 
     unsigned getMajor() const override { return release().first; }
     unsigned getMinor() const override { return release().second; }
 
   private:
-    static std::string makeTmpDir() {
-        const char* const variable = std::getenv("TMPDIR");
+    static OwnDir makeTmpDir() {
+        const char* const variable = ::secure_getenv("TMPDIR");
         const std::string parent =
             HUTFile::getCanonicalName(variable != nullptr && *variable != '\0' ? variable : "/tmp");
-        std::string name = parent + "/mav-XXXXXX";
-        if (::mkdtemp(name.data()) == nullptr) {
+        OwnDir own;
+        own.path = parent + "/mav-XXXXXX";
+        struct stat status = {};
+        if (::mkdtemp(own.path.data()) == nullptr || ::lstat(own.path.c_str(), &status) != 0) {
             const std::error_code error(errno, std::generic_category());
             throw HEXUserException(
                 "HUTEnv::getHDITmpDir() - no temporary directory can be made in '" + parent +
                 "': " + error.message() + "; set TMPDIR to a directory that can be written");
         }
-        return name;
+        own.device = status.st_dev;
+        own.inode = status.st_ino;
+        return own;
     }
 
     static std::pair<unsigned, unsigned> release() {
         std::pair<unsigned, unsigned> result(COMPILED_MAJOR, COMPILED_MINOR);
-        const char* const text = std::getenv("MAV_TOOL_RELEASE");
+        const char* const text = ::secure_getenv("MAV_TOOL_RELEASE");
         if (text != nullptr && *text != '\0') splitRelease(text, result.first, result.second);
         return result;
     }

@@ -3,13 +3,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <string_view>
 #include <system_error>
 
 #include "FileDescriptor.h"
+#include "NewFile.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 
@@ -19,56 +17,42 @@ namespace {
 
 using mav_host::FileDescriptor;
 
-[[noreturn]] void refuse(const std::string& path, const char* step, const std::string& temporary) {
-    const std::error_code error(errno, std::generic_category());
-    if (!temporary.empty()) ::unlink(temporary.c_str());
-    throw HEXUserException("The file '" + path + "' cannot be written (" + step +
-                           "): " + error.message() + "; it is as it was");
+[[noreturn]] void refuseWith(const std::string& path, const char* step, const std::string& reason) {
+    throw HEXUserException("The file '" + path + "' cannot be written (" + step + "): " + reason);
 }
 
-/// The mode of the file that will be replaced, else that of a new one. Refuses what is no file,
+[[noreturn]] void refuse(const std::string& path, const char* step) {
+    const std::error_code error(errno, std::generic_category());
+    refuseWith(path, step, error.message() + "; it is as it was");
+}
+
+/// What stands where the file is to be; a mode of 0 when nothing does. Refuses what is no file,
 /// because the rename would put a file in the place of a device or a pipe.
-mode_t modeFor(const std::string& path, const std::string& target) {
-    struct stat status;
-    if (::stat(target.c_str(), &status) != 0) return mav_host::newFileMode();
-    if (S_ISREG(status.st_mode)) return status.st_mode & 07777U;
-    throw HEXUserException("The file '" + path +
-                           "' cannot be written (looking at it): it is a directory or a device; it "
-                           "is as it was");
+struct stat lookAt(const std::string& path, const std::string& target,
+                   const HUTFileUtils::Writing& how) {
+    struct stat status = {};
+    const int found =
+        how.replacesLinks ? ::lstat(target.c_str(), &status) : ::stat(target.c_str(), &status);
+    if (found != 0 || S_ISLNK(status.st_mode)) return {};  // nothing, or a link to be replaced
+    const bool device = S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode);
+    if (S_ISREG(status.st_mode) || (device && how.toDevices)) return status;
+    refuseWith(path, "looking at it", "it is a directory or a device; it is as it was");
+}
+
+/// Writes to a device or a named pipe as it stands; waits for the pipe's reader.
+void writeTo(const std::string& path, const std::string& content) {
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) refuse(path, "opening");
+    if (S_ISREG(status.st_mode)) {
+        refuseWith(path, "opening", "it was replaced meanwhile; it is as it was");
+    }
+    if (!mav_host::writeAll(file.get(), content) || !file.close()) {
+        refuseWith(path, "writing", std::generic_category().message(errno));
+    }
 }
 
 }  // namespace
-
-bool mav_host::writeAll(int fd, std::string_view content) {
-    std::size_t done = 0;
-    while (done < content.size()) {
-        const ssize_t count = ::write(fd, content.data() + done, content.size() - done);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        done += static_cast<std::size_t>(count);
-    }
-    return true;
-}
-
-mode_t mav_host::newFileMode() {
-    std::ifstream status("/proc/self/status");
-    constexpr std::string_view LABEL = "Umask:";
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, LABEL.size(), LABEL) != 0) continue;
-        const auto shown = std::strtoul(line.c_str() + LABEL.size(), nullptr, 8);
-        return 0666U & ~static_cast<mode_t>(shown);
-    }
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666U & ~mask;
-}
-
-std::string mav_host::behindLinks(const std::string& path) {
-    std::error_code error;
-    if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
-    const fs::path target = fs::canonical(path, error);
-    return error ? path : target.string();
-}
 
 bool HUTFileUtils::makeDirs(const std::string& path) {
     std::error_code error;
@@ -105,34 +89,54 @@ std::string HUTFileUtils::readWhole(const std::string& path, std::uint64_t limit
     const auto refuseReading = [&path](const std::string& reason) {
         throw HEXUserException("The file '" + path + "' cannot be read: " + reason);
     };
-    // Asked before opening, which would wait for a writer of a named pipe.
-    if (!HUTFile::isFile(path)) {
-        refuseReading(HUTFile::exists(path) ? "it is not a regular file" : "it does not exist");
+    const FileDescriptor file = mav_host::openRegular(path);
+    if (!file.isOpen()) {
+        if (errno == 0) refuseReading("it is not a regular file");
+        if (errno == ENOENT) refuseReading("it does not exist");
+        refuseReading(std::generic_category().message(errno));
     }
-    std::ifstream file(path, std::ios::binary);
-    if (!file) refuseReading(std::generic_category().message(errno));
     std::string content;
-    char piece[1U << 16U];
-    while (file.read(piece, sizeof(piece)) || file.gcount() > 0) {
-        content.append(piece, static_cast<std::size_t>(file.gcount()));
-        if (content.size() > limit) {
-            refuseReading("it is larger than " + std::to_string(limit) + " bytes");
-        }
+    if (!mav_host::readAll(file.get(), limit, content)) {
+        refuseReading(std::generic_category().message(errno));
     }
-    if (file.bad()) refuseReading("reading failed before its end");
+    if (content.size() > limit) {
+        refuseReading("it is larger than " + std::to_string(limit) + " bytes");
+    }
+    return content;
+}
+
+std::optional<std::string> HUTFileUtils::tryRead(const std::string& path, std::uint64_t limit) {
+    const FileDescriptor file = mav_host::openRegular(path);
+    std::string content;
+    if (!file.isOpen() || !mav_host::readAll(file.get(), limit, content)) return std::nullopt;
     return content;
 }
 
 void HUTFileUtils::writeWhole(const std::string& path, const std::string& content) {
-    const std::string target = mav_host::behindLinks(path);
-    const mode_t mode = modeFor(path, target);
-    std::string temporary = target + ".new-XXXXXX";
-    FileDescriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file.isOpen()) refuse(path, "making a file beside it", "");
-    if (!mav_host::writeAll(file.get(), content)) refuse(path, "writing", temporary);
-    if (::fchmod(file.get(), mode) != 0) refuse(path, "setting permissions", temporary);
-    if (::fsync(file.get()) != 0 || !file.close()) refuse(path, "syncing", temporary);
-    if (::rename(temporary.c_str(), target.c_str()) != 0) refuse(path, "renaming", temporary);
-    const std::string parent = HUTFile::getParent(target);
-    mav_host::syncPath(parent.empty() ? "." : parent);
+    writeWhole(path, content, Writing());
+}
+
+void HUTFileUtils::writeWhole(const std::string& path, const std::string& content,
+                              const Writing& how) {
+    constexpr const char* MAKING = "making a file beside it";
+    const std::string target = how.replacesLinks ? path : mav_host::behindLinks(path);
+    const struct stat before = lookAt(path, target, how);
+    const bool exists = before.st_mode != 0;
+    if (exists && !S_ISREG(before.st_mode)) return writeTo(path, content);
+    const mav_host::Place place(target);
+    errno = place.error;
+    if (!place.dir.isOpen()) refuse(path, MAKING);
+    const std::string prefix = place.name + ".new-";
+    mav_host::removeDead(place.dir.get(), prefix);
+    mav_host::NewFile file(place.dir.get(), prefix, 0600);
+    if (!file.isOpen()) refuse(path, MAKING);
+    if (!mav_host::writeAll(file.get(), content)) refuse(path, "writing");
+    const mode_t fresh = how.ownerOnly ? 0600 : mav_host::newFileMode();
+    const bool granted =
+        exists ? mav_host::keepRights(file.get(), before) : ::fchmod(file.get(), fresh) == 0;
+    if (!granted) refuse(path, "setting permissions");
+    if (::fsync(file.get()) != 0 || !file.flush()) refuse(path, "syncing");
+    if (!file.rename(place.name)) refuse(path, "renaming");
+    // The new content stands from here on; not every file system can sync a directory.
+    ::fsync(place.dir.get());
 }

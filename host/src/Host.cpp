@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/Host.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include <sodium.h>
+#include <sys/stat.h>
 
+#include <iostream>
+#include <mutex>
+#include <utility>
+
+#include "FileDescriptor.h"
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/HBOBoardCDataManager.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HHSMHwManager.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTEnv.h"
-#include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
+#include "mav_host/Messages.h"
+#include "mav_host/ReportScope.h"
 
 namespace mav_host {
 namespace {
@@ -22,36 +25,52 @@ namespace {
 std::ostream* theConsole = nullptr;
 KeyProvider* theKeyProvider = nullptr;
 
+constexpr std::size_t MIN_KEY_SIZE = 16;
+constexpr std::size_t MAX_KEY_SIZE = 1U << 16U;
+
+[[noreturn]] void refuseKeyFile(const std::string& path, const std::string& reason) {
+    throw HEXUserException("The key file '" + path + "' " + reason);
+}
+
+/// Once for a file, although its key is read for each piece of work.
+void warnOfReaders(const std::string& path) {
+    static std::mutex guard;
+    static std::string last;
+    {
+        const std::lock_guard<std::mutex> hold(guard);
+        if (std::exchange(last, path) == path) return;
+    }
+    report(messages::KEY_FILE_OPEN_TO_OTHERS, path);
+}
+
 /// The content of the file that MAV_KEY_FILE names.
 std::optional<std::string> keyFromFile() {
-    constexpr std::size_t MAX_KEY_SIZE = 1U << 16U;
     const char* const path = HUTEnv::getEnv("MAV_KEY_FILE");
     if (path == nullptr || *path == '\0') return std::nullopt;
-    // Asked before opening, which would wait for a writer of a named pipe.
-    std::ifstream file;
-    if (HUTFile::isFile(path)) file.open(path, std::ios::binary);
-    if (!file.is_open()) {
-        throw HEXUserException(std::string("The key file '") + path +
-                               "' that MAV_KEY_FILE names cannot be read; correct the variable or "
-                               "the file's permissions");
+    const FileDescriptor file = openRegular(path);
+    if (!file.isOpen()) {
+        refuseKeyFile(path,
+                      "that MAV_KEY_FILE names cannot be read; correct the variable or the file's "
+                      "permissions");
     }
-    std::string key(MAX_KEY_SIZE + 1, '\0');
-    file.read(key.data(), static_cast<std::streamsize>(key.size()));
-    key.resize(static_cast<std::size_t>(file.gcount()));
-    if (file.bad()) {
-        throw HEXUserException(std::string("The key file '") + path +
-                               "' cannot be read to its end; copy it afresh");
+    SecretText key;
+    if (!readAll(file.get(), MAX_KEY_SIZE, key.text())) {
+        refuseKeyFile(path, "cannot be read to its end; copy it afresh");
     }
-    if (key.empty() || key.size() > MAX_KEY_SIZE) {
-        throw HEXUserException(std::string("The key file '") + path +
-                               "' is empty or larger than 64 KiB; give a file that holds a key");
+    if (key.size() < MIN_KEY_SIZE || key.size() > MAX_KEY_SIZE) {
+        refuseKeyFile(path,
+                      "is shorter than 16 bytes or larger than 64 KiB; give a file that holds a "
+                      "key");
     }
-    return key;
+    struct stat status = {};
+    if (::fstat(file.get(), &status) == 0 && (status.st_mode & S_IROTH) != 0) warnOfReaders(path);
+    return std::move(key.text());
 }
 
 }  // namespace
 
 std::ostream& console() {
+    if (ReportScope* const scope = ReportScope::innermost()) return scope->lines();
     return theConsole != nullptr ? *theConsole : std::cout;
 }
 
@@ -61,10 +80,22 @@ std::ostream* setConsole(std::ostream* stream) {
     return before;
 }
 
+void wipe(std::string& secret) {
+    sodium_memzero(secret.data(), secret.capacity());
+    secret.clear();
+}
+
 KeyProvider::~KeyProvider() = default;
 
 std::optional<std::string> key() {
-    return theKeyProvider != nullptr ? theKeyProvider->key() : keyFromFile();
+    if (theKeyProvider == nullptr) return keyFromFile();
+    std::optional<std::string> given = theKeyProvider->key();
+    if (given && given->size() < MIN_KEY_SIZE) {
+        wipe(*given);
+        throw HEXUserException(
+            "The key that the host gives is shorter than 16 bytes; give a longer one");
+    }
+    return given;
 }
 
 KeyProvider* setKeyProvider(KeyProvider* provider) {

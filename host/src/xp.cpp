@@ -5,11 +5,12 @@
 
 #include <array>
 #include <cstdint>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
+#include "FileDescriptor.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
@@ -48,15 +49,22 @@ struct WipeKey {
     ~WipeKey() { sodium_memzero(key.data(), key.size()); }
 };
 
+using State = crypto_secretstream_xchacha20poly1305_state;
+
+struct WipeState {
+    State state{};
+    ~WipeState() { sodium_memzero(&state, sizeof(state)); }
+};
+
 /// The cipher's key from the host's, whatever its length. False when the host has none.
 bool deriveKey(Key& key) {
     if (sodium_init() < 0) return false;
-    std::optional<std::string> secret = mav_host::key();
-    if (!secret) return false;
+    std::optional<std::string> found = mav_host::key();
+    if (!found) return false;
+    const mav_host::SecretText secret(std::move(*found));
     constexpr std::string_view CONTEXT = "mav protected container";
-    crypto_generichash(key.data(), key.size(), bytes(secret->data()), secret->size(),
+    crypto_generichash(key.data(), key.size(), bytes(secret.text().data()), secret.size(),
                        bytes(CONTEXT.data()), CONTEXT.size());
-    sodium_memzero(secret->data(), secret->size());
     return true;
 }
 
@@ -88,16 +96,13 @@ std::uint64_t containerSize(std::uint64_t plain) {
 }
 
 std::string readWhole(const std::string& path) {
-    // Asked before opening, which would wait for a writer of a named pipe.
-    std::ifstream file;
-    if (HUTFile::isFile(path)) file.open(path, std::ios::binary | std::ios::ate);
-    if (!file.is_open()) refuse(path, "cannot be read; check path and permissions");
-    const auto size = static_cast<std::size_t>(file.tellg());
-    if (size > MAX_FILE) refuse(path, "is larger than 1 GiB");
-    std::string content(size, '\0');
-    file.seekg(0);
-    file.read(content.data(), static_cast<std::streamsize>(size));
-    if (!file) refuse(path, "cannot be read to its end");
+    const mav_host::FileDescriptor file = mav_host::openRegular(path);
+    if (!file.isOpen()) refuse(path, "cannot be read; check path and permissions");
+    std::string content;
+    if (!mav_host::readAll(file.get(), MAX_FILE, content)) {
+        refuse(path, "cannot be read to its end");
+    }
+    if (content.size() > MAX_FILE) refuse(path, "is larger than 1 GiB");
     return content;
 }
 
@@ -131,8 +136,9 @@ void checkPrefix(const std::string& path, std::string_view content, const Key& k
 std::string decipher(const std::string& path, std::string_view content, const Key& key) {
     constexpr const char* CHANGED = "was changed after it was made; get it afresh";
     const std::string_view prefix = content.substr(0, PREFIX);
-    std::string plain(lengthIn(content), '\0');
-    crypto_secretstream_xchacha20poly1305_state state;
+    mav_host::SecretText plain(std::string(lengthIn(content), '\0'));
+    WipeState cipher;
+    State& state = cipher.state;
     crypto_secretstream_xchacha20poly1305_init_pull(&state, bytes(content.data() + PREFIX),
                                                     key.data());
     std::string_view rest = content.substr(PREFIX + HEADER);
@@ -148,21 +154,37 @@ std::string decipher(const std::string& path, std::string_view content, const Ke
         }
         done += piece.size() - EXTRA;
     }
-    return plain;
+    return std::move(plain.text());
 }
+
+/// Its text is wiped with it.
+class PlainStream final : public std::istringstream {
+  public:
+    explicit PlainStream(std::string text) : std::istringstream(std::move(text)) {}
+    ~PlainStream() override {
+        const std::string_view held = rdbuf()->view();
+        sodium_memzero(const_cast<char*>(held.data()), held.size());
+    }
+};
 
 }  // namespace
 
 bool is_xp_format(const std::string& path) {
-    if (!HUTFile::isFile(path)) return false;
-    std::ifstream file(path, std::ios::binary);
-    std::array<char, MAGIC.size()> start{};
-    file.read(start.data(), start.size());
-    return file && std::string_view(start.data(), start.size()) == MAGIC;
+    const mav_host::FileDescriptor file = mav_host::openRegular(path);
+    std::string start;
+    return file.isOpen() && mav_host::readAll(file.get(), MAGIC.size(), start) &&
+           is_container(start);
+}
+
+bool is_container(std::string_view content) {
+    return content.starts_with(MAGIC);
 }
 
 std::string read(const std::string& path) {
-    const std::string content = readWhole(path);
+    return read(path, readWhole(path));
+}
+
+std::string read(const std::string& path, std::string_view content) {
     checkForm(path, content);
     WipeKey secret;
     if (!deriveKey(secret.key)) {
@@ -173,7 +195,7 @@ std::string read(const std::string& path) {
 }
 
 std::unique_ptr<std::istream> open(const std::string& path) {
-    return std::make_unique<std::istringstream>(read(path));
+    return std::make_unique<PlainStream>(read(path));
 }
 
 void write(const std::string& path, const std::string& content) {
@@ -187,7 +209,8 @@ void write(const std::string& path, const std::string& content) {
     std::string out = prefix;
     out.reserve(containerSize(content.size()));
     std::array<char, PIECE + EXTRA> piece;
-    crypto_secretstream_xchacha20poly1305_state state;
+    WipeState cipher;
+    State& state = cipher.state;
     crypto_secretstream_xchacha20poly1305_init_push(&state, bytes(piece.data()), secret.key.data());
     out.append(piece.data(), HEADER);
     std::string_view rest = content;

@@ -1,11 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the tests of the command share: where things are, and how to run them."""
+import fcntl
 import json
 import os
 import pathlib
+import pty
 import shutil
+import struct
 import subprocess
 import tempfile
+import termios
 import unittest
 
 MAV = os.environ["MAV_BIN"]
@@ -22,6 +26,28 @@ def run(*command, **options):
     options.setdefault("stdout", subprocess.PIPE)
     return subprocess.run([str(part) for part in command], stdin=subprocess.DEVNULL,
                           stderr=subprocess.PIPE, timeout=120, check=False, **options)
+
+
+def on_terminal(columns, *arguments, **variables):
+    """What the command writes to a terminal of that width."""
+    master, slave = pty.openpty()
+    fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 50, columns, 0, 0))
+    environment = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
+    environment.update(TERM="xterm", **variables)
+    with subprocess.Popen([MAV, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=slave,
+                          stderr=subprocess.DEVNULL, env=environment) as process:
+        os.close(slave)
+        text = b""
+        while True:
+            try:
+                piece = os.read(master, 65536)
+            except OSError:
+                break
+            if not piece:
+                break
+            text += piece
+    os.close(master)
+    return text.decode().replace("\r\n", "\n")
 
 
 def copied_card(test, edit, name="b.pka"):
@@ -49,12 +75,3 @@ class CommandTest(unittest.TestCase):
         errors = done.stderr.decode()
         self.assertEqual(done.returncode, code, f"mav {arguments}: {errors}")
         return (done.stdout or b"").decode(), errors
-
-    def refused(self, *arguments, code, says):
-        """The call is refused with the code, silent on standard output, and says these texts."""
-        output, errors = self.mav(*arguments, code=code)
-        self.assertEqual(output, "")
-        for text in says:
-            self.assertIn(text, errors)
-        self.assertTrue(errors.splitlines()[-1].startswith("mav: "), errors)
-        return errors

@@ -26,6 +26,7 @@ class Pages(CommandTest):
     def follow(self, page):
         text = (SOURCE / "docs" / page).read_text()
         (self.dir / "key").write_bytes(b"0123456789abcdef0123456789abcdef")
+        os.chmod(self.dir / "key", 0o600)
         (self.dir / "root/platforms").mkdir(parents=True)
         (self.dir / "samples").symlink_to(SAMPLES)
         for content in re.findall(r"```json\n(.*?)```", text, re.S):

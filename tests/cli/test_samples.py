@@ -40,8 +40,8 @@ def named_files(folder, document):
 
 class Samples(unittest.TestCase):
     def test_every_file_type_is_used(self):
-        source = (SOURCE / "platform/src/model/HMAVPfmFileTypes.cpp").read_text()
-        types = set(re.findall(r'^ +"([A-Z0-9_]+)",$', source, re.MULTILINE))
+        source = (SOURCE / "platform/include/mav_platform/HMAVPfmFileTypes.h").read_text()
+        types = set(re.findall(r'^ +(?:TYPE|HOOK)\(([A-Z0-9_]+), ', source, re.MULTILINE))
         self.assertEqual(len(types), 72)
         used = {item["type"] for _, document in metadata() for item in document.get("files", [])}
         self.assertEqual(sorted(types ^ used), [])

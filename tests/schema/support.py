@@ -75,13 +75,6 @@ def members(data, origin):
                     yield from members(inner, place)
 
 
-def unpacked_samples():
-    for path in sorted((SOURCE / "samples").rglob("*")):
-        schema = described_by(path.name)
-        if schema and path.is_file():
-            yield Text(str(path.relative_to(SOURCE)), schema, path.read_text(encoding="utf-8"))
-
-
 def packed_samples():
     for path in sorted(SAMPLES.rglob("*")):
         place = str(path.relative_to(SAMPLES))

@@ -1,12 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """Samples, format pages and documents fit their schemas."""
 import json
+import re
 import unittest
 
 from jsonschema import Draft202012Validator
 
-from support import (GOLDEN, NAMES, PAGE_SCHEMAS, PAGES, SCHEMAS, faults,
-                     golden_documents, load, packed_samples, page_examples, unpacked_samples)
+from support import (GOLDEN, NAMES, PAGE_SCHEMAS, PAGES, SCHEMAS, SOURCE, faults,
+                     golden_documents, load, packed_samples, page_examples)
 
 
 class Formats(unittest.TestCase):
@@ -26,9 +27,6 @@ class Formats(unittest.TestCase):
             if name.endswith(".json"):
                 Draft202012Validator.check_schema(load(name))
 
-    def test_samples(self):
-        self.fit(unpacked_samples(), NAMES)
-
     def test_packed_samples(self):
         self.fit(packed_samples(), NAMES)
 
@@ -37,6 +35,15 @@ class Formats(unittest.TestCase):
         self.assertEqual(sorted(pages - set(PAGE_SCHEMAS)), [], "pages without a schema")
         schemas = {schema for page in pages for schema in PAGE_SCHEMAS[page]}
         self.fit(page_examples(), schemas)
+
+    def test_file_types(self):
+        text = (SOURCE / "platform/include/mav_platform/HMAVPfmFileTypes.h").read_text(encoding="utf-8")
+        types = re.findall(r"^ +(?:TYPE|HOOK)\(([A-Z0-9_]+), ", text, re.MULTILINE)
+        self.assertGreater(len(types), 50)
+        self.assertEqual(load("metadata.schema.json")["$defs"]["fileType"]["enum"], types)
+        self.assertEqual(load("emulation.schema.json")["$defs"]["fileType"]["enum"], ["EMU_HPFM", *types])
+        listed = re.findall('enumeration value="(.*?)"', (SCHEMAS / "emulation.xsd").read_text())
+        self.assertEqual(listed, ["EMU_HPFM", *types])
 
     def test_golden_documents(self):
         self.fit(golden_documents(), ["document.schema.json"])

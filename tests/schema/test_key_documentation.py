@@ -1,12 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The documentation of keys that ships, held against what the library writes and may write: no key
-of a document is without explanation, and no explanation is about a key that nothing writes."""
+"""The documentation of keys that ships explains each key of the document's schema, and no other."""
 import json
 import re
 import unittest
 
-from support import SCHEMAS, SOURCE, golden_documents
-from test_coverage import UNFILLED
+from support import SCHEMAS, SOURCE
 
 FILE = SOURCE / "platform/share/platforms/platform_keys_doc.json"
 TOP = "HMAVPlatform"
@@ -31,19 +29,6 @@ def documented(classes):
     return {f"{name}/{key}" for name, members in classes.items() for key in members}
 
 
-def written(classes, members, value):
-    """CLASS/KEY of everything in the document; "?" stands for a class that is not documented."""
-    if isinstance(value, list):
-        for item in value:
-            yield from written(classes, members, item)
-    elif isinstance(value, dict):
-        for key, inner in value.items():
-            yield f"{members}/{key}"
-            entry = classes.get(members, {}).get(key, {})
-            if entry.get("type") != "object of any form":
-                yield from written(classes, entry.get("object", "?"), inner)
-
-
 def admitted(schema):
     """CLASS/KEY of everything that the schema admits."""
     def members(name, node):
@@ -66,14 +51,6 @@ class KeyDocumentation(unittest.TestCase):
     def setUp(self):
         self.classes = json.loads(FILE.read_text())["documentation_keys"]
         self.keys = documented(self.classes)
-
-    def test_every_key_of_every_sample_is_documented_and_every_documented_key_is_written(self):
-        found = set()
-        for document in golden_documents():
-            found.update(written(self.classes, TOP, json.loads(document.text)))
-        self.assertGreater(len(found), 200)
-        self.assertEqual(sorted(found - self.keys), [], "keys without documentation")
-        self.assertEqual(sorted(self.keys - found - set(UNFILLED)), [], "keys that nothing writes")
 
     def test_schema_and_documentation_name_the_same_keys(self):
         schema = json.loads((SCHEMAS / "document.schema.json").read_text())

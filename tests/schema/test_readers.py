@@ -12,7 +12,7 @@ import xml.etree.ElementTree as ElementTree
 
 from jsonschema import Draft202012Validator
 
-from support import SCHEMAS, TOOL, load, page_examples, unpacked_samples
+from support import SCHEMAS, TOOL, load, page_examples, packed_samples
 from walk import XS, JsonSchema, XmlSchema
 
 PREFIXES = {"platform-description.xsd": "mav", "software-platform.xsd": "mav", "hpfm.xsd": "qd",
@@ -86,7 +86,7 @@ class Xml(Scratch):
         namespace = ElementTree.parse(SCHEMAS / name).getroot().get("targetNamespace")
         ElementTree.register_namespace(PREFIXES[name], namespace)
         done = {}
-        texts = [text.text for text in [*unpacked_samples(), *page_examples()] if text.schema == name]
+        texts = [text.text for text in [*packed_samples(), *page_examples()] if text.schema == name]
         for text in texts:
             for place, (node, kind) in enumerate(self.walk(schema, ElementTree.fromstring(text))):
                 for what, edit in self.edits(schema, node, kind):
@@ -177,34 +177,6 @@ class Json(Scratch):
             for case, verdict in zip(what, self.read(name, texts), strict=True):
                 with self.subTest(schema=name, case=case):
                     self.assertEqual(verdict, "silent")
-
-    def test_what_is_required(self):
-        """Without a required member the reader refuses, where it does not skip the item."""
-        cases = {"metadata.schema.json": {"": {}, ".files[]": {}},
-                 "emulation.schema.json": {"": {}, ".emulations[]": {}, ".emulations[].files[]": {}}}
-        for name, objects in cases.items():
-            schema = JsonSchema(name)
-            places = dict(self.documents(schema))
-            for where in objects:
-                inside = {place[len(where) + 1:]: put for place, put in places.items()
-                          if place.startswith(where + ".") and place.count(".") == where.count(".") + 1}
-                node = schema.schema
-                for step in where.split(".")[1:]:
-                    node, _ = schema.resolved(node["properties"][step.rstrip("[]")], "")
-                    node, _ = schema.resolved(node["items"], "")
-                self.assertTrue(node["required"])
-                for key in node["required"]:
-                    with self.subTest(schema=name, place=where, key=key):
-                        # Built with a member that is there anyway, then without it.
-                        document = self.without(inside[key]("a"), where, key)
-                        self.assertEqual(self.read(name, [json.dumps(document)]), ["refused"])
-
-    def without(self, document, where, key):
-        node = document
-        for step in where.split(".")[1:]:
-            node = node[step.rstrip("[]")][0]
-        del node[key]
-        return document
 
 
 if __name__ == "__main__":

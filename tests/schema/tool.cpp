@@ -2,7 +2,6 @@
 // Lets the library read and write files of a format for the tests in Python:
 //   tool hpfm FILE             rewrites FILE in place
 //   tool emulation JSON XML    turns the JSON form of emulation metadata into the XML form
-//   tool index ARCHIVE         reads an archive's index and prints the one that it would write
 //   tool read SCHEMA FILE...   reads each file with the reader of the format that SCHEMA describes;
 //                              a line for each: "silent", "reported" (read, with a report) or
 //                              "refused"
@@ -13,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "mav_platform/HMAVDsaJsonReader.h"
 #include "mav_platform/HMAVEmulationExtMetaJsonReader.h"
 #include "mav_platform/HMAVEmulationJsonReader.h"
 #include "mav_platform/HMAVEmulationXMLReader.h"
@@ -26,7 +25,6 @@
 #include "mav_platform/HMAVSoftwarePlatform.h"
 #include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
 #include "mav_platform/HPLPlatform.h"
-#include "mav_platform/HVMAArchive.h"
 #include "support/Doubles.h"
 
 namespace {
@@ -99,12 +97,6 @@ int run(const std::vector<std::string>& arguments) {
         const bool read = HMAVEmulationJsonReader(arguments[1], &emulations).parseJson();
         return read && HMAVEmulationXMLWriter(arguments[2], &emulations).writeXml() ? 0 : 1;
     }
-    if (command == "index" && arguments.size() == 2) {
-        HVMAArchive archive(arguments[1]);
-        if (!archive.parse()) return 1;
-        std::cout << archive.toJSONString();
-        return 0;
-    }
     if (command == "read" && arguments.size() > 2) {
         const Read& read = readers().at(arguments[1]);
         for (std::size_t i = 2; i < arguments.size(); ++i) {
@@ -112,7 +104,7 @@ int run(const std::vector<std::string>& arguments) {
         }
         return 0;
     }
-    std::cerr << "tool: hpfm FILE | emulation JSON XML | index ARCHIVE | read SCHEMA FILE...\n";
+    std::cerr << "tool: hpfm FILE | emulation JSON XML | read SCHEMA FILE...\n";
     return 2;
 }
 

@@ -92,18 +92,3 @@ class JsonSchema:
                     yield from self._used(item, properties[key], f"{place}/{key}")
                 elif isinstance(rest, dict):
                     yield from self._used(item, rest, place + "/[]")
-
-    def disordered(self, text):
-        """Places of objects whose members do not stand in the order of the properties."""
-        yield from self._disordered(json.loads(text), self.schema, "")
-
-    def _disordered(self, value, node, place):
-        node, place = self.resolved(node, place)
-        for item in value if isinstance(value, list) else ():
-            yield from self._disordered(item, node.get("items", {}), place)
-        properties = node.get("properties", {})
-        known = [key for key in value if key in properties] if isinstance(value, dict) else []
-        if known != [key for key in properties if key in known]:
-            yield place
-        for key in known:
-            yield from self._disordered(value[key], properties[key], f"{place}/{key}")

@@ -11,7 +11,7 @@
 #include <iterator>
 #include <string>
 
-#include "../../host/src/ArchiveWriter.h"
+#include "../../host/src/zip/ArchiveWriter.h"
 
 /// Runs `work`, which changes the archive, once whole and once for each step of writing in a
 /// process that is killed when it comes to that step. Each time the archive is the old or the new

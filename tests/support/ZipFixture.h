@@ -87,11 +87,21 @@ inline std::string rawZip(const std::vector<RawMember>& members, const std::stri
     return bytes + directory + rawEnd(members.size(), directory.size(), bytes.size(), comment);
 }
 
-/// A host key for the time of a test; no value is a host without one.
+/// The end of an archive that has its numbers in the wide record too, which stands at `at`.
+inline std::string rawWideEnd(std::uint64_t at, std::uint64_t count, std::uint64_t size,
+                              std::uint64_t offset, const std::string& narrow) {
+    return std::string("PK\6\6", 4) + little(44, 8) + little(45, 2) + little(45, 2) + little(0, 8) +
+           little(count, 8) + little(count, 8) + little(size, 8) + little(offset, 8) +
+           std::string("PK\6\7", 4) + little(0, 4) + little(at, 8) + little(1, 4) + narrow;
+}
+
+/// A host key for the time of a test, made long enough to be one; no value is a host without one.
 class HostKey final : public mav_host::KeyProvider {
   public:
     explicit HostKey(std::optional<std::string> key)
-        : key_(std::move(key)), before_(mav_host::setKeyProvider(this)) {}
+        : key_(std::move(key)), before_(mav_host::setKeyProvider(this)) {
+        if (key_ && key_->size() < 16) key_->append(16 - key_->size(), '.');
+    }
     ~HostKey() override { mav_host::setKeyProvider(before_); }
     std::optional<std::string> key() const override { return key_; }
 

@@ -33,12 +33,14 @@ class MAV_API ComMsgMgr {
     static constexpr std::uint32_t CRITICAL_WARNING = 0x10000000;
     static constexpr std::uint32_t ERROR = 0x20000000;
 
-    /// Hands the report to the sink in force. Never throws; a sink that throws is ignored.
+    /// Hands the report to this thread's innermost ReportScope, else to the process's sink. Never
+    /// throws; who throws on receipt is ignored. The library's own reports go through
+    /// mav_host::report, which knows their ids.
     static void sendMsg(int level, const std::string& group, std::uint32_t mask,
                         const std::string& id, const HSTVector<std::string>& args = {});
 
-    /// Replaces the sink; null restores the default one, which writes `format` and a line end to
-    /// standard error. The sink stays owned by the caller and must outlive its installation.
+    /// Replaces the process's sink; null restores the default one, which writes `format` and a line
+    /// end to standard error. The sink stays owned by the caller and must outlive its installation.
     /// Answers the sink that was in force before (null: the default one).
     static ComMsgSink* setSink(ComMsgSink* sink);
 

@@ -18,7 +18,8 @@ class MAV_API HBOBoardCDataManager {
     /// Replaces `out` with the stored paths.
     virtual void getBoardPartRepoPaths(HSTVector<std::string>& out) const;
 
-    /// A new manager from the factory in force; the caller owns it.
+    /// A new manager from the factory in force, the default one when it makes none; never null. The
+    /// caller owns it.
     static HBOBoardCDataManager* create();
     /// Replaces the factory; null restores the default. Answers the one in force before.
     static Factory setFactory(Factory factory);

@@ -14,10 +14,3 @@ MAV_API std::string HI18N_convertToUTF8(std::string_view text);
 
 /// True when the bytes are well-formed UTF-8 (no overlong forms, no surrogates, at most U+10FFFF).
 MAV_API bool HI18N_isUTF8(std::string_view text);
-
-/// Text conversion of XML attribute and element texts.
-class MAV_API HI18N {
-  public:
-    /// A text of the XML binding runtime in the narrow form that the model stores (UTF-8).
-    static std::string convert(std::string_view text);
-};

@@ -32,15 +32,17 @@ class MAV_API HUTDirWalk {
         bool followLinks = false;
         /// Directories at this depth are entries still and are not entered.
         std::size_t maxDepth = std::numeric_limits<std::size_t>::max();
+        /// Names in all the directories that are entered, each as often as it is entered.
+        std::size_t mostEntries = 1'000'000;
     };
     /// Answers false to end the walk.
     using Visitor = std::function<bool(const Entry& entry)>;
 
     /// Visits every entry; answers false when the visitor ended the walk. What vanishes meanwhile
-    /// is passed over. With an unlimited depth and links followed, a directory is never entered
-    /// from within itself, and never more than 16 times. Throws HEXUserException "The directory
-    /// 'PATH' cannot be read: REASON" for the walked directory and any below it; what a visitor
-    /// throws passes through.
+    /// is passed over. A directory is not entered again below itself: one that is open on the way,
+    /// by device and inode, is an entry alone. Throws HEXUserException "The directory 'PATH' cannot
+    /// be read: REASON" for the walked directory and any below it, also for the one whose names
+    /// would be more entries than are left; what a visitor throws passes through.
     static bool walk(const std::string& dir, const Options& options, const Visitor& visit);
 
     /// Installs who is told of every entry; null tells nobody. It stays owned by the caller and
@@ -53,7 +55,7 @@ class MAV_API HUTDirWalk {
 /// directory, and what its canonical name is. A search asks the system once for each directory that
 /// way, instead of a dozen times for each file. What has not been seen is asked of the system as
 /// ever; what vanishes meanwhile may still be called existing. Belongs to a scope; the innermost
-/// one counts. Walks that follow links without a limit to their depth do not take part.
+/// one counts. What a directory holds is kept once, however many links lead there.
 class MAV_API HUTDirMemory {
   public:
     HUTDirMemory();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "mav_host/Export.h"
@@ -63,9 +64,22 @@ class MAV_API HUTFileUtils {
     /// The content of a regular file. Throws HEXUserException "The file 'PATH' cannot be read:
     /// REASON" when it is none, is not readable or has more than `limit` bytes.
     static std::string readWhole(const std::string& path, std::uint64_t limit);
+    /// The same without a text for a failure: nothing for what cannot be read or is no regular
+    /// file; a content of more than `limit` bytes tells of a larger file.
+    static std::optional<std::string> tryRead(const std::string& path, std::uint64_t limit);
+    /// How a file is written.
+    struct Writing {
+        bool ownerOnly = false;      ///< a new file is its owner's alone (mode 0600)
+        bool replacesLinks = false;  ///< a link in the file's place is replaced, not followed
+        bool toDevices = false;      ///< a character device or a named pipe is written to as it is;
+                                     ///< a pipe's reader is waited for
+    };
     /// Writes the file as a whole: beside it, synced, then renamed, so that readers see the old or
     /// the new content and never a part. Through a link the file behind it is replaced. Keeps the
-    /// permissions of a file that is replaced. Throws HEXUserException "The file 'PATH' cannot be
-    /// written (STEP): REASON; it is as it was"; the old file is then untouched.
+    /// permissions of a file that is replaced, and owner and group where the system lets us; what
+    /// they alone had is dropped with them. Other hard links to it keep the old content. Throws
+    /// HEXUserException "The file 'PATH' cannot be written (STEP): REASON; it is as it was"; the
+    /// old file is then untouched and nothing is left beside it.
     static void writeWhole(const std::string& path, const std::string& content);
+    static void writeWhole(const std::string& path, const std::string& content, const Writing& how);
 };

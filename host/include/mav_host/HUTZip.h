@@ -10,7 +10,10 @@
 #include <string_view>
 
 #include "mav_host/Export.h"
+#include "mav_host/HEXError.h"
 #include "mav_host/HSTVector.h"
+
+class HUTFolder;
 
 namespace mav_host {
 
@@ -27,8 +30,9 @@ struct MAV_API ZipMember {
 class MAV_API ZipArchive {
   public:
     /// Opens the archive. Throws HEXFileNotFoundException when nothing is there, HEXUserException
-    /// when it is a directory, is empty, cannot be read, is no zip archive, or is cut off; the text
-    /// names the path and the reason.
+    /// when it is a directory, is empty, cannot be read, is no zip archive, is cut off, holds more
+    /// than 1,000,000 members, or is forged: members that share bytes, names made to fall together.
+    /// The text names the path and the reason.
     explicit ZipArchive(const std::string& path);
 
     const std::string& path() const;
@@ -47,6 +51,7 @@ class MAV_API ZipArchive {
 
   private:
     friend class MemberBuffer;
+    friend class ArchiveWriter;
     struct Impl;
     std::shared_ptr<Impl> impl_;
 };
@@ -59,6 +64,20 @@ enum class DigestState {
     NO_KEY,    ///< the digest was made with a key, and the host has none
     UNKEYED,   ///< the members match, but anyone could have made this digest: it was made without a
                ///< key, while the host has one
+};
+
+/// What becomes of the digest that a writer finds in the archive that it puts a new one over.
+enum class Resign {
+    NO,   ///< it is checked, and what nobody vouches for is refused with DigestRefusal
+    YES,  ///< the archive gets its new digest whatever it holds
+};
+
+/// An archive is not signed anew: its digest does not match its members; or the host has a key, and
+/// the digest is missing or was made without one; or it was made with a key, and the host has none.
+class MAV_API DigestRefusal : public HEXUserException {
+  public:
+    explicit DigestRefusal(const std::string& text);
+    ~DigestRefusal() override;
 };
 
 /// Told how far long work on an archive has come.
@@ -78,11 +97,14 @@ class MAV_API ZipProgress {
 /// Zip work on archives named by path.
 ///
 /// Writing operations build the new archive beside the old one, sync it and rename it over the old
-/// one, keeping its permissions and, where the system lets us, its owner; through a link the file
-/// behind it is replaced. Writers of one archive take turns by the lock file ARCHIVE.lock, waiting
-/// for 30 seconds at most. When a step fails the old archive stays byte for byte, nothing is left
-/// beside it, and HEXUserException is thrown, naming the archive, the step and the reason.
-/// What is written depends on names, contents and their order alone: equal input, equal bytes.
+/// one, keeping its permissions and, where the system lets us, its owner and group; through a link
+/// the file behind it is replaced, while other hard links to it keep the old archive. Writers of
+/// one archive take turns by the lock file ARCHIVE.lock, waiting for 30 seconds at most; what
+/// writers that died left beside it is removed. When a step fails the old archive stays byte for
+/// byte, nothing is left beside it, and HEXUserException is thrown, naming the archive, the step
+/// and the reason. So is an archive refused in which the end of the directory can be read in two
+/// ways. What is written depends on names, contents and their order alone: equal input, equal
+/// bytes.
 class MAV_API HUTZip {
   public:
     /// Largest metadata member that is read into memory, in bytes (1 GiB).
@@ -109,6 +131,8 @@ class MAV_API HUTZip {
         std::string member;
         std::string file;  ///< path of the file to add; when empty, `content` is added
         std::string content;
+        /// When set, `file` is a path below it, and no link is followed there.
+        std::shared_ptr<const HUTFolder> folder = nullptr;
     };
     /// Adds the members to the archive, replacing those of equal name in place; makes the archive
     /// when there is none. Of equal names in `sources` the last counts. The other members are
@@ -117,13 +141,18 @@ class MAV_API HUTZip {
     /// written. An existing digest
     /// is dropped, for it no longer holds. Without sources nothing happens.
     static void add(const std::string& archive, const HSTVector<Source>& sources);
-    /// As `add`, with a digest over the new archive, all in one step.
-    static void addWithDigest(const std::string& archive, const HSTVector<Source>& sources);
-    /// As `addWithDigest` for members that depend on what the archive holds: `sources` is called
-    /// once the lock is held, so what it reads there stays until the new archive stands. What it
-    /// throws leaves the archive as it was.
-    static void updateWithDigest(const std::string& archive,
-                                 const std::function<HSTVector<Source>()>& sources);
+    /// As `add` for members that depend on what the archive holds: `sources` is called once the
+    /// lock is held and the archive is open, so what it reads there stays until the new archive
+    /// stands; null is no archive yet. What it throws leaves the archive as it was.
+    using Sources = std::function<HSTVector<Source>(const mav_host::ZipArchive* archive)>;
+    static void update(const std::string& archive, const Sources& sources);
+    /// As `add`, with a digest over the new archive, all in one step. The digest that is there is
+    /// checked first, on the archive that is opened under the lock: throws DigestRefusal.
+    static void addWithDigest(const std::string& archive, const HSTVector<Source>& sources,
+                              mav_host::Resign resign = mav_host::Resign::NO);
+    /// As `update`, with a digest as `addWithDigest` puts it.
+    static void updateWithDigest(const std::string& archive, const Sources& sources,
+                                 mav_host::Resign resign = mav_host::Resign::NO);
     /// True for a name that a member may be added under: relative, made of parts with "/" between
     /// them, none of them empty, "." or "..", without backslash and null byte.
     static bool isMemberName(const std::string& name);
@@ -132,11 +161,14 @@ class MAV_API HUTZip {
     static void create(const std::string& archive, const HSTVector<Source>& sources);
 
     /// Attaches a digest to a finished archive (see docs/archives.md for its form): HMAC-SHA-256
-    /// with the host's key, SHA-256 without one. Replaces an older one. Throws as ZipArchive does
-    /// when the archive cannot be opened, HEXDataException when a member is damaged.
+    /// with the host's key, SHA-256 without one. Replaces an older one, whatever that is: it
+    /// vouches for the members as they are. Throws as ZipArchive does when the archive cannot be
+    /// opened, HEXDataException when a member is damaged, HEXUserException when the members claim
+    /// more bytes than an extraction may write.
     static void addDigest(const std::string& archive);
     /// Compares the digest with the members, in constant memory. A member that cannot be read whole
-    /// is a mismatch. Throws as ZipArchive does when the archive cannot be opened.
+    /// is a mismatch. Throws as ZipArchive does when the archive cannot be opened, HEXUserException
+    /// when the members claim more bytes than an extraction may write.
     static mav_host::DigestState verifyDigest(const std::string& archive);
 
     /// Extracts one member to dir/member, or every member below `member` + "/" for the directory

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "xml/Binder.h"
 
-#include <algorithm>
+#include "mav_host/Printable.h"
 
 namespace mav_host::xml::detail {
 namespace {
@@ -10,24 +10,10 @@ constexpr std::size_t SHOWN_BYTES = 80;
 
 /// A foreign text for an error: quoted, cut to a bearable length, on one line.
 std::string quoted(std::string_view text) {
-    static constexpr char HEX[] = "0123456789ABCDEF";
-    std::size_t length = std::min(text.size(), SHOWN_BYTES);
-    // Not in the middle of a UTF-8 sequence.
-    while (length < text.size() && length > 0 &&
-           (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U)
-        --length;
+    const std::string_view shown = beginning(text, SHOWN_BYTES);
     std::string out = "'";
-    for (const char c : text.substr(0, length)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            out += c;
-        } else {
-            out += "\\x";
-            out += HEX[byte >> 4U];
-            out += HEX[byte & 0xFU];
-        }
-    }
-    return out += length < text.size() ? "...'" : "'";
+    out += printable(shown);
+    return out += shown.size() < text.size() ? "...'" : "'";
 }
 
 std::string clipped(std::string_view name) {
@@ -42,8 +28,8 @@ std::string attribute(std::string_view name) {
     return "attribute " + quoted(name);
 }
 
-[[noreturn]] void stop(const Position& at, const std::string& text) {
-    throw BindingError(text, at.line, at.column);
+[[noreturn]] void stop(BindingError::Kind kind, const Position& at, const std::string& text) {
+    throw BindingError(kind, text, at.line, at.column);
 }
 
 /// Namespace declarations and what the XML standards themselves put on elements.
@@ -72,8 +58,9 @@ std::string_view Binder::compared(std::string_view name) const {
 
 void Binder::start(std::string_view name, const char* const* attributes) {
     if (open_ + ignored_ >= document_.limits.depth)
-        stop(locator_.position(), element(name) + ": nested deeper than " +
-                                      std::to_string(document_.limits.depth) + " elements");
+        stop(BindingError::Kind::Limit, locator_.position(),
+             element(name) + ": nested deeper than " + std::to_string(document_.limits.depth) +
+                 " elements");
     if (ignored_ > 0)
         ++ignored_;
     else if (open_ == 0)
@@ -84,7 +71,7 @@ void Binder::start(std::string_view name, const char* const* attributes) {
 
 void Binder::startRoot(std::string_view name, const char* const* attributes) {
     if (!document_.root.empty() && compared(name) != document_.root)
-        stop(locator_.position(),
+        stop(BindingError::Kind::Format, locator_.position(),
              element(name) + ": the root element must be " + quoted(document_.root));
     open(name, document_.list.get(), nullptr, root_, attributes);
 }
@@ -123,8 +110,9 @@ void Binder::startChild(std::string_view name, const char* const* attributes) {
 void Binder::open(std::string_view name, const ElementList* list, const Item* value, void* object,
                   const char* const* attributes) {
     if (++elements_ > document_.limits.elements)
-        stop(locator_.position(), element(name) + ": the document has more than " +
-                                      std::to_string(document_.limits.elements) + " elements");
+        stop(BindingError::Kind::Limit, locator_.position(),
+             element(name) + ": the document has more than " +
+                 std::to_string(document_.limits.elements) + " elements");
     if (frames_.size() == open_) frames_.emplace_back();
     Frame& frame = frames_[open_++];
     frame.list = list;
@@ -217,7 +205,7 @@ void Binder::end() {
 }
 
 void Binder::refuse(const Position& at, const std::string& text) {
-    if (findings_ == nullptr || !findings_->keepFaults) stop(at, text);
+    if (findings_ == nullptr || !findings_->keepFaults) stop(BindingError::Kind::Format, at, text);
     if (findings_->faults.size() >= Findings::LIMIT) {
         ++findings_->moreFaults;
         return;

@@ -3,8 +3,8 @@
 
 namespace mav_host::xml {
 
-BindingError::BindingError(const std::string& text, std::size_t line, std::size_t column)
-    : HEXDataException(text), line_(line), column_(column) {}
+BindingError::BindingError(Kind kind, const std::string& text, std::size_t line, std::size_t column)
+    : HEXDataException(text), kind_(kind), line_(line), column_(column) {}
 
 BindingError::~BindingError() = default;
 

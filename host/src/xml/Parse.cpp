@@ -138,7 +138,7 @@ class Parse final : public Locator {
 
     [[noreturn]] void refuse(const std::string& text) const {
         const Position at = position();
-        throw BindingError(text, at.line, at.column);
+        throw BindingError(BindingError::Kind::Syntax, text, at.line, at.column);
     }
     void check(XML_Status status) const {
         if (failure_ != nullptr) std::rethrow_exception(failure_);
@@ -150,8 +150,9 @@ class Parse final : public Locator {
     void addSize(std::size_t size) {
         size_ += size;
         if (size_ > limits_.bytes)
-            throw BindingError("the document is larger than " + std::to_string(limits_.bytes) +
-                               " bytes");
+            throw BindingError(
+                BindingError::Kind::Limit,
+                "the document is larger than " + std::to_string(limits_.bytes) + " bytes");
     }
 
     const Limits& limits_;
@@ -178,8 +179,9 @@ std::size_t readPiece(int file, void* to, std::size_t room) {
         const ssize_t count = read(file, to, room);
         if (count >= 0) return static_cast<std::size_t>(count);
         if (errno != EINTR)
-            throw BindingError("the file cannot be read: " +
-                               std::generic_category().message(errno));
+            throw BindingError(
+                BindingError::Kind::Unreadable,
+                "the file cannot be read: " + std::generic_category().message(errno));
     }
 }
 
@@ -211,8 +213,9 @@ class OpenFile {
     explicit OpenFile(const std::string& path)
         : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (file_ < 0)
-            throw BindingError("the file cannot be opened: " +
-                               std::generic_category().message(errno));
+            throw BindingError(
+                BindingError::Kind::Unreadable,
+                "the file cannot be opened: " + std::generic_category().message(errno));
     }
     ~OpenFile() { close(file_); }
     OpenFile(const OpenFile&) = delete;
@@ -223,7 +226,8 @@ class OpenFile {
     std::size_t size() const {
         struct stat status {};
         if (fstat(file_, &status) != 0 || !S_ISREG(status.st_mode))
-            throw BindingError(S_ISDIR(status.st_mode) ? "the path is a directory, not a file"
+            throw BindingError(BindingError::Kind::Unreadable,
+                               S_ISDIR(status.st_mode) ? "the path is a directory, not a file"
                                                        : "the path is not a regular file");
         return static_cast<std::size_t>(status.st_size);
     }

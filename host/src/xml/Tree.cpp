@@ -75,7 +75,7 @@ class Builder final : public detail::MarkupEvents {
     }
     [[noreturn]] void refuse(const std::string& text) const {
         const detail::Position at = locator_.position();
-        throw BindingError(text, at.line, at.column);
+        throw BindingError(BindingError::Kind::Limit, text, at.line, at.column);
     }
 
     Tree& tree_;

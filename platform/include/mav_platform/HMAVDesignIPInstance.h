@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <set>
 #include <string>
-#include <unordered_set>
 #include <utility>
 
 #include "mav_host/Export.h"
@@ -33,5 +33,5 @@ class MAV_API HMAVDesignIPInstance : public mav_platform::JSONSerializable {
     std::string vlnv_;
     std::string instance_;
     HSTVector<std::pair<std::string, std::string>> config_;
-    std::unordered_set<std::string> configKeys_;
+    std::set<std::string> configKeys_;
 };

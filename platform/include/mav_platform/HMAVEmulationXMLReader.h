@@ -18,10 +18,9 @@ struct Place;
 /// Reads emulation metadata in its XML form.
 ///
 /// A document that is refused fills nothing and is reported: "@74-34@%s%s" (archive, member) when
-/// the member cannot be opened, "@74-24@%s%d" (file, line) when it does not bind, with the reason
-/// on the host's console. The file of a member is ARCHIVE/MEMBER; the line of a file that cannot be
-/// read is 0. A document that is read adds to what the emulations hold already; they stay owned by
-/// the caller.
+/// the member cannot be opened, "@74-24@%s%d" (file, line) when it does not bind. The file of a
+/// member is ARCHIVE/MEMBER; the line of a file that cannot be read is 0. A document that is read
+/// adds to what the emulations hold already; they stay owned by the caller.
 class MAV_API HMAVEmulationXMLReader {
   public:
     HMAVEmulationXMLReader(std::string path, HMAVEmulations* emulations)

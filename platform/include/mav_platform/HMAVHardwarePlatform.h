@@ -255,6 +255,11 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     std::string getAltHwEmuJsonFileNameIfExist() const;
     /// Folder of a child hardware-emulation platform inside the archive: "hw_emu".
     static const std::string& getHwEmuDir();
+    /// The full name of one of the platform's members inside the archive: `hwEmuMemberName` for a
+    /// child hardware-emulation platform, else as given.
+    std::string memberName(const std::string& member) const;
+    /// The member's name below "hw_emu/".
+    static std::string hwEmuMemberName(const std::string& member);
     /// True for ".dsa" and ".pka" alone, exact.
     static bool isValidPlatformExt(const std::string& extension);
     /// ".dsa", ".pka".
@@ -284,11 +289,11 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
 
     /// Notes one bank of the HBM memory subsystem `instance`: "false" takes it out of automatic
     /// assignment, "preferred" tags it as default, any other text leaves it assignable. The last
-    /// word on a bank counts. Raises "@74-261@" when the assignable banks become mixed: some, but
-    /// not all, are preferred.
+    /// word on a bank counts; banks without a name count each. Raises "@74-261@" when the
+    /// assignable banks of a first instance become mixed: some, but not all, are preferred.
     void updateHBMBankInfo(const std::string& instance, const std::string& bank,
                            const std::string& automatic);
-    /// Prints how to attain better bandwidth when the banks are mixed; else nothing.
+    /// Prints for each instance whose banks are mixed how to attain better bandwidth.
     void issueNormalizeMemoryBanksMessage(std::ostream& out) const;
 
     /// True when a member file of type "SIM_BINARY" is listed.
@@ -321,8 +326,12 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     const HMAVDpeHardware& getDpeHardware() const { return dpeHardware_; }
     /// Reads the partitions file of the archive's array-engine project, when it has one, unless the
     /// platform is expandable. Runs at most once, also when it fails. What the file lists is
-    /// appended unless an equal partition is there. Throws as parseDPEPartitions and
-    /// PlatformDpeprjFileExtractor::extractFile do.
+    /// appended unless an equal partition is there. A project that the archive lacks is silent; one
+    /// that is no archive is reported by "@74-34@%s%s" (archive, project); both give nothing.
+    ///
+    /// Throws HEXAlgException: as parseDPEPartitions does, after "@74-64@%s%s%s" (archive, project,
+    /// fault), or "The array-engine project 'PROJECT' of 'ARCHIVE' cannot be read: " and the reason
+    /// when it, or the file in it, is damaged, climbs out, claims too much or cannot be extracted.
     void initDpePartitions() const;
     /// The root partitions in the order in which they were added, after initDpePartitions().
     std::list<HMAVDpePartition>& getDpePartitions();
@@ -372,10 +381,12 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     /// Throws HEXAlgException, the text after "HMAVHardwarePlatform::archiveFile() - ": "pkaFile is
     /// not set", "pkaFile does not exist", "jsonFile is not set" (the platform file has no
     /// extension), "Could not cast this to HPLPlatform", "Could not open file for reading: " +
-    /// source, "Could not open file for streaming: " + archive (the name is refused), or a sentence
-    /// on metadata that is missing or takes no file; and as HUTZip::add does. Archive and platform
-    /// are then as they were.
-    void archiveFile(const std::string& type, const std::string& name, const std::string& source);
+    /// source, "Could not open file for streaming: " + archive (the name is refused, or the archive
+    /// cannot take a member; the reason is nested), or a sentence on metadata that is missing or
+    /// takes no file; as HUTZip::add does when writing fails later; and mav_host::DigestRefusal as
+    /// HUTZip::updateWithDigest does. Archive and platform are then as they were.
+    void archiveFile(const std::string& type, const std::string& name, const std::string& source,
+                     mav_host::Resign resign = mav_host::Resign::NO);
 
     bool isStatic() const { return static_; }
     void setStatic(bool value) { static_ = value; }
@@ -420,6 +431,8 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     HMAVHardwarePlatform();
 
   private:
+    friend class HMAVDpePartitionsJsonReader;
+
     enum class Tristate : std::uint8_t { UNSET, ON, OFF };
     enum class Indexed : std::uint8_t { UNKNOWN, YES, NO };
 
@@ -431,9 +444,11 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
                                   bool rewriteHpfm = false) const;
     /// Throws when a file would take the place of metadata or index.
     void checkNoMetadata_(const std::string& member, const std::string& name) const;
-    HSTVector<HUTZip::Source> listInMetadata_(const std::string& type,
+    void addToArchive_(const std::string& type, const std::string& name,
+                       const HUTZip::Source& source, mav_host::Resign resign) const;
+    HSTVector<HUTZip::Source> listInMetadata_(const mav_host::ZipArchive& archive,
+                                              const std::string& type,
                                               const std::string& name) const;
-    bool hasMixedHBMBanks_() const;
     int countBusInterfaces_(const char* type, const char* mode) const;
     std::size_t getMemoryResourceBusInterfacesIndexed_(
         HSTVector<HMAVHardwareBusInterface*>& out) const;
@@ -480,9 +495,14 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     HMAVDpeHardware dpeHardware_;
     mutable std::list<HMAVDpePartition> dpePartitions_;  ///< read late, on the first question
     mutable bool dpePartitionsRead_ = false;
-    std::string hbmInstance_;
-    std::map<std::string, bool> hbmBanks_;  ///< assignable ones: name, preferred
-    std::size_t preferredHBMBanks_ = 0;     ///< how many of them are preferred
+    /// The assignable banks of one HBM.
+    struct HBMBanks {
+        std::multimap<std::string, bool> preferredByName;
+        std::size_t preferred = 0;
+        bool areMixed() const { return preferred != 0 && preferred != preferredByName.size(); }
+    };
+    std::map<std::string, HBMBanks> hbmBanks_;  ///< by instance
+    std::size_t mixedHBMs_ = 0;
     std::unique_ptr<HMAVReconfigPartition> designIDs_;
     std::shared_ptr<HHSMHwDb> hwDb_;
     HSTVector<std::pair<std::string, std::string>> resources_;

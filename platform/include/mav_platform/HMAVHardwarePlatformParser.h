@@ -32,15 +32,26 @@ class MAV_API HMAVHardwarePlatformParser {
     static void loadBareHardwarePlatforms(const HSTVector<std::string>& directories,
                                           Platforms& platforms, Containers& seen,
                                           bool filterByVbnv);
+    /// A directory that was not searched to its end.
+    struct Unsearched {
+        std::string dir;
+        std::string reason;
+    };
+    /// The same; appends the directories that it reports by "@74-5@%s".
+    static void loadBareHardwarePlatforms(const HSTVector<std::string>& directories,
+                                          Platforms& platforms, Containers& seen, bool filterByVbnv,
+                                          HSTVector<Unsearched>& unsearched);
 
     /// Reads one archive into a new hardware platform of `platform`, which owns it and has yet to
-    /// attach it. An archive that cannot be read is reported, and its hardware platform is answered
-    /// as far as it came. Null for a null container alone.
+    /// attach it. An archive whose metadata cannot be read is reported, its hardware platform is
+    /// answered as far as it came, and `platform` is marked bad with the reason. Null for a null
+    /// container alone.
     static HMAVHardwarePlatform* addPlatform(const std::string& file, HMAVPlatform* platform);
 
   private:
     static HMAVHardwarePlatform* parseDSAFile_(const std::string& file, HMAVPlatform* platform);
-    static bool parseBareDSAFiles_(const std::string& dir, Platforms& found, Containers& seen);
+    static bool parseBareDSAFiles_(const std::string& dir, Platforms& found, Containers& seen,
+                                   HSTVector<Unsearched>& unsearched);
     static void parseBareDSAFile_(const std::string& path, Platforms& found, Containers& seen);
     static void filterByVBNV_(const Platforms& candidates, Platforms& accepted);
     static void addPlatforms_(const Platforms& additions, Platforms& platforms);

@@ -14,7 +14,6 @@
 class MAV_API HMAVJSONUtils {
   public:
     using ptree = boost::property_tree::ptree;
-    using optional_ptree = boost::optional<ptree>;
 
     /// True when a child exists at the path.
     static bool findKey(const ptree& tree, const std::string& key);
@@ -30,26 +29,58 @@ class MAV_API HMAVJSONUtils {
     /// signed long.
     static unsigned long getUnsignedLongValue(const ptree& tree, const std::string& key,
                                               unsigned long dflt = 0);
-    /// The standard string-to-unsigned-long conversion in base 10. A value that does not convert is
-    /// reported through "@74-268@%s" and answers the default, as an empty one does.
+    /// The low 32 bits of the standard string-to-unsigned-long conversion in base 10 (a minus sign
+    /// wraps). A value without digits or beyond 64 bits is reported through "@74-268@%s" and
+    /// answers the default, as an empty one does.
     static unsigned getUnsignedIntValue(const ptree& tree, const std::string& key,
                                         unsigned dflt = 0);
     /// True only for "true" in any letter case.
     static bool getBoolValue(const ptree& tree, const std::string& key);
 
-    static bool findKey(const optional_ptree& tree, const std::string& key);
-    static bool hasKey(const optional_ptree& tree, const std::string& key);
-    static std::string getValue(const optional_ptree& tree, const std::string& key);
-    static std::string getStringValue(const optional_ptree& tree, const std::string& key);
-    static int getIntValue(const optional_ptree& tree, const std::string& key, int dflt = 0);
-    static long getLongValue(const optional_ptree& tree, const std::string& key, long dflt = 0);
-    static unsigned long getUnsignedLongValue(const optional_ptree& tree, const std::string& key,
-                                              unsigned long dflt = 0);
-    static unsigned getUnsignedIntValue(const optional_ptree& tree, const std::string& key,
-                                        unsigned dflt = 0);
-    static bool getBoolValue(const optional_ptree& tree, const std::string& key);
+    /// The getters above for whatever a tree hands out as optional: a tree, or a reference to one.
+    template <class Tree>
+    static bool findKey(const boost::optional<Tree>& tree, const std::string& key) {
+        return findKey(treeOf(tree), key);
+    }
+    template <class Tree>
+    static bool hasKey(const boost::optional<Tree>& tree, const std::string& key) {
+        return hasKey(treeOf(tree), key);
+    }
+    template <class Tree>
+    static std::string getValue(const boost::optional<Tree>& tree, const std::string& key) {
+        return getValue(treeOf(tree), key);
+    }
+    template <class Tree>
+    static std::string getStringValue(const boost::optional<Tree>& tree, const std::string& key) {
+        return getStringValue(treeOf(tree), key);
+    }
+    template <class Tree>
+    static int getIntValue(const boost::optional<Tree>& tree, const std::string& key,
+                           int dflt = 0) {
+        return getIntValue(treeOf(tree), key, dflt);
+    }
+    template <class Tree>
+    static long getLongValue(const boost::optional<Tree>& tree, const std::string& key,
+                             long dflt = 0) {
+        return getLongValue(treeOf(tree), key, dflt);
+    }
+    template <class Tree>
+    static unsigned long getUnsignedLongValue(const boost::optional<Tree>& tree,
+                                              const std::string& key, unsigned long dflt = 0) {
+        return getUnsignedLongValue(treeOf(tree), key, dflt);
+    }
+    template <class Tree>
+    static unsigned getUnsignedIntValue(const boost::optional<Tree>& tree, const std::string& key,
+                                        unsigned dflt = 0) {
+        return getUnsignedIntValue(treeOf(tree), key, dflt);
+    }
+    template <class Tree>
+    static bool getBoolValue(const boost::optional<Tree>& tree, const std::string& key) {
+        return getBoolValue(treeOf(tree), key);
+    }
 
-    /// Pretty JSON text. The file form replaces the file as a whole. Both throw Boost's
+    /// Pretty JSON text. The file form replaces the file as a whole and writes to a character
+    /// device or a named pipe as it is, waiting for the pipe's reader. Both throw Boost's
     /// json_parser_error for a tree that JSON cannot express or a stream that fails.
     static void writeJson(const std::string& fileName, const ptree& tree);
     static void writeJson(std::ostream& out, const ptree& tree);
@@ -67,4 +98,11 @@ class MAV_API HMAVJSONUtils {
     /// As readJsonFile; a file in the host's protected container format is deciphered first;
     /// one that does not decipher is an error of the same form.
     static ptree readJsonFileDecrypt(const std::string& path);
+
+  private:
+    static const ptree& noTree();
+    template <class Tree>
+    static const ptree& treeOf(const boost::optional<Tree>& tree) {
+        return tree ? *tree : noTree();
+    }
 };

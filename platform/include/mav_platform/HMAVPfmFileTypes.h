@@ -6,117 +6,98 @@
 
 #include "mav_host/Export.h"
 
+/// Every file type with what the file is, in the order of the values; the build hooks and
+/// constraint sets, which come last, go to HOOK.
+#define MAV_FILE_TYPES(TYPE, HOOK)                                                           \
+    TYPE(DCP, "design checkpoint of the platform")                                           \
+    TYPE(PR_SHELL_DCP, "checkpoint of the partial-reconfiguration shell")                    \
+    TYPE(BB_LOCKED_IMPL_DCP, "implemented checkpoint with the black box locked")             \
+    TYPE(BB_SYNTH_DCP, "synthesised checkpoint with the black box")                          \
+    TYPE(ROUTED_DCP, "routed checkpoint")                                                    \
+    TYPE(FULL_BIT, "full-device bitstream")                                                  \
+    TYPE(PDI, "programmable device image")                                                   \
+    TYPE(PARTIAL_PDI, "partial device image")                                                \
+    TYPE(PL_PDI, "device image for the programmable logic only")                             \
+    TYPE(BOOT_PDI, "boot device image")                                                      \
+    TYPE(PLM_ELF, "executable of the platform management firmware")                          \
+    TYPE(PMC_CDO, "configuration data object for the platform management controller")        \
+    TYPE(STAGE1_BIT, "first-stage bitstream")                                                \
+    TYPE(STAGE2_BIT, "second-stage bitstream")                                               \
+    TYPE(CLEAR_BIT, "clearing bitstream")                                                    \
+    TYPE(PARTIAL_BIT, "partial bitstream")                                                   \
+    TYPE(MCS, "flash configuration image")                                                   \
+    TYPE(SECONDARY_MCS, "second flash configuration image")                                  \
+    TYPE(HPFM, "hardware platform metadata document")                                        \
+    TYPE(REBUILD_TCL, "script that rebuilds the platform design")                            \
+    TYPE(DR_BD, "block design of the dynamic region")                                        \
+    TYPE(TOP_BD, "top-level block design")                                                   \
+    TYPE(IP_REPO_PATH, "directory of an IP repository")                                      \
+    TYPE(IP_CACHE_DIR, "directory of an IP output cache")                                    \
+    TYPE(BOARD_REPO_PATH, "directory of a board repository")                                 \
+    TYPE(SIM_BINARY, "simulation binary")                                                    \
+    TYPE(META_JSON, "archive metadata document")                                             \
+    TYPE(EXT_META_JSON, "extended emulation metadata document")                              \
+    TYPE(EMU_JSON, "emulation metadata, JSON form")                                          \
+    TYPE(EMU_XML, "emulation metadata, XML form")                                            \
+    TYPE(SEMANTIC_LABEL, "semantic label document")                                          \
+    TYPE(PFM_PROP_RESTORE, "script that restores platform properties")                       \
+    TYPE(MMI, "memory map information file")                                                 \
+    TYPE(DPEPRJ, "array-engine project archive")                                             \
+    TYPE(NOC_TRAFFIC, "network-on-chip traffic specification")                               \
+    TYPE(NOC_CONSTRAINT, "network-on-chip constraints")                                      \
+    TYPE(NOC_SOLUTION, "network-on-chip solution")                                           \
+    TYPE(FEATURE_ROM_TCL, "script that sets the feature ROM")                                \
+    TYPE(BIF, "boot image description")                                                      \
+    TYPE(PARTITION_META, "partition metadata")                                               \
+    TYPE(DTSI, "device-tree include")                                                        \
+    TYPE(ISS, "ISS file, carried as an opaque path")                                         \
+    TYPE(ADDRESS_MAP, "address map")                                                         \
+    TYPE(LINK_RUNTIME, "link-time runtime file")                                             \
+    HOOK(PRE_SYS_LINK_TCL, "hook script run before system linking")                          \
+    HOOK(POST_SYS_LINK_TCL, "hook script run after system linking")                          \
+    HOOK(PRE_SYS_LINK_OVERLAY_TCL, "overlay hook before system linking")                     \
+    HOOK(POST_SYS_LINK_OVERLAY_TCL, "overlay hook after system linking")                     \
+    HOOK(POST_DEBUG_PROFILE_OVERLAY_TCL, "overlay hook after debug and profiling insertion") \
+    HOOK(PRE_CREATE_PROJECT_TCL, "hook before the project is created")                       \
+    HOOK(PRE_SYNTH_DESIGN_TCL, "hook before synthesis")                                      \
+    HOOK(POST_SYNTH_DESIGN_TCL, "hook after synthesis")                                      \
+    HOOK(PRE_INIT_TCL, "hook before implementation initialisation")                          \
+    HOOK(POST_INIT_TCL, "hook after implementation initialisation")                          \
+    HOOK(PRE_OPT_TCL, "hook before logic optimisation")                                      \
+    HOOK(POST_OPT_TCL, "hook after logic optimisation")                                      \
+    HOOK(PRE_POWER_OPT_TCL, "hook before power optimisation")                                \
+    HOOK(POST_POWER_OPT_TCL, "hook after power optimisation")                                \
+    HOOK(PRE_PLACE_TCL, "hook before placement")                                             \
+    HOOK(POST_PLACE_TCL, "hook after placement")                                             \
+    HOOK(PRE_POST_PLACE_POWER_OPT_TCL, "hook before post-placement power optimisation")      \
+    HOOK(POST_POST_PLACE_POWER_OPT_TCL, "hook after post-placement power optimisation")      \
+    HOOK(PRE_PHYS_OPT_TCL, "hook before physical optimisation")                              \
+    HOOK(POST_PHYS_OPT_TCL, "hook after physical optimisation")                              \
+    HOOK(PRE_ROUTE_TCL, "hook before routing")                                               \
+    HOOK(POST_ROUTE_TCL, "hook after routing")                                               \
+    HOOK(PRE_POST_ROUTE_PHYS_OPT_TCL, "hook before post-route physical optimisation")        \
+    HOOK(POST_POST_ROUTE_PHYS_OPT_TCL, "hook after post-route physical optimisation")        \
+    HOOK(PRE_WRITE_BITSTREAM_TCL, "hook before the bitstream is written")                    \
+    HOOK(POST_WRITE_BITSTREAM_TCL, "hook after the bitstream is written")                    \
+    HOOK(SYNTH_CONSTRS, "constraints applied at synthesis")                                  \
+    HOOK(IMPL_CONSTRS, "constraints applied at implementation")
+
+#define MAV_FILE_TYPE_(name, meaning) name,
+#define MAV_FILE_TYPE_NONE_(name, meaning)
+
 /// The closed list of platform file types. The text form of a value is the enumerator's own name.
 class MAV_API HMAVPfmFileTypes {
   public:
     /// Numbered densely from 0; 72 stands for an unknown text.
-    enum FileType {
-        DCP,                 ///< design checkpoint of the platform
-        PR_SHELL_DCP,        ///< checkpoint of the partial-reconfiguration shell
-        BB_LOCKED_IMPL_DCP,  ///< implemented checkpoint with the black box locked
-        BB_SYNTH_DCP,        ///< synthesised checkpoint with the black box
-        ROUTED_DCP,          ///< routed checkpoint
-        FULL_BIT,            ///< full-device bitstream
-        PDI,                 ///< programmable device image
-        PARTIAL_PDI,         ///< partial device image
-        PL_PDI,              ///< device image for the programmable logic only
-        BOOT_PDI,            ///< boot device image
-        PLM_ELF,             ///< executable of the platform management firmware
-        PMC_CDO,             ///< configuration data object for the platform management controller
-        STAGE1_BIT,          ///< first-stage bitstream
-        STAGE2_BIT,          ///< second-stage bitstream
-        CLEAR_BIT,           ///< clearing bitstream
-        PARTIAL_BIT,         ///< partial bitstream
-        MCS,                 ///< flash configuration image
-        SECONDARY_MCS,       ///< second flash configuration image
-        HPFM,                ///< hardware platform metadata document
-        REBUILD_TCL,         ///< script that rebuilds the platform design
-        DR_BD,               ///< block design of the dynamic region
-        TOP_BD,              ///< top-level block design
-        IP_REPO_PATH,        ///< directory of an IP repository
-        IP_CACHE_DIR,        ///< directory of an IP output cache
-        BOARD_REPO_PATH,     ///< directory of a board repository
-        SIM_BINARY,          ///< simulation binary
-        META_JSON,           ///< archive metadata document
-        EXT_META_JSON,       ///< extended emulation metadata document
-        EMU_JSON,            ///< emulation metadata, JSON form
-        EMU_XML,             ///< emulation metadata, XML form
-        SEMANTIC_LABEL,      ///< semantic label document
-        PFM_PROP_RESTORE,    ///< script that restores platform properties
-        MMI,                 ///< memory map information file
-        DPEPRJ,              ///< array-engine project archive
-        NOC_TRAFFIC,         ///< network-on-chip traffic specification
-        NOC_CONSTRAINT,      ///< network-on-chip constraints
-        NOC_SOLUTION,        ///< network-on-chip solution
-        FEATURE_ROM_TCL,     ///< script that sets the feature ROM
-        BIF,                 ///< boot image description
-        PARTITION_META,      ///< partition metadata
-        DTSI,                ///< device-tree include
-        ISS,                 ///< ISS file, carried as an opaque path
-        ADDRESS_MAP,         ///< address map
-        LINK_RUNTIME,        ///< link-time runtime file
-        PRE_SYS_LINK_TCL,    ///< hook script run before system linking
-        POST_SYS_LINK_TCL,   ///< hook script run after system linking
-        PRE_SYS_LINK_OVERLAY_TCL,        ///< overlay hook before system linking
-        POST_SYS_LINK_OVERLAY_TCL,       ///< overlay hook after system linking
-        POST_DEBUG_PROFILE_OVERLAY_TCL,  ///< overlay hook after debug and profiling insertion
-        PRE_CREATE_PROJECT_TCL,          ///< hook before the project is created
-        PRE_SYNTH_DESIGN_TCL,            ///< hook before synthesis
-        POST_SYNTH_DESIGN_TCL,           ///< hook after synthesis
-        PRE_INIT_TCL,                    ///< hook before implementation initialisation
-        POST_INIT_TCL,                   ///< hook after implementation initialisation
-        PRE_OPT_TCL,                     ///< hook before logic optimisation
-        POST_OPT_TCL,                    ///< hook after logic optimisation
-        PRE_POWER_OPT_TCL,               ///< hook before power optimisation
-        POST_POWER_OPT_TCL,              ///< hook after power optimisation
-        PRE_PLACE_TCL,                   ///< hook before placement
-        POST_PLACE_TCL,                  ///< hook after placement
-        PRE_POST_PLACE_POWER_OPT_TCL,    ///< hook before post-placement power optimisation
-        POST_POST_PLACE_POWER_OPT_TCL,   ///< hook after post-placement power optimisation
-        PRE_PHYS_OPT_TCL,                ///< hook before physical optimisation
-        POST_PHYS_OPT_TCL,               ///< hook after physical optimisation
-        PRE_ROUTE_TCL,                   ///< hook before routing
-        POST_ROUTE_TCL,                  ///< hook after routing
-        PRE_POST_ROUTE_PHYS_OPT_TCL,     ///< hook before post-route physical optimisation
-        POST_POST_ROUTE_PHYS_OPT_TCL,    ///< hook after post-route physical optimisation
-        PRE_WRITE_BITSTREAM_TCL,         ///< hook before the bitstream is written
-        POST_WRITE_BITSTREAM_TCL,        ///< hook after the bitstream is written
-        SYNTH_CONSTRS,                   ///< constraints applied at synthesis
-        IMPL_CONSTRS,                    ///< constraints applied at implementation
-        FILE_TYPE_COUNT                  ///< 72: what an unknown text converts to
+    enum FileType : int {
+        MAV_FILE_TYPES(MAV_FILE_TYPE_, MAV_FILE_TYPE_)  //
+        FILE_TYPE_COUNT                                 ///< 72: what an unknown text converts to
     };
 
     /// The build hook scripts and constraint sets, numbered from 0; 28 stands for an unknown text.
     /// A type of its own: its values are not FileType values and no conversion is offered.
-    enum class TclFileType {
-        PRE_SYS_LINK_TCL,
-        POST_SYS_LINK_TCL,
-        PRE_SYS_LINK_OVERLAY_TCL,
-        POST_SYS_LINK_OVERLAY_TCL,
-        POST_DEBUG_PROFILE_OVERLAY_TCL,
-        PRE_CREATE_PROJECT_TCL,
-        PRE_SYNTH_DESIGN_TCL,
-        POST_SYNTH_DESIGN_TCL,
-        PRE_INIT_TCL,
-        POST_INIT_TCL,
-        PRE_OPT_TCL,
-        POST_OPT_TCL,
-        PRE_POWER_OPT_TCL,
-        POST_POWER_OPT_TCL,
-        PRE_PLACE_TCL,
-        POST_PLACE_TCL,
-        PRE_POST_PLACE_POWER_OPT_TCL,
-        POST_POST_PLACE_POWER_OPT_TCL,
-        PRE_PHYS_OPT_TCL,
-        POST_PHYS_OPT_TCL,
-        PRE_ROUTE_TCL,
-        POST_ROUTE_TCL,
-        PRE_POST_ROUTE_PHYS_OPT_TCL,
-        POST_POST_ROUTE_PHYS_OPT_TCL,
-        PRE_WRITE_BITSTREAM_TCL,
-        POST_WRITE_BITSTREAM_TCL,
-        SYNTH_CONSTRS,
-        IMPL_CONSTRS,
+    enum class TclFileType : int {
+        MAV_FILE_TYPES(MAV_FILE_TYPE_NONE_, MAV_FILE_TYPE_)  //
         TCL_FILE_TYPE_COUNT
     };
 
@@ -129,4 +110,10 @@ class MAV_API HMAVPfmFileTypes {
     /// The type whose text form equals the argument byte for byte, else 72 or 28.
     static FileType toFileType(const std::string& text);
     static TclFileType toTclFileType(const std::string& text);
+    /// True for the types whose name is that of a folder: IP_REPO_PATH, IP_CACHE_DIR and
+    /// BOARD_REPO_PATH.
+    static bool isFolder(const std::string& type);
 };
+
+#undef MAV_FILE_TYPE_
+#undef MAV_FILE_TYPE_NONE_

@@ -77,21 +77,29 @@ class MAV_API HMAVPlatformMgr {
     void getPlatforms(HSTVector<HMAVPlatform*>& out) const;
     void getUnifiedPlatforms(HSTVector<HMAVPlatform*>& out) const;
     void getMAVPlatforms(HSTVector<HMAVPlatform*>& out) const;
+    /// Appends both lists, platforms with a description first, whichever is active.
+    void getAllPlatforms(HSTVector<HMAVPlatform*>& out) const;
     /// Replaces the contents of `out` with the platforms of bare archives.
     void getDSAPlatforms(HSTVector<HMAVPlatform*>& out) const;
     /// Size of the active list.
     std::size_t getNumPlatforms() const;
     std::size_t getNumOrphanedHandoffs() const { return handoffs_.size(); }
 
-    /// A description that was left out, with the texts that tell why, a line each.
+    /// What a search left out, with the texts that tell why, a line each: a description that was
+    /// not kept, a platform with an archive whose metadata could not be read, which is kept and
+    /// bad, or a directory that was not searched to its end.
     struct Refusal {
         std::string file;
         std::string reason;
+        /// The other files at fault, archives and software platforms; paths as reported.
+        HSTVector<std::string> faulty;
+        bool isDir = false;
     };
 
     /// Appends the texts of all failures so far, in order.
     void getParsingErrorMsgs(HSTVector<std::string>& out) const;
-    /// The descriptions that these failures left out, in order; valid until the next search.
+    /// What the searches left out, in order, each file with its latest reason; valid until the next
+    /// search.
     const HSTVector<Refusal>& getRefusals() const { return refusals_; }
     /// Empties both.
     void clearParsingErrorMsgs();
@@ -115,8 +123,15 @@ class MAV_API HMAVPlatformMgr {
     bool addPlatformsFromDirs_(const std::string& name, const HSTVector<std::string>& dirs);
     std::unique_ptr<HMAVPlatform> loadDescription_(const std::string& path);
     bool addHardwarePlatformsFromDirs_(const HSTVector<std::string>& dirs);
+    void searchBareArchives_(const HSTVector<std::string>& dirs,
+                             HSTVector<HMAVHardwarePlatform*>& out,
+                             std::unordered_map<std::string, HMAVPlatform*>& containers,
+                             bool filterByVbnv);
     Files heldFiles_() const;
-    void noteRefusal_(const std::string& path, std::size_t firstText);
+    void refuse_(Refusal refusal);
+    void refuseDir_(const std::string& dir, const std::string& reason);
+    void refuseBad_(const HMAVPlatform& platform);
+    Refusal refusalOf_(const std::string& path, std::size_t firstText);
     bool parseDescription_(const std::string& path, HMAVPlatform* platform);
     bool attachHardwarePlatforms_(HMAVPlatform* platform);
     bool attachSingleHardwarePlatform_(HMAVPlatform* platform);
@@ -134,6 +149,8 @@ class MAV_API HMAVPlatformMgr {
     std::unordered_map<std::string, HMAVPlatform*> handoffs_;
     HSTVector<std::string> parsingErrorMsgs_;
     HSTVector<Refusal> refusals_;
+    std::unordered_map<std::string, std::size_t> refusalOfFile_;  ///< its place in the list
+    HSTVector<std::string> faulty_;  ///< of the description that is being loaded
     MAVProjectType projectType_ = MAVProjectType::MAV;
     HSTVector<std::string> boardRepoPaths_;
     std::unique_ptr<HBOBoardCDataManager> boardDataMgr_;

@@ -101,7 +101,8 @@ class MAV_API HMAVPlatformUtils {
 
     /// No other candidate of the same vendor, board and name has a greater version. Versions
     /// compare by the numbers before and behind their first dot; what is no number counts as 0.
-    /// False for null. Without candidates those of the repository count.
+    /// False for null. Without candidates all platforms of the repository count, those with a
+    /// description and bare archives.
     static bool isLatestVersion(const HMAVPlatform* platform, const Platforms& candidates);
     static bool isLatestVersion(const HMAVPlatform* platform);
     /// The platforms of the list that are the latest within it, in order.

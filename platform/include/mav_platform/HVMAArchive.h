@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "mav_host/Export.h"
+#include "mav_host/HUTZip.h"
 #include "mav_platform/HVMAFiles.h"
 #include "mav_platform/JSONSerializable.h"
 
@@ -20,6 +21,7 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     void setFile(std::string value) {
         file_ = std::move(value);
         seen_.clear();
+        read_ = false;
     }
     const std::string& getInstPath() const { return instPath_; }
     void setInstPath(std::string value) { instPath_ = std::move(value); }
@@ -33,6 +35,9 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     const HVMAFiles& getFiles() const { return files_; }
     /// Name of the index member: "vma.json".
     virtual std::string getJsonFileName() const;
+    /// What a typed member of an index stands for: the folder "bd" for type "DR_BD", whatever its
+    /// name, else the name.
+    static std::string placeOf(const std::string& type, const std::string& name);
     /// Lists a member without touching the archive.
     void registerFile(const std::string& type, const std::string& name) { files_.add(type, name); }
 
@@ -41,6 +46,8 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     /// archive) when the index is missing or damaged, "@74-64@%s%s%s" (archive, index, text) when
     /// it is not JSON.
     bool parse();
+    /// The same over an archive that is open already; `getFile()` stays.
+    bool parse(const mav_host::ZipArchive& archive);
 
     /// Extracts the member of that type below `destination`, which is made, and answers
     /// `destination`, "/" and the member's name joined; empty when no member of that type is
@@ -54,32 +61,37 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     /// Adds the file `source` as member `name`, lists it under `type`, rewrites the index and puts
     /// a digest over the archive, all in one step: a failure leaves archive and object as they
     /// were. What others listed in the index since this object read or wrote it is kept, except
-    /// under the types that this object lists otherwise itself.
+    /// under the types that this object lists otherwise itself; an object that did neither takes
+    /// over the index's texts too where it has none of its own.
     /// Throws HEXAlgException "HVMAArchive::archive() - vmaFile is not set", "... - jsonFile is not
     /// set", "... - vmaFile does not exist"; HEXUserException as archiveFile does and
     /// "HVMAArchive::writeJSON() - Could not open file for streaming: " + archive for an index name
-    /// that is refused, and "HVMAArchive::archive() - 'NAME' is the name of the index itself; ...".
-    void archive(const std::string& type, const std::string& name, const std::string& source);
+    /// that is refused, and "HVMAArchive::archive() - 'NAME' is the name of the index itself; ...";
+    /// mav_host::DigestRefusal as HUTZip::updateWithDigest does.
+    void archive(const std::string& type, const std::string& name, const std::string& source,
+                 mav_host::Resign resign = mav_host::Resign::NO);
 
     /// Adds the file `source` as member `name` without listing it; the archive's digest goes.
     /// Throws HEXUserException "HVMAArchive::archiveFile() - Could not open file for reading: " +
     /// source, "HVMAArchive::archiveFile() - Could not open file for streaming: " + archive for a
-    /// member name that is refused; and as HUTZip::add does when the archive cannot be written.
+    /// member name that is refused and for an archive that cannot take a member, with the reason
+    /// nested (std::rethrow_if_nested); and as HUTZip::add does when writing fails later.
     void archiveFile(const std::string& name, const std::string& source);
 
     /// The index: "version", the four texts, "files".
     void toJSON(mav_platform::JSONObjectWriter& writer) const override;
 
   private:
-    /// Lists what others have listed in the archive's index.
-    void takeOverOthers_(const std::string& index);
+    /// Takes over what the index holds that this object has not seen.
+    void takeOver_(const mav_host::ZipArchive& archive);
     void checkSource_(const std::string& name, const std::string& source) const;
     std::string extractFile_(const std::string& name, const std::string& destination) const;
     std::string extractDir_(const std::string& name, const std::string& destination) const;
 
     std::string file_;
     HVMAFiles files_;
-    HVMAFiles seen_;  ///< the list as it was last read from the archive or written to it
+    HVMAFiles seen_;     ///< the list as it was last read from the archive or written to it
+    bool read_ = false;  ///< the index was read from this archive or written to it
     std::string instPath_;
     std::string drBdInstName_;
     std::string pfmName_;

@@ -71,7 +71,7 @@ class MAV_API JSONObjectWriter : public JSONWriter {
 
     /// Adds a list or an object that `fill` writes through the JSONListWriter& or JSONObjectWriter&
     /// handed to it; skipped when it writes nothing. Takes the key as it stands, dots included.
-    /// This writer takes no members meanwhile (std::logic_error). An exception of `fill` passes and
+    /// What this writer itself takes meanwhile comes before it. An exception of `fill` passes and
     /// leaves no trace here.
     template <class Fill>
     void addList(std::string_view key, Fill&& fill) {

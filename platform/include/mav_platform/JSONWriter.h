@@ -2,8 +2,6 @@
 #pragma once
 
 #include <boost/property_tree/ptree_fwd.hpp>
-#include <cstddef>
-#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -12,14 +10,13 @@
 
 #include "mav_host/Export.h"
 #include "mav_host/HSTVector.h"
+#include "mav_platform/JSONTextSink.h"
 
 namespace mav_platform {
 
 class JSONSerializable;
 namespace json {
-struct KeyPlace;
-struct SharedText;
-struct WriterExtra;
+class TreeSink;
 }  // namespace json
 
 /// Common base of the writers. To its users a writer is a property tree of texts. Inside, members
@@ -32,8 +29,8 @@ class MAV_API JSONWriter {
     JSONWriter(const JSONWriter&) = delete;
     JSONWriter& operator=(const JSONWriter&) = delete;
 
-    /// The writer's tree. Valid until the writer is destroyed; the non-const form may be changed by
-    /// the caller, the const form is a picture that the next added member makes stale.
+    /// The writer's tree itself: it shows what is added later, and the caller may change it through
+    /// the non-const form. Valid until the writer is destroyed.
     ptree& getTree();
     const ptree& getTree() const;
     ptree& getOtherTree(JSONWriter& other) const;
@@ -58,9 +55,8 @@ class MAV_API JSONWriter {
   protected:
     /// A writer of its own.
     explicit JSONWriter(bool list);
-    /// A child that writes into the text of `parent`, under `key`, as it stands, when the parent
-    /// has keys. Until it is finished or destroyed the parent takes no members. The key must
-    /// outlive it.
+    /// A child that is attached to `parent` when it is finished: under `key`, as it stands, when
+    /// the parent has keys. The key must outlive it.
     JSONWriter(JSONWriter& parent, std::string_view key, bool list);
     /// A child that was not finished leaves no trace in its parent.
     ~JSONWriter();
@@ -82,45 +78,21 @@ class MAV_API JSONWriter {
     void addObjectAt(std::string_view key, const JSONSerializable* object);
 
   private:
-    enum class Existing : std::uint8_t { REPLACED, KEPT };
-
-    void checkIdle() const;
-    json::WriterExtra& extra() const;
-    void useTree();
-    ptree parsedTree() const;
-    void clear() noexcept;
+    static json::TextSink begun(JSONWriter& child, JSONWriter& parent, std::string_view key,
+                                bool list);
+    void settle() const;
+    void detach();
+    json::TreeSink& useTree() const;
     void leaveParent() noexcept;
     void rollBack() noexcept;
-    void finishText();
     void finishTree();
-    static std::uint64_t hashOf(std::string_view key);
-    std::size_t memberRoom(std::string_view key) const;
-    char* putMemberStart(char* out, std::string_view key, json::KeyPlace& place) const;
-    bool appendScalar(std::string_view key, std::uint64_t hash, std::string_view value,
-                      Existing existing);
-    void appendCopy(std::string_view key, const JSONWriter& sub);
-    bool appendRendered(std::string_view key, const ptree& sub);
-    bool takes(std::string_view key) const;
-    void appendChild(std::string_view key, ptree& sub);
-    ptree& addNode(std::string_view key);
-    ptree& addNodeAtPath(std::string_view path);
-    void makeRoomForKey();
-    bool knows(const json::KeyPlace& place) const;
-    void remember(const json::KeyPlace& place) noexcept;
+    bool takes(std::string_view path) const;
+    void attach(std::string_view key, ptree& sub);
 
-    json::SharedText* out_;  ///< shared by a writer of its own and the open children below it
+    mutable json::TextSink text_;
+    mutable std::unique_ptr<json::TreeSink> tree_;  ///< instead of the text once it is there
     JSONWriter* parent_ = nullptr;
     std::string_view key_;  ///< of a child, in its parent
-    std::uint64_t keyHash_ = 0;
-    std::size_t mark_ = 0;   ///< size of the text before this child
-    std::size_t start_ = 0;  ///< size of the text before this writer's first member
-    std::size_t firstKey_ = 0;
-    std::uint64_t keyMask_ = 0;
-    std::uint32_t depth_ = 0;
-    const bool list_;
-    bool ownsText_ = true;
-    bool treeMode_ = false;
-    mutable std::unique_ptr<json::WriterExtra> extra_;
 };
 
 }  // namespace mav_platform

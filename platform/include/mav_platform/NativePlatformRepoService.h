@@ -19,8 +19,7 @@ class MAV_API NativePlatformRepoService : public PlatformRepoService {
     void getDefaultPlatformLookupDirs(std::vector<std::string>& out) override;
     /// The directories, then on request the default ones, in canonical form and joined by ":". What
     /// is no directory, or was there before, is left out; without any the text is empty.
-    std::string getPlatformRepoPath(const std::vector<std::string>& dirs,
-                                    bool withDefaults) override;
+    std::string getPlatformRepoPath(std::vector<std::string>& dirs, bool withDefaults) override;
     /// A name that is an existing file gives its canonical path alone. Any other name picks, in
     /// each directory and all levels below, the ".qpfm" files of that stem, ignoring case; an empty
     /// one picks all. Links are followed. Answers paths as walked, with `firstOnly` at most one.

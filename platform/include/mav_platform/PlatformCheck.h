@@ -36,8 +36,8 @@ class MAV_API PlatformCheck {
     /// Every finding about the platform file and what it refers to: file by file, by line inside a
     /// file. A file that several others name is looked at once. Of one rule at most 100 in
     /// a file and 1000 in all are told; a last one of that rule and file counts those beyond. Never
-    /// throws for a bad file: that is a finding. While it runs, reports and console lines of the
-    /// library are taken aside, also those of other threads.
+    /// throws for a bad file: that is a finding. The library's own reports and
+    /// console lines of this call go nowhere.
     static HSTVector<CheckFinding> run(const std::string& path);
     /// All rules, sorted by name.
     static const HSTVector<CheckRule>& rules();

@@ -9,6 +9,7 @@
 
 class HMAVPlatform;
 class HMAVReconfigurablePartition;
+class HPLPlatform;
 
 namespace mav_platform {
 
@@ -60,20 +61,23 @@ class MAV_API PlatformLoader {
   private:
     void parseDescription_();
     void attachAll_();
-    void attachHardwarePlatform();
-    void attachHardwareEmulationPlatform();
-    void attachMergedHardwareEmulationPlatform_();
+    template <class Read>
+    HPLPlatform* read_(OpenArchives& archives, Read read);
+    HPLPlatform* readArchive_(const std::string& path, OpenArchives& archives, const char* failed);
+    void attachHardwarePlatform(OpenArchives& archives);
+    void attachHardwareEmulationPlatform(OpenArchives& archives);
+    void attachMergedHardwareEmulationPlatform_(OpenArchives& archives);
     void attachSoftwarePlatform();
     void loadReconfigurablePartitions_();
-    void attachHardwarePlatform_(HMAVReconfigurablePartition* partition);
-    void attachHardwareEmulationPlatform_(HMAVReconfigurablePartition* partition);
+    void attachHardwarePlatform_(HMAVReconfigurablePartition* partition, OpenArchives& archives);
+    void attachHardwareEmulationPlatform_(HMAVReconfigurablePartition* partition,
+                                          OpenArchives& archives);
 
     std::shared_ptr<HMAVPlatform> platform_;
     std::string filePath_;
     PlatformFileKind fileKind_ = PLATFORM_DESCRIPTION;
     bool loaded_ = false;
     HwMetadataMode hwMetadataMode_;
-    std::unique_ptr<OpenArchives> archives_;
 };
 
 }  // namespace mav_platform

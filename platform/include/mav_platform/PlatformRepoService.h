@@ -16,8 +16,7 @@ class MAV_API PlatformRepoService {
     /// Appends the directories that are searched without being named.
     virtual void getDefaultPlatformLookupDirs(std::vector<std::string>& out) = 0;
     /// The directories joined by ":".
-    virtual std::string getPlatformRepoPath(const std::vector<std::string>& dirs,
-                                            bool withDefaults) = 0;
+    virtual std::string getPlatformRepoPath(std::vector<std::string>& dirs, bool withDefaults) = 0;
     /// Append the description files of that name below the directories, which `repoPath` joins by
     /// ":".
     virtual void getQpfmFiles(const std::string& name, const std::string& repoPath,

@@ -14,8 +14,12 @@
  *
  * Exceptions: the hmav_get_... functions let C++ exceptions pass: std::logic_error for a null path,
  * HEXFileNotFoundException for a description file that does not exist,
- * mav_platform::PlatformParseException for one that does not parse, std::bad_alloc. A caller that
- * cannot let an exception pass uses the hmav_try_get_... functions, which never throw.
+ * mav_platform::PlatformParseException for one that does not parse; HEXAlgException,
+ * HEXDataException and HEXUserException for an array-engine project, or another file inside an
+ * archive, that cannot be extracted or parsed once the platform is loaded;
+ * boost::property_tree::json_parser_error for an object that JSON cannot hold; std::bad_alloc. All
+ * derive from std::exception. A caller that cannot let an exception pass uses the
+ * hmav_try_get_... functions, which never throw.
  *
  * Threads: no lock anywhere; one thread at a time.
  */

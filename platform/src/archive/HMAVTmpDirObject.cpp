@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <system_error>
 
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
+#include "mav_host/Messages.h"
 
 namespace {
 
@@ -52,5 +52,5 @@ bool HMAVTmpDirObject::exists() const {
 void HMAVTmpDirObject::deleteTmpDir() {
     if (!exists()) return;
     HUTFileUtils::removeDirs(path_);
-    if (exists()) ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@1-1874@%s", {path_});
+    if (exists()) mav_host::report(mav_host::messages::DIRECTORY_STAYS, path_);
 }

@@ -2,37 +2,62 @@
 #include "mav_platform/HVMAArchive.h"
 
 #include <boost/property_tree/json_parser/error.hpp>
+#include <exception>
 #include <optional>
 
 #include "json/Document.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
+#include "mav_host/Messages.h"
+#include "mav_platform/HMAVPfmFileTypes.h"
 #include "mav_platform/JSONObjectWriter.h"
 
 namespace {
 
 using mav_platform::json::Node;
 
-std::string textOf(const Node& node, std::string_view key) {
-    const std::optional<Node> child = node.find(key);
-    return child ? std::string(child->data()) : "";
-}
-
 void addFiles(const Node& root, HVMAFiles& out) {
     const std::optional<Node> files = root.find("files");
     if (!files) return;
-    for (const Node& item : *files) out.add(textOf(item, "type"), textOf(item, "name"));
+    for (const Node& item : *files) out.add(item.text("type"), item.text("name"));
 }
 
-/// The whole index; nothing when it cannot be read.
-std::optional<std::string> readIndex(const std::string& archive, const std::string& index) {
-    try {
-        return mav_host::ZipArchive(archive).read(index, HUTZip::MAX_METADATA_SIZE);
-    } catch (const HEXError&) {
-        return std::nullopt;
-    }
+/// What an index holds.
+struct Index {
+    std::string instPath;
+    std::string drBdInstName;
+    std::string pfmName;
+    std::string hierName;
+    HVMAFiles files;
+};
+
+/// Throws json_parser_error.
+Index indexOf(std::string text) {
+    const auto document = mav_platform::json::Document::fromBytes(std::move(text));
+    const Node root = document.root();
+    Index index{root.text("instPath"),
+                root.text("drBdInstName"),
+                root.text("pfmName"),
+                root.text("hierName"),
+                {}};
+    addFiles(root, index.files);
+    return index;
+}
+
+void takeIfEmpty(std::string& text, std::string&& there) {
+    if (text.empty()) text = std::move(there);
+}
+
+/// What is being handled, if anything, goes along nested.
+[[noreturn]] void refuseMember(const std::string& archive) {
+    std::throw_with_nested(HEXUserException(
+        "HVMAArchive::archiveFile() - Could not open file for streaming: " + archive));
+}
+
+bool reportUnreadable(const std::string& index, const std::string& archive) {
+    mav_host::report(mav_host::messages::NO_INDEX, index, archive);
+    return false;
 }
 
 }  // namespace
@@ -43,32 +68,41 @@ std::string HVMAArchive::getJsonFileName() const {
 
 bool HVMAArchive::parse() {
     if (!HUTFile::isFile(file_)) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-89@%s", {file_});
+        mav_host::report(mav_host::messages::ARCHIVE_NO_FILE, file_);
         return false;
     }
-    const std::string index = getJsonFileName();
-    std::optional<std::string> text = readIndex(file_, index);
-    if (!text) {
-        ComMsgMgr::sendMsg(2, "platform", ComMsgMgr::ERROR, "@74-67@%s%s", {index, file_});
-        return false;
-    }
+    std::optional<mav_host::ZipArchive> archive;
     try {
-        const mav_platform::json::Document document(std::move(*text));
-        const Node root = document.root();
-        instPath_ = textOf(root, "instPath");
-        drBdInstName_ = textOf(root, "drBdInstName");
-        pfmName_ = textOf(root, "pfmName");
-        hierName_ = textOf(root, "hierName");
-        files_.clear();
-        addFiles(root, files_);
+        archive.emplace(file_);
+    } catch (const HEXError&) {
+        return reportUnreadable(getJsonFileName(), file_);
+    }
+    return parse(*archive);
+}
+
+bool HVMAArchive::parse(const mav_host::ZipArchive& archive) {
+    const std::string name = getJsonFileName();
+    try {
+        Index index = indexOf(archive.read(name, HUTZip::MAX_METADATA_SIZE));
+        instPath_ = std::move(index.instPath);
+        drBdInstName_ = std::move(index.drBdInstName);
+        pfmName_ = std::move(index.pfmName);
+        hierName_ = std::move(index.hierName);
+        files_ = std::move(index.files);
         seen_ = files_;
+        read_ = true;
+    } catch (const HEXError&) {
+        return reportUnreadable(name, archive.path());
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
-        ComMsgMgr::sendMsg(
-            1, "platform", ComMsgMgr::ERROR, "@74-64@%s%s%s",
-            {file_, index, "line " + std::to_string(error.line()) + ": " + error.message()});
+        mav_host::report(mav_host::messages::MEMBER_FAULT, archive.path(), name,
+                         "line " + std::to_string(error.line()) + ": " + error.message());
         return false;
     }
     return true;
+}
+
+std::string HVMAArchive::placeOf(const std::string& type, const std::string& name) {
+    return type == "DR_BD" ? "bd" : name;
 }
 
 std::string HVMAArchive::extract(const std::string& type, const std::string& destination) const {
@@ -80,9 +114,10 @@ std::string HVMAArchive::extract(const std::string& type, const std::string& des
                                destination);
     }
     if (!files_.has(type)) return "";
-    if (type == "DR_BD") return extractDir_("bd", destination);
-    const std::string name = files_.get(type);
-    const bool isDir = type == "BOARD_REPO_PATH" || type == "IP_REPO_PATH";
+    const std::string name = placeOf(type, files_.get(type));
+    // A listed cache is taken as a file, unlike the other folders.
+    const bool isDir =
+        type == "DR_BD" || (HMAVPfmFileTypes::isFolder(type) && type != "IP_CACHE_DIR");
     return isDir ? extractDir_(name, destination) : extractFile_(name, destination);
 }
 
@@ -108,7 +143,7 @@ std::string HVMAArchive::extractDir_(const std::string& name,
 }
 
 void HVMAArchive::archive(const std::string& type, const std::string& name,
-                          const std::string& source) {
+                          const std::string& source, mav_host::Resign resign) {
     const std::string index = getJsonFileName();
     if (file_.empty()) throw HEXAlgException("HVMAArchive::archive() - vmaFile is not set");
     if (index.empty()) throw HEXAlgException("HVMAArchive::archive() - jsonFile is not set");
@@ -124,38 +159,58 @@ void HVMAArchive::archive(const std::string& type, const std::string& name,
         throw HEXUserException("HVMAArchive::writeJSON() - Could not open file for streaming: " +
                                file_);
     }
-    HVMAFiles before = files_;
+    const HVMAArchive before(*this);
+    bool opened = false;
     try {
-        HUTZip::updateWithDigest(file_, [&]() -> HSTVector<HUTZip::Source> {
-            takeOverOthers_(index);
+        const auto sources = [&](const mav_host::ZipArchive* there) -> HSTVector<HUTZip::Source> {
+            opened = true;
+            if (there != nullptr) takeOver_(*there);
             files_.add(type, name);
             return {{name, source, ""}, {index, "", toJSONString()}};
-        });
+        };
+        HUTZip::updateWithDigest(file_, sources, resign);
     } catch (...) {
-        files_ = std::move(before);
-        throw;
+        *this = before;
+        if (opened) throw;
+        refuseMember(file_);
     }
     seen_ = files_;
+    read_ = true;
 }
 
-void HVMAArchive::takeOverOthers_(const std::string& index) {
-    std::optional<std::string> text = readIndex(file_, index);
-    if (!text) return;
+void HVMAArchive::takeOver_(const mav_host::ZipArchive& archive) {
+    const std::string name = getJsonFileName();
+    if (!archive.contains(name)) return;
     try {
-        HVMAFiles there;
-        addFiles(mav_platform::json::Document(std::move(*text)).root(), there);
-        for (const auto& [type, name] : there.getMap()) {
+        Index there = indexOf(archive.read(name, HUTZip::MAX_METADATA_SIZE));
+        for (const auto& [type, member] : there.files.getMap()) {
             const bool isOurs = files_.has(type) && files_.get(type) != seen_.get(type);
-            if (!isOurs && seen_.get(type) != name) files_.add(type, name);
+            if (!isOurs && seen_.get(type) != member) files_.add(type, member);
         }
-    } catch (const boost::property_tree::json_parser::json_parser_error&) {
+        if (read_) return;
+        takeIfEmpty(instPath_, std::move(there.instPath));
+        takeIfEmpty(drBdInstName_, std::move(there.drBdInstName));
+        takeIfEmpty(pfmName_, std::move(there.pfmName));
+        takeIfEmpty(hierName_, std::move(there.hierName));
+    } catch (const HEXError&) {
         return;  // an index that nobody can read is written anew
+    } catch (const boost::property_tree::json_parser::json_parser_error&) {
+        return;
     }
 }
 
 void HVMAArchive::archiveFile(const std::string& name, const std::string& source) {
     checkSource_(name, source);
-    HUTZip::add(file_, {{name, source, ""}});
+    bool opened = false;
+    try {
+        HUTZip::update(file_, [&](const mav_host::ZipArchive*) -> HSTVector<HUTZip::Source> {
+            opened = true;
+            return {{name, source, ""}};
+        });
+    } catch (const HEXError&) {
+        if (opened) throw;
+        refuseMember(file_);
+    }
 }
 
 void HVMAArchive::checkSource_(const std::string& name, const std::string& source) const {
@@ -163,10 +218,7 @@ void HVMAArchive::checkSource_(const std::string& name, const std::string& sourc
         throw HEXUserException("HVMAArchive::archiveFile() - Could not open file for reading: " +
                                source);
     }
-    if (!HUTZip::isMemberName(name)) {
-        throw HEXUserException("HVMAArchive::archiveFile() - Could not open file for streaming: " +
-                               file_);
-    }
+    if (!HUTZip::isMemberName(name)) refuseMember(file_);
 }
 
 void HVMAArchive::toJSON(mav_platform::JSONObjectWriter& writer) const {

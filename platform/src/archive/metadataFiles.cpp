@@ -2,13 +2,13 @@
 #include "archive/metadataFiles.h"
 
 #include <algorithm>
-#include <array>
 #include <boost/property_tree/json_parser/error.hpp>
-#include <cstdio>
 #include <string_view>
 
 #include "json/Document.h"
+#include "json/Escape.h"
 #include "mav_host/HEXError.h"
+#include "mav_host/HI18N.h"
 
 namespace mav_platform {
 namespace {
@@ -19,148 +19,85 @@ constexpr std::string_view BLANKS = " \t\r\n";
     throw HEXAlgException("The metadata cannot take a file: " + reason);
 }
 
-std::string quoted(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
-        } else if (static_cast<unsigned char>(c) < ' ') {
-            std::array<char, 8> escape;
-            std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(c));
-            out += escape.data();
-        } else {
-            out += c;
-        }
-    }
-    return out + '"';
+/// Whatever is empty is an empty list.
+bool isList(const json::Node& node) {
+    return node.hasChildren() ? node.isList() : node.data().empty() || node.data() == "null";
 }
 
-bool listsFile(const json::Document& document, std::string_view type, std::string_view name) {
-    const auto files = document.root().find("files");
-    if (!files) return false;
-    return std::any_of(files->begin(), files->end(), [&](const json::Node& item) {
+bool listsFile(const json::Node& files, std::string_view type, std::string_view name) {
+    return std::any_of(files.begin(), files.end(), [&](const json::Node& item) {
         const auto itemType = item.find("type");
         const auto itemName = item.find("name");
         return itemType && itemName && itemType->data() == type && itemName->data() == name;
     });
 }
 
-/// Walks text that is known to be JSON.
-class Walk {
-  public:
-    explicit Walk(std::string_view text) : text_(text) {
-        if (text_.starts_with("\xef\xbb\xbf")) at_ = 3;
-    }
-
-    /// Steps into an object or a list; false when something else stands here.
-    bool enter(char opening) {
-        skipBlanks();
-        if (peek() != opening) return false;
-        end_ = ++at_;
-        return true;
-    }
-    /// Goes to the next element of the object or list entered; false at its end.
-    bool next() {
-        skipBlanks();
-        if (peek() == ',') {
-            ++at_;
-            skipBlanks();
-        }
-        start_ = at_;
-        return peek() != '}' && peek() != ']';
-    }
-    /// Reads a key and its colon and answers the key as written.
-    std::string_view key() {
-        const std::size_t from = at_ + 1;
-        skipString();
-        const std::string_view key = text_.substr(from, at_ - from - 1);
-        skipBlanks();
-        ++at_;
-        return key;
-    }
-    void skipValue() {
-        skipBlanks();
-        unsigned depth = 0;
-        do {
-            const char c = peek();
-            if (c == '"') {
-                skipString();
-                continue;
-            }
-            if (c == '{' || c == '[') ++depth;
-            if (c == '}' || c == ']') --depth;
-            ++at_;
-        } while (at_ < text_.size() && (depth > 0 || !endsScalar()));
-        end_ = at_;
-    }
-    /// Behind the last element skipped, or behind the opening bracket when there is none.
-    std::size_t behindLast() const { return end_; }
-    /// The blanks in front of the element that `next` found last before the end.
-    std::string_view blanksBefore(std::size_t element) const {
-        std::size_t from = element;
-        while (from > 0 && BLANKS.find(text_[from - 1]) != std::string_view::npos) --from;
-        return text_.substr(from, element - from);
-    }
-    std::size_t elementStart() const { return start_; }
-
-  private:
-    char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-    bool endsScalar() const {
-        const char c = peek();
-        return c == ',' || c == '}' || c == ']' || BLANKS.find(c) != std::string_view::npos;
-    }
-    void skipBlanks() { at_ = std::min(text_.find_first_not_of(BLANKS, at_), text_.size()); }
-    void skipString() {
-        for (++at_; peek() != '"'; ++at_) {
-            if (peek() == '\\') ++at_;
-        }
-        ++at_;
-    }
-
-    std::string_view text_;
-    std::size_t at_ = 0;
-    std::size_t start_ = 0;
-    std::size_t end_ = 0;
-};
-
-/// Inserts an element behind the last one of the object or list that the walk has entered.
-std::string append(std::string_view text, Walk walk, bool object, const std::string& element) {
-    std::string blanks;
-    bool first = true;
-    while (walk.next()) {
-        blanks = walk.blanksBefore(walk.elementStart());
-        first = false;
-        if (object) walk.key();
-        walk.skipValue();
-    }
-    const std::size_t at = walk.behindLast();
-    std::string out(text.substr(0, at));
-    if (!first) out += ',';
-    return out.append(blanks).append(element).append(text.substr(at));
+/// The last of those in front of a place that is no blank.
+std::size_t lastBefore(std::string_view text, std::size_t place) {
+    return text.find_last_not_of(BLANKS, place - 1);
 }
 
-std::string insert(std::string_view text, const std::string& item) {
-    Walk root(text);
-    if (!root.enter('{')) refuse("it is no JSON object");
-    for (Walk walk = root; walk.next(); walk.skipValue()) {
-        if (walk.key() != "files") continue;
-        if (!walk.enter('[')) refuse("its \"files\" is no list");
-        return append(text, walk, false, item);
+/// Where an item of a list begins.
+std::size_t startOf(std::string_view text, const json::Node& item) {
+    if (item.kind() == json::Kind::SCALAR) return item.offset();
+    if (!item.hasChildren()) return lastBefore(text, item.dataOffset());
+    const json::Node first = *item.begin();
+    return lastBefore(text, item.isList() ? startOf(text, first) : first.offset());
+}
+
+/// The blanks in front of the last member or item; empty when there is none.
+std::string_view blanksBeforeLast(std::string_view text, const json::Node& container) {
+    if (!container.hasChildren()) return {};
+    json::Node last = container;
+    for (const json::Node& child : container) last = child;
+    const std::size_t end = container.isList() ? startOf(text, last) : last.offset();
+    const std::size_t begin = lastBefore(text, end) + 1;
+    return text.substr(begin, end - begin);
+}
+
+/// Inserts an element behind the last one of an object or a list.
+std::string append(std::string_view text, const json::Node& container, const std::string& element) {
+    const std::size_t at = lastBefore(text, container.dataOffset()) + 1;
+    std::string out(text.substr(0, at));
+    if (container.hasChildren()) out += ',';
+    return out.append(blanksBeforeLast(text, container)).append(element).append(text.substr(at));
+}
+
+/// Puts a list of one item in the place of a member's value, which is empty or null.
+std::string replaceEmpty(std::string_view text, const json::Node& value, const std::string& item) {
+    std::size_t begin = value.dataOffset();
+    std::size_t end = begin + value.data().size();
+    if (value.kind() == json::Kind::OBJECT) {
+        end = begin + 1;
+        begin = lastBefore(text, begin);
+    } else if (text[begin - 1] == '"') {
+        end = text.find('"', begin) + 1;
+        --begin;
     }
-    return append(text, root, true, "\"files\": [" + item + "]");
+    return std::string(text.substr(0, begin)) + "[" + item + "]" + std::string(text.substr(end));
 }
 
 }  // namespace
 
 std::string withListedFile(std::string document, const std::string& type, const std::string& name) {
+    if (!HI18N_isUTF8(type) || !HI18N_isUTF8(name)) {
+        refuse("the name or the type is not UTF-8; give the member another name");
+    }
     try {
-        if (listsFile(json::Document(std::string(document)), type, name)) return document;
-        std::string text =
-            insert(document, "{\"name\": " + quoted(name) + ", \"type\": " + quoted(type) + "}");
-        if (!listsFile(json::Document(std::string(text)), type, name)) {
-            refuse("the name or the type does not fit into it");
-        }
+        const auto parsed = json::Document::fromBytes(document);
+        const json::Node root = parsed.root();
+        if (root.kind() != json::Kind::OBJECT) refuse("it is no JSON object");
+        const auto files = root.find("files");
+        if (files && !isList(*files)) refuse("its \"files\" is no list");
+        if (files && listsFile(*files, type, name)) return document;
+        if (!HI18N_isUTF8(document)) document = HI18N_convertToUTF8(document);
+        const std::string item =
+            "{\"name\": " + json::quoted(name) + ", \"type\": " + json::quoted(type) + "}";
+        std::string text = !files            ? append(document, root, "\"files\": [" + item + "]")
+                           : files->isList() ? append(document, *files, item)
+                                             : replaceEmpty(document, *files, item);
+        // The item may have taken it over a limit.
+        static_cast<void>(json::Document(std::string(text)));
         return text;
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
         refuse("line " + std::to_string(error.line()) + ": " + error.message());

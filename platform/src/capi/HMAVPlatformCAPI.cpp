@@ -3,13 +3,12 @@
 #include <exception>
 #include <memory>
 #include <ostream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/Host.h"
+#include "mav_host/ReportScope.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformLoader.h"
@@ -54,50 +53,26 @@ char* getJson(const char* path, Fill fill) {
     return writer.newText().release();
 }
 
-/// Keeps the reports and console lines of one call, in their order, while passing them on to the
-/// sink and the console that were in force.
-class ReportKeeper final : public ComMsgSink {
+/// Keeps the reports and console lines of one call, in their order, while passing them on.
+class ReportKeeper final : public mav_host::ReportScope {
   public:
-    ReportKeeper()
-        : before_(ComMsgMgr::setSink(this)), consoleBefore_(mav_host::setConsole(&lines_)) {}
-    ~ReportKeeper() override {
-        takeLines();
-        ComMsgMgr::setSink(before_);
-        mav_host::setConsole(consoleBefore_);
-    }
-    ReportKeeper(const ReportKeeper&) = delete;
-    ReportKeeper& operator=(const ReportKeeper&) = delete;
-
-    void send(const ComMsg& message) override {
-        takeLines();
-        ComMsgMgr::setSink(before_);
-        ComMsgMgr::sendMsg(message.level, message.group, message.mask, message.id, message.args);
-        ComMsgMgr::setSink(this);
-        text_ += ComMsgMgr::format(message) + "\n";
-    }
+    ~ReportKeeper() override { close(); }
 
     const std::string& text() {
-        takeLines();
+        flush();
         return text_;
     }
 
   private:
-    void takeLines() noexcept {
-        try {
-            const std::string lines = std::move(lines_).str();
-            lines_.str({});
-            text_ += lines;
-            mav_host::setConsole(consoleBefore_);
-            mav_host::console() << lines << std::flush;
-        } catch (...) {
-            // Lines that cannot be passed on must not end what they tell of.
-        }
-        mav_host::setConsole(&lines_);
+    void onReport(const ComMsg& message) override {
+        ComMsgMgr::sendMsg(message.level, message.group, message.mask, message.id, message.args);
+        text_ += ComMsgMgr::format(message) + "\n";
+    }
+    void onLines(const std::string& text) override {
+        text_ += text;
+        mav_host::console() << text << std::flush;
     }
 
-    std::ostringstream lines_;
-    ComMsgSink* before_;
-    std::ostream* consoleBefore_;
     std::string text_;
 };
 

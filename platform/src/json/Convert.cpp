@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-#include "mav_host/ComMsgMgr.h"
+#include "mav_host/Messages.h"
 
 namespace mav_platform::json {
 namespace {
@@ -49,7 +49,7 @@ Number scan(std::string_view text) {
 
 void reportUnconverted(std::string_view text, bool* failed) {
     if (failed != nullptr) *failed = true;
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-268@%s", {std::string(text)});
+    mav_host::report(mav_host::messages::NOT_UNSIGNED, std::string(text));
 }
 
 }  // namespace
@@ -84,13 +84,7 @@ std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt, bool* fail
 unsigned toUnsigned(std::string_view text, unsigned dflt, bool* failed) {
     if (text.empty()) return dflt;
     if (std::uint32_t plain = 0; isShort(text, plain)) return plain;
-    const Number number = scan(text);
-    const std::uint64_t value = number.negative ? 0 - number.magnitude : number.magnitude;
-    if (!number.hasDigits || number.overflow || value > std::numeric_limits<unsigned>::max()) {
-        reportUnconverted(text, failed);
-        return dflt;
-    }
-    return static_cast<unsigned>(value);
+    return static_cast<unsigned>(toUnsigned64(text, dflt, failed));
 }
 
 bool toBool(std::string_view text) {

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "json/TextBuffer.h"
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -120,6 +122,14 @@ char* escape(char* out, std::string_view text) {
 #else
     return putBytes(out, cur, end);
 #endif
+}
+
+std::string quoted(std::string_view text) {
+    std::string out(escapeRoom(text) + TextBuffer::SLACK + 2, '"');
+    char* end = escape(out.data() + 1, text);
+    *end++ = '"';
+    out.resize(static_cast<std::size_t>(end - out.data()));
+    return out;
 }
 
 std::size_t escapedSize(std::string_view text) {

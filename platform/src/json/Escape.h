@@ -12,6 +12,9 @@ namespace mav_platform::json {
 /// needs `escapeRoom(text)` bytes and may be overwritten up to TextBuffer::SLACK bytes behind.
 char* escape(char* out, std::string_view text);
 
+/// The text as a JSON string, quotation marks included.
+std::string quoted(std::string_view text);
+
 /// The size of the escaped text.
 std::size_t escapedSize(std::string_view text);
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVJSONUtils.h"
 
-#include <boost/optional.hpp>
 #include <boost/property_tree/json_parser/error.hpp>
 #include <boost/property_tree/ptree.hpp>
-#include <fstream>
+#include <optional>
 #include <ostream>
 #include <utility>
 
@@ -14,9 +13,9 @@
 #include "json/TreePath.h"
 #include "json/TreeText.h"
 #include "mav_host/HEXError.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
+#include "mav_host/Host.h"
 #include "mav_host/xp.h"
 
 using boost::property_tree::ptree;
@@ -30,30 +29,18 @@ std::string_view view(const ptree& tree, const std::string& key) {
     return child != nullptr ? std::string_view(child->data()) : std::string_view();
 }
 
-const ptree& orEmpty(const HMAVJSONUtils::optional_ptree& tree) {
-    static const ptree EMPTY;
-    return tree ? *tree : EMPTY;
-}
-
 /// The tree of a text; parser errors carry the file's name.
-ptree parse(std::string text, const std::string& file = "") {
-    return json::Document(std::move(text), file).tree();
+ptree parse(std::string text, const std::string& file) {
+    return json::Document(std::move(text), file, json::Document::MAX_OWN_DEPTH).tree();
 }
 
 std::string readFile(const std::string& path) {
-    // Asked before opening, which would wait for a writer of a named pipe.
-    std::ifstream file;
-    if (HUTFile::isFile(path)) file.open(path, std::ios::binary);
-    if (!file.is_open()) throw json_parser_error("cannot open file", path, 0);
-    std::string text;
-    char piece[1U << 16U];
-    while (file.read(piece, sizeof(piece)) || file.gcount() > 0) {
-        text.append(piece, static_cast<std::size_t>(file.gcount()));
-        if (text.size() > HUTZip::MAX_METADATA_SIZE) {
-            throw json_parser_error("file larger than 1 GiB", path, 0);
-        }
+    std::optional<std::string> text = HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE);
+    if (!text) throw json_parser_error("cannot open file", path, 0);
+    if (text->size() > HUTZip::MAX_METADATA_SIZE) {
+        throw json_parser_error("file larger than 1 GiB", path, 0);
     }
-    return text;
+    return *std::move(text);
 }
 
 template <class Read>
@@ -62,7 +49,7 @@ ptree readOrExplain(Read read) {
         return read();
     } catch (const json_parser_error& error) {
         throw HEXAlgException(std::string("Failed to read platform: ") + error.what());
-    } catch (const HEXDataException& error) {
+    } catch (const HEXError& error) {
         throw HEXAlgException(std::string("Failed to read platform: ") + error.what());
     }
 }
@@ -108,49 +95,16 @@ bool HMAVJSONUtils::getBoolValue(const ptree& tree, const std::string& key) {
     return json::toBool(view(tree, key));
 }
 
-bool HMAVJSONUtils::findKey(const optional_ptree& tree, const std::string& key) {
-    return findKey(orEmpty(tree), key);
-}
-
-bool HMAVJSONUtils::hasKey(const optional_ptree& tree, const std::string& key) {
-    return findKey(orEmpty(tree), key);
-}
-
-std::string HMAVJSONUtils::getValue(const optional_ptree& tree, const std::string& key) {
-    return getValue(orEmpty(tree), key);
-}
-
-std::string HMAVJSONUtils::getStringValue(const optional_ptree& tree, const std::string& key) {
-    return getValue(orEmpty(tree), key);
-}
-
-int HMAVJSONUtils::getIntValue(const optional_ptree& tree, const std::string& key, int dflt) {
-    return getIntValue(orEmpty(tree), key, dflt);
-}
-
-long HMAVJSONUtils::getLongValue(const optional_ptree& tree, const std::string& key, long dflt) {
-    return getLongValue(orEmpty(tree), key, dflt);
-}
-
-unsigned long HMAVJSONUtils::getUnsignedLongValue(const optional_ptree& tree,
-                                                  const std::string& key, unsigned long dflt) {
-    return getUnsignedLongValue(orEmpty(tree), key, dflt);
-}
-
-unsigned HMAVJSONUtils::getUnsignedIntValue(const optional_ptree& tree, const std::string& key,
-                                            unsigned dflt) {
-    return getUnsignedIntValue(orEmpty(tree), key, dflt);
-}
-
-bool HMAVJSONUtils::getBoolValue(const optional_ptree& tree, const std::string& key) {
-    return getBoolValue(orEmpty(tree), key);
+const ptree& HMAVJSONUtils::noTree() {
+    static const ptree EMPTY;
+    return EMPTY;
 }
 
 void HMAVJSONUtils::writeJson(const std::string& fileName, const ptree& tree) {
     json::TextBuffer text;
     json::renderDocument(text, tree, fileName);
     try {
-        HUTFileUtils::writeWhole(fileName, std::string(text.view()));
+        HUTFileUtils::writeWhole(fileName, std::string(text.view()), {.toDevices = true});
     } catch (const HEXUserException& error) {
         throw json_parser_error(error.what(), fileName, 0);
     }
@@ -166,7 +120,7 @@ void HMAVJSONUtils::writeJson(std::ostream& out, const ptree& tree) {
 
 ptree HMAVJSONUtils::readJsonNoThrow(const std::string& text) {
     if (text.empty()) return ptree();
-    return parse(HI18N_isAscii(text) ? text : HI18N_convertToUTF8(text));
+    return json::Document::fromBytes(text, {}, json::Document::MAX_OWN_DEPTH).tree();
 }
 
 ptree HMAVJSONUtils::readJson(const std::string& text) {
@@ -188,6 +142,9 @@ ptree HMAVJSONUtils::readJsonFile(const std::string& path) {
 
 ptree HMAVJSONUtils::readJsonFileDecrypt(const std::string& path) {
     namespace xp = isl::iostreams::xp;
-    if (!xp::is_xp_format(path)) return readJsonFile(path);
-    return readOrExplain([&] { return parse(xp::read(path), path); });
+    return readOrExplain([&] {
+        std::string text = readFile(path);
+        if (!xp::is_container(text)) return parse(std::move(text), path);
+        return json::Document(mav_host::SecretText(xp::read(path, text)), path).tree();
+    });
 }

@@ -9,14 +9,18 @@
 #include <string_view>
 
 #include "json/TextBuffer.h"
+#include "mav_host/HI18N.h"
 
 namespace mav_platform::json {
 
 /// What one look at a key tells.
 struct KeyLook {
     std::uint64_t hash;  ///< equal keys have equal hashes; of long keys only both ends count
-    bool plain;          ///< neither empty nor a path of several parts
+    bool utf8;           ///< it can be written as it stands
+    bool plain;          ///< so, and neither empty nor a path of several parts
 };
+
+constexpr std::uint64_t HIGH_BITS = 0x8080808080808080;
 
 inline bool hasDot(std::uint64_t bytes) {
     constexpr std::uint64_t ONES = 0x0101010101010101;
@@ -47,12 +51,33 @@ inline KeyLook lookAtKey(std::string_view key) {
         for (const char c : key) head = head << 8 | static_cast<unsigned char>(c);
     }
     bool dot = hasDot(head) || hasDot(tail);
+    std::uint64_t all = head | tail;
     for (std::size_t at = 8; at + 8 < size; at += 8) {
-        dot = dot || hasDot(loadWord<std::uint64_t>(text + at));
+        const auto word = loadWord<std::uint64_t>(text + at);
+        dot = dot || hasDot(word);
+        all |= word;
     }
     std::uint64_t hash = (head ^ size) * FACTOR;
     hash = (hash ^ hash >> 32 ^ tail) * FACTOR;
-    return {hash, size != 0 && !dot};
+    const bool utf8 = (all & HIGH_BITS) == 0 || HI18N_isUTF8(key);
+    return {hash, utf8, utf8 && size != 0 && !dot};
+}
+
+/// True for a text that can be written as it stands.
+inline bool isUtf8(std::string_view text) {
+    const std::size_t size = text.size();
+    const char* const end = text.data() + size;
+    std::uint64_t all = 0;
+    if (size >= 8) {
+        for (const char* at = text.data(); end - at > 8; at += 8)
+            all |= loadWord<std::uint64_t>(at);
+        all |= loadWord<std::uint64_t>(end - 8);
+    } else if (size >= 4) {
+        all = loadWord<std::uint32_t>(text.data()) | loadWord<std::uint32_t>(end - 4);
+    } else {
+        for (const char c : text) all |= static_cast<unsigned char>(c);
+    }
+    return (all & HIGH_BITS) == 0 || HI18N_isUTF8(text);
 }
 
 /// Where a key stands, escaped, in a text.

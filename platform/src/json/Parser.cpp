@@ -65,11 +65,12 @@ char* putCodepoint(char* out, unsigned code) {
     return out;
 }
 
+constexpr std::uint32_t MAX_SPAN = (std::uint32_t{1} << 30) - 1;
 constexpr std::size_t DENSE_GUESS = 16U << 10U;
 
 }  // namespace
 
-void Parser::fail(const char* message) const {
+void Parser::fail(const std::string& message) const {
     throw SyntaxError(message, std::string(fileName_), line_,
                       static_cast<std::size_t>(cur_ - text_));
 }
@@ -110,10 +111,14 @@ void Parser::growCells() {
 }
 
 // Called for every value of a document, from one place or two.
-[[gnu::always_inline]] inline Cell& Parser::addCell() {
+[[gnu::always_inline]] inline Cell& Parser::addCell(Kind kind) {
     if (count_ == room_) growCells();
     Cell& added = cell(count_++);
-    added = {key_, keySize_, 0, 0, 1};
+    added.key = key_;
+    added.keySize = keySize_;
+    added.data = added.dataSize = 0;
+    added.span = 1;
+    added.kind = kind;
     return added;
 }
 
@@ -145,32 +150,37 @@ bool Parser::value() {
             return open(false, ']');
         case '"': {
             ++cur_;
-            Cell& text = addCell();
+            Cell& text = addCell(Kind::SCALAR);
             string(text.data, text.dataSize);
             return false;
         }
         case 't':
-            word(addCell(), "rue", "expected 'true'");
+            word(addCell(Kind::SCALAR), "rue", "expected 'true'");
             return false;
         case 'f':
-            word(addCell(), "alse", "expected 'false'");
+            word(addCell(Kind::SCALAR), "alse", "expected 'false'");
             return false;
         case 'n':
-            word(addCell(), "ull", "expected 'null'");
+            word(addCell(Kind::SCALAR), "ull", "expected 'null'");
             return false;
         default:
-            number(addCell());
+            number(addCell(Kind::SCALAR));
             return false;
     }
 }
 
 bool Parser::open(bool object, char close) {
     const std::uint32_t index = count_;
-    addCell();
+    addCell(object ? Kind::OBJECT : Kind::LIST);
     ++cur_;
-    if (depth_ == Document::MAX_DEPTH) fail("nesting deeper than 512 levels");
+    if (depth_ == maxDepth_) {
+        fail("nesting deeper than " + std::to_string(maxDepth_) + " levels");
+    }
     skipWhiteSpace();
-    if (have(close)) return false;
+    if (have(close)) {
+        noteEnd(cell(index));
+        return false;
+    }
     levels_[depth_++] = {index, object};
     key_ = keySize_ = 0;
     if (object) key();
@@ -195,7 +205,9 @@ bool Parser::nextValue() {
         } else {
             expect(']', "expected ']' or ','");
         }
-        cell(level.cell).span = count_ - level.cell;
+        Cell& closed = cell(level.cell);
+        closed.span = (count_ - level.cell) & MAX_SPAN;
+        noteEnd(closed);
         --depth_;
     }
 }

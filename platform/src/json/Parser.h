@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "json/Document.h"
@@ -14,8 +15,15 @@ namespace mav_platform::json {
 /// texts are those of Boost.PropertyTree's reader; see docs/json.md.
 class Parser {
   public:
-    Parser(char* text, std::size_t size, std::string_view fileName, GrowingMemory& cells)
-        : text_(text), cur_(text), end_(text + size), fileName_(fileName), cells_(cells) {}
+    /// `maxDepth` is at most Document::MAX_OWN_DEPTH.
+    Parser(char* text, std::size_t size, std::string_view fileName, GrowingMemory& cells,
+           unsigned maxDepth)
+        : text_(text),
+          cur_(text),
+          end_(text + size),
+          fileName_(fileName),
+          cells_(cells),
+          maxDepth_(maxDepth) {}
 
     /// Throws json_parser_error at the first fault; the cells are then of no use.
     void run();
@@ -26,7 +34,7 @@ class Parser {
         bool object;
     };
 
-    [[noreturn]] void fail(const char* message) const;
+    [[noreturn]] void fail(const std::string& message) const;
     bool have(char c) {
         if (cur_ == end_ || *cur_ != c) return false;
         ++cur_;
@@ -48,8 +56,10 @@ class Parser {
     void skipByteOrderMark();
     Cell& cell(std::uint32_t index) { return data()[index]; }
     Cell* data() { return static_cast<Cell*>(static_cast<void*>(cells_.data())); }
-    Cell& addCell();
+    Cell& addCell(Kind kind);
     void growCells();
+    /// Notes the place of a closing bracket that was just read.
+    void noteEnd(Cell& cell) { cell.data = static_cast<std::uint32_t>(cur_ - text_ - 1); }
 
     /// Reads the start of a value; true when the next thing is another value below it.
     bool value();
@@ -74,11 +84,12 @@ class Parser {
     GrowingMemory& cells_;
     std::uint32_t count_ = 0;
     std::uint32_t room_ = 0;
+    unsigned maxDepth_;
     unsigned depth_ = 0;
     unsigned long line_ = 1;
     std::uint32_t key_ = 0;
     std::uint32_t keySize_ = 0;
-    std::array<Level, Document::MAX_DEPTH> levels_;
+    std::array<Level, Document::MAX_OWN_DEPTH> levels_;
 };
 
 }  // namespace mav_platform::json

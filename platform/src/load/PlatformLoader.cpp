@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/PlatformLoader.h"
 
-#include <ostream>
-
 #include "archive/OpenArchives.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
-#include "formats/metadata/HMAVDsaXmlReader.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HUTFile.h"
-#include "mav_host/Host.h"
+#include "mav_host/Messages.h"
+#include "mav_platform/HMAVDsaJsonReader.h"
+#include "mav_platform/HMAVDsaXmlReader.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "mav_platform/HMAVReconfigurablePartition.h"
@@ -23,20 +20,12 @@ constexpr const char* HARDWARE_FAILED = "Failed to parse Hardware Platform metad
 constexpr const char* EMULATION_FAILED =
     "Failed to parse Hardware Emulation Platform metadata file";
 
-/// Names on the console the file that the text of an exception leaves open.
-void nameFile(const char* role, const std::string& path) {
-    mav_host::console() << role << " file: " << path << "\n" << std::flush;
-}
-
 }  // namespace
 
 PlatformParseException::~PlatformParseException() = default;
 
 PlatformLoader::PlatformLoader(const std::string& path, HwMetadataMode mode)
-    : platform_(std::make_shared<HMAVPlatform>()),
-      filePath_(path),
-      hwMetadataMode_(mode),
-      archives_(std::make_unique<OpenArchives>()) {
+    : platform_(std::make_shared<HMAVPlatform>()), filePath_(path), hwMetadataMode_(mode) {
     if (path.empty()) return;
     const std::string extension = HUTPathUtils::extension(path);
     if (HMAVHardwarePlatform::isValidPlatformExt(extension)) {
@@ -65,10 +54,9 @@ std::shared_ptr<HMAVPlatform> PlatformLoader::load() {
         attachAll_();
         loaded_ = true;
     } catch (const PlatformParseException& error) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::CRITICAL_WARNING, "@74-60@%s", {error.what()});
+        mav_host::report(mav_host::messages::NOT_LOADED, error.what());
         platform_.reset();
     }
-    archives_ = std::make_unique<OpenArchives>();
     return platform_;
 }
 
@@ -76,13 +64,32 @@ void PlatformLoader::attachAll_() {
     if (platform_->hasReconfigurablePartitions()) {
         loadReconfigurablePartitions_();
     } else {
-        attachHardwarePlatform();
-        attachHardwareEmulationPlatform();
+        OpenArchives archives;
+        attachHardwarePlatform(archives);
+        attachHardwareEmulationPlatform(archives);
     }
     attachSoftwarePlatform();
 }
 
-void PlatformLoader::attachHardwarePlatform() {
+/// The road of every archive: a hardware platform is made and read. Null when the reading declines;
+/// what was made stays with the platform all the same.
+template <class Read>
+HPLPlatform* PlatformLoader::read_(OpenArchives& archives, Read read) {
+    HPLPlatform* const hardware = platform_->createMutableHardwarePlatform().get();
+    HMAVDsaJsonReader reader(hardware, &archives);
+    return read(reader, *hardware) ? hardware : nullptr;
+}
+
+HPLPlatform* PlatformLoader::readArchive_(const std::string& path, OpenArchives& archives,
+                                          const char* failed) {
+    HPLPlatform* const hardware = read_(archives, [&](auto& reader, HPLPlatform&) {
+        return reader.parseDSA(path, hwMetadataMode_);
+    });
+    if (hardware == nullptr) throw PlatformParseException(failed);
+    return hardware;
+}
+
+void PlatformLoader::attachHardwarePlatform(OpenArchives& archives) {
     // The own field counts, not the default partition's platform; without partitions they agree.
     if (platform_->getHardwarePlatform() != nullptr) return;
     if (platform_->isPartial() && fileKind_ == SOFTWARE_PLATFORM) return;
@@ -96,45 +103,46 @@ void PlatformLoader::attachHardwarePlatform() {
         throw PlatformParseException("hardware platform file '" + path + "' does not exist");
     }
     if (!HMAVHardwarePlatform::isValidPlatformExt(HUTPathUtils::extension(path))) {
-        nameFile("Hardware platform", path);
         throw PlatformParseException(
             "incorrect file extension - only DSA and PKA files are supported");
     }
-    const std::shared_ptr<HPLPlatform> hardware = platform_->createMutableHardwarePlatform();
-    HMAVDsaJsonReader reader(hardware.get(), archives_.get());
-    std::string member;
-    const bool parsed = reader.canParse(path, hwMetadataMode_, member)
-                            ? reader.parseDSA(path, hwMetadataMode_)
-                            : HMAVDsaXmlReader(path, hardware.get(), archives_.get()).parseDSA();
-    if (!parsed) throw PlatformParseException(HARDWARE_FAILED);
-    platform_->setHardwarePlatform(hardware.get());
+    HPLPlatform* const hardware = read_(archives, [&](auto& reader, HPLPlatform& fresh) {
+        std::string member;
+        return reader.canParse(path, hwMetadataMode_, member)
+                   ? reader.parseDSA(path, hwMetadataMode_)
+                   : HMAVDsaXmlReader(path, &fresh, &archives).parseDSA();
+    });
+    if (hardware == nullptr) throw PlatformParseException(HARDWARE_FAILED);
+    platform_->setHardwarePlatform(hardware);
     if (platform_->isPartial()) platform_->setPlatformFile(hardware->getPlatformFile());
 }
 
-void PlatformLoader::attachHardwareEmulationPlatform() {
+void PlatformLoader::attachHardwareEmulationPlatform(OpenArchives& archives) {
     if (platform_->getHardwareEmulationPlatform() != nullptr) return;
     const std::string path = platform_->getHardwareEmuPlatformFile();
     if (path.empty()) {
-        attachMergedHardwareEmulationPlatform_();
+        attachMergedHardwareEmulationPlatform_(archives);
         return;
     }
-    // An emulation archive that does not parse is left out without failing the load.
-    const std::shared_ptr<HPLPlatform> emulation = platform_->createMutableHardwarePlatform();
-    HMAVDsaJsonReader reader(emulation.get(), archives_.get());
-    if (reader.parseDSA(path, hwMetadataMode_)) {
-        platform_->setHardwareEmulationPlatform(emulation.get());
-    }
+    // An emulation archive that does not parse is left out without failing the load, and one that
+    // holds no metadata without a word.
+    HPLPlatform* const emulation = read_(archives, [&](auto& reader, HPLPlatform&) {
+        std::string member;
+        return reader.canParse(path, hwMetadataMode_, member) && reader.parseMember(path, member);
+    });
+    if (emulation != nullptr) platform_->setHardwareEmulationPlatform(emulation);
 }
 
-void PlatformLoader::attachMergedHardwareEmulationPlatform_() {
+void PlatformLoader::attachMergedHardwareEmulationPlatform_(OpenArchives& archives) {
     const HMAVHardwarePlatform* hardware = platform_->getHardwarePlatform();
     if (hardware == nullptr || hardware->getPlatformFile().empty()) return;
     const std::string path = hardware->getPlatformFile();
-    const std::shared_ptr<HPLPlatform> emulation = platform_->createMutableHardwarePlatform();
-    HMAVDsaJsonReader reader(emulation.get(), archives_.get());
-    if (!reader.parseHwEmuPKA(path, hwMetadataMode_)) return;
+    HPLPlatform* const emulation = read_(archives, [&](auto& reader, HPLPlatform&) {
+        return reader.parseHwEmuPKA(path, hwMetadataMode_);
+    });
+    if (emulation == nullptr) return;
     emulation->setIsChildHardwareEmuPlatform(true);
-    platform_->setHardwareEmulationPlatform(emulation.get());
+    platform_->setHardwareEmulationPlatform(emulation);
 }
 
 void PlatformLoader::attachSoftwarePlatform() {
@@ -147,10 +155,8 @@ void PlatformLoader::attachSoftwarePlatform() {
         path = filePath_;
     }
     if (path.empty()) return;
-    if (!HUTFile::exists(path)) {
-        nameFile("Software platform", path);
+    if (!HUTFile::exists(path))
         throw PlatformParseException("the software platform file does not exist");
-    }
     const std::shared_ptr<HMAVSoftwarePlatform> software =
         platform_->createMutableSoftwarePlatform();
     // The text is the one for a missing file also where the file is there and does not parse.
@@ -164,33 +170,32 @@ void PlatformLoader::loadReconfigurablePartitions_() {
     HSTVector<HMAVReconfigurablePartition*> partitions;
     platform_->getReconfigurablePartitions(partitions);
     for (HMAVReconfigurablePartition* partition : partitions) {
-        attachHardwarePlatform_(partition);
-        attachHardwareEmulationPlatform_(partition);
+        // A description may name more archives than the process may have open.
+        OpenArchives archives;
+        attachHardwarePlatform_(partition, archives);
+        attachHardwareEmulationPlatform_(partition, archives);
     }
 }
 
-void PlatformLoader::attachHardwarePlatform_(HMAVReconfigurablePartition* partition) {
+void PlatformLoader::attachHardwarePlatform_(HMAVReconfigurablePartition* partition,
+                                             OpenArchives& archives) {
     if (partition->getHardwarePlatform() != nullptr) return;
-    const std::shared_ptr<HPLPlatform> hardware = platform_->createMutableHardwarePlatform();
-    HMAVDsaJsonReader reader(hardware.get(), archives_.get());
-    if (!reader.parseDSA(partition->getHardwarePlatformFile(), hwMetadataMode_)) {
-        throw PlatformParseException(HARDWARE_FAILED);
-    }
-    partition->setHardwarePlatform(hardware.get());
+    HPLPlatform* const hardware =
+        readArchive_(partition->getHardwarePlatformFile(), archives, HARDWARE_FAILED);
+    partition->setHardwarePlatform(hardware);
     if (platform_->getDefaultRPId() == partition->getID()) {
-        platform_->setDefaultRPHardwarePlatform(hardware.get());
+        platform_->setDefaultRPHardwarePlatform(hardware);
     }
 }
 
-void PlatformLoader::attachHardwareEmulationPlatform_(HMAVReconfigurablePartition* partition) {
+void PlatformLoader::attachHardwareEmulationPlatform_(HMAVReconfigurablePartition* partition,
+                                                      OpenArchives& archives) {
     const std::string path = partition->getHardwareEmulationPlatformFile();
     if (partition->getHardwareEmulationPlatform() != nullptr || path.empty()) return;
-    const std::shared_ptr<HPLPlatform> emulation = platform_->createMutableHardwarePlatform();
-    HMAVDsaJsonReader reader(emulation.get(), archives_.get());
-    if (!reader.parseDSA(path, hwMetadataMode_)) throw PlatformParseException(EMULATION_FAILED);
-    partition->setHardwareEmulationPlatform(emulation.get());
+    HPLPlatform* const emulation = readArchive_(path, archives, EMULATION_FAILED);
+    partition->setHardwareEmulationPlatform(emulation);
     if (platform_->getDefaultRPId() == partition->getID()) {
-        platform_->setDefaultRPHardwareEmulationPlatform(emulation.get());
+        platform_->setDefaultRPHardwareEmulationPlatform(emulation);
     }
 }
 

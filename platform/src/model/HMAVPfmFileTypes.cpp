@@ -4,80 +4,9 @@
 namespace {
 
 /// Text forms in the order of the values.
-constexpr const char* NAMES[] = {
-    "DCP",
-    "PR_SHELL_DCP",
-    "BB_LOCKED_IMPL_DCP",
-    "BB_SYNTH_DCP",
-    "ROUTED_DCP",
-    "FULL_BIT",
-    "PDI",
-    "PARTIAL_PDI",
-    "PL_PDI",
-    "BOOT_PDI",
-    "PLM_ELF",
-    "PMC_CDO",
-    "STAGE1_BIT",
-    "STAGE2_BIT",
-    "CLEAR_BIT",
-    "PARTIAL_BIT",
-    "MCS",
-    "SECONDARY_MCS",
-    "HPFM",
-    "REBUILD_TCL",
-    "DR_BD",
-    "TOP_BD",
-    "IP_REPO_PATH",
-    "IP_CACHE_DIR",
-    "BOARD_REPO_PATH",
-    "SIM_BINARY",
-    "META_JSON",
-    "EXT_META_JSON",
-    "EMU_JSON",
-    "EMU_XML",
-    "SEMANTIC_LABEL",
-    "PFM_PROP_RESTORE",
-    "MMI",
-    "DPEPRJ",
-    "NOC_TRAFFIC",
-    "NOC_CONSTRAINT",
-    "NOC_SOLUTION",
-    "FEATURE_ROM_TCL",
-    "BIF",
-    "PARTITION_META",
-    "DTSI",
-    "ISS",
-    "ADDRESS_MAP",
-    "LINK_RUNTIME",
-    "PRE_SYS_LINK_TCL",
-    "POST_SYS_LINK_TCL",
-    "PRE_SYS_LINK_OVERLAY_TCL",
-    "POST_SYS_LINK_OVERLAY_TCL",
-    "POST_DEBUG_PROFILE_OVERLAY_TCL",
-    "PRE_CREATE_PROJECT_TCL",
-    "PRE_SYNTH_DESIGN_TCL",
-    "POST_SYNTH_DESIGN_TCL",
-    "PRE_INIT_TCL",
-    "POST_INIT_TCL",
-    "PRE_OPT_TCL",
-    "POST_OPT_TCL",
-    "PRE_POWER_OPT_TCL",
-    "POST_POWER_OPT_TCL",
-    "PRE_PLACE_TCL",
-    "POST_PLACE_TCL",
-    "PRE_POST_PLACE_POWER_OPT_TCL",
-    "POST_POST_PLACE_POWER_OPT_TCL",
-    "PRE_PHYS_OPT_TCL",
-    "POST_PHYS_OPT_TCL",
-    "PRE_ROUTE_TCL",
-    "POST_ROUTE_TCL",
-    "PRE_POST_ROUTE_PHYS_OPT_TCL",
-    "POST_POST_ROUTE_PHYS_OPT_TCL",
-    "PRE_WRITE_BITSTREAM_TCL",
-    "POST_WRITE_BITSTREAM_TCL",
-    "SYNTH_CONSTRS",
-    "IMPL_CONSTRS",
-};
+#define MAV_NAME(name, meaning) #name,
+constexpr const char* NAMES[] = {MAV_FILE_TYPES(MAV_NAME, MAV_NAME)};
+#undef MAV_NAME
 
 constexpr int FILE_TYPES = HMAVPfmFileTypes::FILE_TYPE_COUNT;
 constexpr int TCL_FILE_TYPES = static_cast<int>(HMAVPfmFileTypes::TclFileType::TCL_FILE_TYPE_COUNT);
@@ -130,4 +59,9 @@ HMAVPfmFileTypes::FileType HMAVPfmFileTypes::toFileType(const std::string& text)
 
 HMAVPfmFileTypes::TclFileType HMAVPfmFileTypes::toTclFileType(const std::string& text) {
     return static_cast<TclFileType>(indexOf(text, FIRST_TCL_TYPE, TCL_FILE_TYPES));
+}
+
+bool HMAVPfmFileTypes::isFolder(const std::string& type) {
+    return type == NAMES[IP_REPO_PATH] || type == NAMES[IP_CACHE_DIR] ||
+           type == NAMES[BOARD_REPO_PATH];
 }

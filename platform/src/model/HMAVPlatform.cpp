@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "mav_host/HEXError.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
@@ -255,7 +254,7 @@ void HMAVPlatform::toJSON(JSONObjectWriter& writer) const {
     writer.addKey("vendor", vendor_);
     writer.addKey("name", name_);
     writer.addKey("description", description_);
-    writer.addKey("uniqueName", HI18N_convertToUTF8(platformFile_));
+    writer.addKey("uniqueName", platformFile_);
     writer.addKey("version", version_);
     writer.addKey("type", getTypePrettyString());
     writer.addKey("unified", isUnified());
@@ -265,10 +264,10 @@ void HMAVPlatform::toJSON(JSONObjectWriter& writer) const {
     writer.addKey("hardwareEmulation", supportsHWEmulation());
     writer.addKey("hardwareEmuPlatform", isHWEmuPlatform());
     writer.addKey("hidden", isHidden());
-    writer.addKey("file", HI18N_convertToUTF8(platformFile_));
-    writer.addKey("hwFile", HI18N_convertToUTF8(hardwarePlatformFile_));
-    writer.addKey("hwEmuFile", HI18N_convertToUTF8(hardwareEmuPlatformFile_));
-    writer.addKey("swFile", HI18N_convertToUTF8(softwarePlatformFile_));
+    writer.addKey("file", platformFile_);
+    writer.addKey("hwFile", hardwarePlatformFile_);
+    writer.addKey("hwEmuFile", hardwareEmuPlatformFile_);
+    writer.addKey("swFile", softwarePlatformFile_);
     writer.addKey("directory", getPlatformDir());
     HSTVector<std::string> categories;
     getTargetCategories(categories);

@@ -2,18 +2,22 @@
 #include "mav_platform/HMAVPlatformMgr.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <map>
 #include <set>
 #include <utility>
 
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVHardwarePlatformParser.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "mav_platform/HMAVSoftwarePlatformXMLReader.h"
 #include "repository/searchDirs.h"
+
+namespace messages = mav_host::messages;
+using mav_host::report;
 
 namespace {
 
@@ -21,10 +25,6 @@ using Dirs = HSTVector<std::string>;
 
 constexpr std::size_t DEEPEST_LEVEL = 3;
 constexpr const char* LEFT_OUT = ". Unable to load platform.\n";
-
-void report(int level, std::uint32_t mask, const char* id, const HSTVector<std::string>& args) {
-    ComMsgMgr::sendMsg(level, "platform", mask, id, args);
-}
 
 Dirs canonical(const Dirs& dirs) {
     Dirs result;
@@ -40,6 +40,16 @@ std::string fileName(const std::string& path) {
 void deleteAll(HSTVector<HMAVPlatform*>& platforms) {
     for (const HMAVPlatform* platform : platforms) delete platform;
     platforms.clear();
+}
+
+/// That of each partition, else the platform's own.
+HSTVector<const HMAVHardwarePlatform*> allHardware(const HMAVPlatform& platform) {
+    HSTVector<HMAVReconfigurablePartition*> partitions;
+    platform.getReconfigurablePartitions(partitions);
+    if (partitions.empty()) return {platform.getHardwarePlatform()};
+    HSTVector<const HMAVHardwarePlatform*> hardware;
+    for (const auto* partition : partitions) hardware.push_back(partition->getHardwarePlatform());
+    return hardware;
 }
 
 /// Containers of a scan; deletes those that nobody took.
@@ -140,8 +150,8 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
                 break;
             }
         } catch (const std::exception& error) {
-            report(1, ComMsgMgr::WARNING, "@74-5@%s", {dir});
-            refusals_.push_back({dir, error.what()});
+            report(messages::SEARCH_ENDED_EARLY, dir);
+            refuseDir_(dir, error.what());
         }
     }
     // One insertion for all: the last one found stands first, without moving the list for each.
@@ -153,24 +163,49 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
 
 std::unique_ptr<HMAVPlatform> HMAVPlatformMgr::loadDescription_(const std::string& path) {
     const std::size_t texts = parsingErrorMsgs_.size();
+    faulty_.clear();
     auto platform = std::make_unique<HMAVPlatform>();
     platform->setQpfm(true);
     const bool loaded = parseDescription_(path, platform.get()) &&
                         attachHardwarePlatforms_(platform.get()) &&
                         attachSoftwarePlatforms_(platform.get());
-    if (loaded) return platform;
-    noteRefusal_(path, texts);
-    return nullptr;
+    if (!loaded) {
+        refuse_(refusalOf_(path, texts));
+        return nullptr;
+    }
+    refuseBad_(*platform);
+    return platform;
 }
 
-void HMAVPlatformMgr::noteRefusal_(const std::string& path, std::size_t firstText) {
+HMAVPlatformMgr::Refusal HMAVPlatformMgr::refusalOf_(const std::string& path,
+                                                     std::size_t firstText) {
     std::string reason;
     for (std::size_t i = firstText; i < parsingErrorMsgs_.size(); ++i) {
         if (!reason.empty() && reason.back() != '\n') reason += '\n';
         reason += parsingErrorMsgs_[i];
     }
     while (reason.ends_with('\n')) reason.pop_back();
-    refusals_.push_back({path, reason});
+    return {path, reason, std::move(faulty_), false};
+}
+
+void HMAVPlatformMgr::refuse_(Refusal refusal) {
+    const auto [known, isNew] = refusalOfFile_.emplace(refusal.file, refusals_.size());
+    if (isNew) refusals_.emplace_back();
+    refusals_[known->second] = std::move(refusal);
+}
+
+void HMAVPlatformMgr::refuseDir_(const std::string& dir, const std::string& reason) {
+    refuse_({dir, reason, {}, true});
+}
+
+void HMAVPlatformMgr::refuseBad_(const HMAVPlatform& platform) {
+    if (!platform.isBad()) return;
+    Refusal refusal{platform.getPlatformFile(), platform.getBadReason(), {}, false};
+    for (const HMAVHardwarePlatform* hardware : allHardware(platform)) {
+        if (hardware == nullptr || hardware->isMetadataRead()) continue;
+        refusal.faulty.push_back(hardware->getPlatformFile());
+    }
+    refuse_(std::move(refusal));
 }
 
 bool HMAVPlatformMgr::parseDescription_(const std::string& path, HMAVPlatform* platform) {
@@ -182,7 +217,7 @@ bool HMAVPlatformMgr::parseDescription_(const std::string& path, HMAVPlatform* p
         // It vanished after the walk had seen it; the others are still there.
         parsingErrorMsgs_.emplace_back(error.what());
     }
-    report(1, ComMsgMgr::CRITICAL_WARNING, "@74-3@%s", {path});
+    report(messages::DESCRIPTION_LEFT_OUT, path);
     parsingErrorMsgs_.push_back("Encountered Errors while parsing platform: " + path + LEFT_OUT);
     return false;
 }
@@ -234,7 +269,8 @@ HMAVHardwarePlatform* HMAVPlatformMgr::parseHardwarePlatform_(const std::string&
 
 void HMAVPlatformMgr::handleInvalidPath_(const std::string& hardwareFile,
                                          const std::string& platformFile) {
-    report(2, ComMsgMgr::CRITICAL_WARNING, "@74-14@%s%s", {hardwareFile, platformFile});
+    faulty_.push_back(hardwareFile);
+    report(messages::HARDWARE_FILE_MISSING, hardwareFile, platformFile);
     parsingErrorMsgs_.push_back("Hardware platform file " + hardwareFile + " for platform " +
                                 platformFile + " does not exist on disk" + LEFT_OUT);
 }
@@ -246,7 +282,8 @@ void HMAVPlatformMgr::handleInvalidExtension_(const std::string& hardwareFile,
         list += " '" + extension + "',";
     }
     list.pop_back();
-    report(3, ComMsgMgr::CRITICAL_WARNING, "@74-55@%s%s%s", {hardwareFile, platformFile, list});
+    faulty_.push_back(hardwareFile);
+    report(messages::HARDWARE_EXTENSION, hardwareFile, platformFile, list);
     parsingErrorMsgs_.push_back("Found bad hardware platform file " + hardwareFile +
                                 " for platform " + platformFile + ". Supported extensions are" +
                                 list + LEFT_OUT);
@@ -256,6 +293,7 @@ bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
     const std::string file = platform->getSoftwarePlatformFile();
     if (file.empty()) return true;
     const std::string platformFile = platform->getPlatformFile();
+    faulty_.push_back(file);
     if (!HUTFile::exists(file)) {
         parsingErrorMsgs_.push_back("Software platform file " + file + " for platform " +
                                     platformFile + " does not exist on disk" + LEFT_OUT);
@@ -266,7 +304,7 @@ bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
     platform->addSoftwarePlatform(software.get());
     HMAVSoftwarePlatformXMLReader reader(file, software);
     if (reader.parseFile()) return true;
-    report(1, ComMsgMgr::CRITICAL_WARNING, "@74-4@%s", {platformFile});
+    report(messages::SOFTWARE_LEFT_OUT, platformFile);
     if (!reader.getErrorMsg().empty()) parsingErrorMsgs_.push_back(reader.getErrorMsg());
     parsingErrorMsgs_.push_back(
         "Encountered Errors while parsing software platform for: " + platformFile + LEFT_OUT);
@@ -276,7 +314,7 @@ bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
 bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
     Found found;
     HSTVector<HMAVHardwarePlatform*> list;
-    HMAVHardwarePlatformParser::loadBareHardwarePlatforms(dirs, list, found.containers, false);
+    searchBareArchives_(dirs, list, found.containers, false);
     if (list.empty()) return !dsaPlatforms_.empty();
     Files held = heldFiles_();
     HSTVector<std::string> files;
@@ -285,6 +323,7 @@ bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
     for (const std::string& file : files) {
         std::unique_ptr<HMAVPlatform> platform = found.take(file);
         if (platform == nullptr || !held.insert(file).second) continue;
+        refuseBad_(*platform);
         dsaPlatforms_.push_back(nullptr);
         dsaPlatforms_.back() = platform.release();
     }
@@ -295,8 +334,21 @@ void HMAVPlatformMgr::getHardwarePlatformsFromDirs(const Dirs& dirs,
                                                    HSTVector<HMAVHardwarePlatform*>& out,
                                                    bool filterByVbnv) {
     const HUTDirMemory memory;
-    HMAVHardwarePlatformParser::loadBareHardwarePlatforms(canonical(dirs), out, handoffs_,
-                                                          filterByVbnv);
+    searchBareArchives_(canonical(dirs), out, handoffs_, filterByVbnv);
+    std::map<std::string, const HMAVPlatform*> bad;
+    for (const auto& [file, platform] : handoffs_) {
+        if (platform->isBad() && !refusalOfFile_.contains(file)) bad.emplace(file, platform);
+    }
+    for (const auto& [file, platform] : bad) refuseBad_(*platform);
+}
+
+void HMAVPlatformMgr::searchBareArchives_(
+    const Dirs& dirs, HSTVector<HMAVHardwarePlatform*>& out,
+    std::unordered_map<std::string, HMAVPlatform*>& containers, bool filterByVbnv) {
+    HSTVector<HMAVHardwarePlatformParser::Unsearched> unsearched;
+    HMAVHardwarePlatformParser::loadBareHardwarePlatforms(dirs, out, containers, filterByVbnv,
+                                                          unsearched);
+    for (const auto& [dir, reason] : unsearched) refuseDir_(dir, reason);
 }
 
 void HMAVPlatformMgr::removePlatformsFromDirs(const Dirs& dirs) {
@@ -368,6 +420,11 @@ void HMAVPlatformMgr::getPlatforms(Platforms& out) const {
     out.insert(out.end(), activePlatforms_->begin(), activePlatforms_->end());
 }
 
+void HMAVPlatformMgr::getAllPlatforms(Platforms& out) const {
+    out.insert(out.end(), platforms_.begin(), platforms_.end());
+    out.insert(out.end(), dsaPlatforms_.begin(), dsaPlatforms_.end());
+}
+
 void HMAVPlatformMgr::getUnifiedPlatforms(Platforms& out) const {
     for (HMAVPlatform* platform : *activePlatforms_) {
         if (platform->isUnified()) out.push_back(platform);
@@ -393,6 +450,7 @@ void HMAVPlatformMgr::getParsingErrorMsgs(HSTVector<std::string>& out) const {
 void HMAVPlatformMgr::clearParsingErrorMsgs() {
     parsingErrorMsgs_.clear();
     refusals_.clear();
+    refusalOfFile_.clear();
 }
 
 void HMAVPlatformMgr::setProjectType(MAVProjectType type) {

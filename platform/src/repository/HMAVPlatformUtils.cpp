@@ -2,18 +2,20 @@
 #include "mav_platform/HMAVPlatformUtils.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 #include <ostream>
 #include <unordered_set>
 #include <utility>
 
+#include "json/Letters.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
-#include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformMgr.h"
+#include "repository/hardwareOf.h"
 #include "repository/searchDirs.h"
+
+using mav_platform::json::equalLetters;
+using mav_platform::json::upperCase;
 
 namespace {
 
@@ -31,7 +33,7 @@ bool matches(const std::string& wanted, const std::string& text) {
 }
 
 bool matchesAnyCase(const std::string& wanted, const std::string& text) {
-    return wanted.empty() || boost::iequals(wanted, text);
+    return wanted.empty() || equalLetters(wanted, text);
 }
 
 /// The first device with its part; null when the hardware describes none.
@@ -53,7 +55,7 @@ bool hasCategory(const HMAVHardwarePlatform* hardware, const std::string& catego
 bool hasFamily(const HMAVHardwarePlatform* hardware, const std::string& family) {
     if (family.empty()) return true;
     const HPLDevice::Part* const part = firstPart(hardware);
-    return part != nullptr && boost::iequals(part->getArchitecture(), family);
+    return part != nullptr && equalLetters(part->getArchitecture(), family);
 }
 
 /// What a question asks of the hardware; empty texts ask nothing.
@@ -66,7 +68,7 @@ struct Wanted {
     std::string board = {};
 
     bool fits(const HMAVPlatform* platform) const {
-        const HMAVHardwarePlatform* const hardware = platform->getHardwarePlatform();
+        const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
         const auto text = [&](auto question) {
             return hardware != nullptr ? (hardware->*question)() : std::string();
         };
@@ -95,7 +97,7 @@ HMAVPlatform* findFirst(Predicate fits) {
 void appendBoards(const Wanted& wanted, Texts& out) {
     std::unordered_set<std::string> known;
     for (const HMAVPlatform* platform : allPlatforms()) {
-        const HMAVHardwarePlatform* const hardware = platform->getHardwarePlatform();
+        const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
         if (hardware == nullptr || !wanted.fits(platform)) continue;
         const std::string board = hardware->getBoardId();
         if (!board.empty() && known.insert(board).second) out.push_back(board);
@@ -104,7 +106,7 @@ void appendBoards(const Wanted& wanted, Texts& out) {
 
 const HMAVHardwarePlatform* hardwareOf(const std::string& name) {
     const HMAVPlatform* const platform = HMAVPlatformUtils::getPlatform(name);
-    return platform != nullptr ? platform->getHardwarePlatform() : nullptr;
+    return platform != nullptr ? mav_platform::hardwareOf(*platform) : nullptr;
 }
 
 const HMAVSoftwarePlatform* softwareOf(const std::string& name) {
@@ -247,10 +249,12 @@ void HMAVPlatformUtils::getPlatformsByDesignIntent(const HMAVDesignIntentStorage
                                                    Platforms& out) {
     append(
         [&](const HMAVPlatform* platform) {
-            return (!intent.getDataCenter() || platform->getDesignIntentDataCenter()) &&
-                   (!intent.getEmbedded() || platform->getDesignIntentEmbedded()) &&
-                   (!intent.getExternalHost() || platform->getDesignIntentExternalHost()) &&
-                   (!intent.getServerManaged() || platform->getDesignIntentServerManaged());
+            const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
+            const auto has = hardware ? hardware->getDesignIntent() : HMAVDesignIntentStorage();
+            return (!intent.getDataCenter() || has.getDataCenter()) &&
+                   (!intent.getEmbedded() || has.getEmbedded()) &&
+                   (!intent.getExternalHost() || has.getExternalHost()) &&
+                   (!intent.getServerManaged() || has.getServerManaged());
         },
         out);
 }
@@ -272,9 +276,9 @@ const HPLDevice::Part* HMAVPlatformUtils::getFpgaPartAsFields(const std::string&
 void HMAVPlatformUtils::getSupportedFpgaParts(Texts& out) {
     std::unordered_set<std::string> known;
     for (const HMAVPlatform* platform : allPlatforms()) {
-        const HMAVHardwarePlatform* const hardware = platform->getHardwarePlatform();
+        const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
         std::string part = hardware != nullptr ? hardware->getFpgaPart() : "";
-        if (!part.empty() && known.insert(boost::to_upper_copy(part)).second) {
+        if (!part.empty() && known.insert(upperCase(part)).second) {
             out.push_back(std::move(part));
         }
     }

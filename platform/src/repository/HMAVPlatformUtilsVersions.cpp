@@ -3,9 +3,9 @@
 #include <unordered_map>
 #include <utility>
 
-#include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformMgr.h"
 #include "mav_platform/HMAVPlatformUtils.h"
+#include "repository/hardwareOf.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ Version versionOf(const HMAVHardwarePlatform& hardware) {
 Latest latestVersions(const Platforms& platforms) {
     Latest latest;
     for (const HMAVPlatform* platform : platforms) {
-        const auto* const hardware = platform ? platform->getHardwarePlatform() : nullptr;
+        const auto* const hardware = platform ? mav_platform::hardwareOf(*platform) : nullptr;
         if (hardware == nullptr) continue;
         const Version version = versionOf(*hardware);
         const auto [known, isNew] = latest.emplace(identityOf(*hardware), version);
@@ -43,7 +43,7 @@ Latest latestVersions(const Platforms& platforms) {
 
 bool isLatest(const HMAVPlatform* platform, const Latest& latest) {
     if (platform == nullptr) return false;
-    const auto* const hardware = platform->getHardwarePlatform();
+    const auto* const hardware = mav_platform::hardwareOf(*platform);
     if (hardware == nullptr) return true;
     const auto known = latest.find(identityOf(*hardware));
     return known == latest.end() || known->second <= versionOf(*hardware);
@@ -57,7 +57,7 @@ bool HMAVPlatformUtils::isLatestVersion(const HMAVPlatform* platform, const Plat
 
 bool HMAVPlatformUtils::isLatestVersion(const HMAVPlatform* platform) {
     Platforms candidates;
-    HMAVPlatformMgr::getGlobal()->getPlatforms(candidates);
+    HMAVPlatformMgr::getGlobal()->getAllPlatforms(candidates);
     return isLatestVersion(platform, candidates);
 }
 

@@ -20,7 +20,7 @@ void NativePlatformRepoService::getDefaultPlatformLookupDirs(std::vector<std::st
     for (const std::string& dir : mav_platform::applicationPlatformDirs()) addIfExists_(dir, out);
 }
 
-std::string NativePlatformRepoService::getPlatformRepoPath(const std::vector<std::string>& dirs,
+std::string NativePlatformRepoService::getPlatformRepoPath(std::vector<std::string>& dirs,
                                                            bool withDefaults) {
     std::vector<std::string> all = dirs;
     if (withDefaults) getDefaultPlatformLookupDirs(all);

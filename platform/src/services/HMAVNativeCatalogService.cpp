@@ -6,11 +6,11 @@
 #include <ostream>
 #include <set>
 
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/NativePlatformRepoService.h"
@@ -64,7 +64,7 @@ bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::strin
     if (!policy.isForCards()) return true;
     const Releases releases = releasesOf(platform, toolText, "2019.1", VERSIONLESS);
     if (!policy.isNotNewer(releases)) return false;
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-78@%s", {releases.toolText});
+    mav_host::report(mav_host::messages::JUDGED_FOR_RELEASE, releases.toolText);
     if (policy.hasExtendedWarranty(releases)) return true;
     bool supported = false;
     if (policy.isListed(supported)) return supported;
@@ -219,8 +219,13 @@ std::string NativeCatalogService::getAllAsJsonStr(const std::string& directories
             getPlatformInfo_(&loader, info, warranty, partitions);
         } catch (const mav_platform::PlatformParseException&) {
             tell(NOT_LOADED);
-        } catch (const HEXError& error) {
+            continue;
+        } catch (const std::exception& error) {
             tell(std::string(NOT_LOADED) + ": " + error.what());
+            continue;
+        } catch (...) {
+            tell(std::string(NOT_LOADED) + ": " + path);
+            continue;
         }
         if (!info.empty()) list.push_back({"", ptree()})->second.swap(info);
     }

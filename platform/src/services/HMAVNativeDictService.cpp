@@ -39,9 +39,10 @@ void flatten(const Tree& node, std::string& name, NameBudget& budget, Dict& out)
         return;
     }
     std::size_t index = 0;
+    const bool list = paths::isList(node);
     forEachChild(node, [&](std::string_view key, const Tree& child) {
         const std::size_t size = name.size();
-        if (key.empty()) {
+        if (list) {
             name.append("[").append(std::to_string(index++)).append("]");
         } else {
             if (size != 0) name += '.';
@@ -70,17 +71,12 @@ Dict dictAt(const paths::Node& root, const std::string& path, bool& found) {
 Dict filteredAt(const paths::Node& root, const std::string& path,
                 const std::set<std::string>& keys) {
     const std::string actual = paths::withActualRoot(root, path);
-    const bool every = paths::marksEvery(actual);
     Dict kept;
-    std::size_t index = 0;
-    for (const auto& node : paths::findAll(root, actual)) {
-        std::string prefix;
-        if (every) prefix.append("[").append(std::to_string(index++)).append("]");
+    for (const auto& [node, indices] : paths::findAll(root, actual)) {
         for (auto& [name, value] : dictOf(node)) {
             if (!keys.contains(name)) continue;
-            std::string full = prefix;
-            if (every && !name.empty() && name.front() != '[') full += '.';
-            kept.emplace_back(full + name, std::move(value));
+            const bool member = !indices.empty() && !name.empty() && name.front() != '[';
+            kept.emplace_back(indices + (member ? "." : "") + name, std::move(value));
         }
     }
     return kept;

@@ -32,30 +32,36 @@ const ptree* child(const ptree* node, std::string_view key) {
     return found != node->not_found() ? &found->second : nullptr;
 }
 
-/// The branch of a member that an object path of the document leads to; null when none does.
-const ptree* followDocument(const ptree& keys, std::string path) {
-    if (paths::isLegacy(path)) path = paths::replaceLegacy(path, paths::DEFAULT_ROOT);
-    const ptree* object = child(&keys, "HMAVPlatform");
-    const ptree* member = nullptr;
-    std::string_view rest = path;
-    while (object != nullptr && !rest.empty()) {
-        const std::string_view part = rest.substr(0, rest.find('.'));
-        rest.remove_prefix(std::min(part.size() + 1, rest.size()));
-        member = child(object, part.substr(0, part.find('[')));
-        if (member == nullptr) return nullptr;
+/// The branch that a key leads to below the node: of the keys documented there the longest that
+/// the text begins with, and on through the object that a member holds. Null when none leads on.
+const ptree* follow(const ptree& keys, const ptree& node, std::string_view text) {
+    for (std::size_t size = text.size(); size != std::string_view::npos;
+         size = size == 0 ? std::string_view::npos : text.rfind('.', size - 1)) {
+        const std::string_view part = text.substr(0, size);
+        const ptree* member = child(&node, part);
+        if (member == nullptr) {
+            member = child(&node, part.substr(0, part.find('[', part.rfind('.') + 1)));
+        }
+        if (member == nullptr) continue;
+        if (size == text.size()) return member;
+        const std::string_view rest = text.substr(size + 1);
+        if (const ptree* const found = follow(keys, *member, rest)) return found;
         const ptree* const inner = child(member, "object");
-        object = inner != nullptr ? child(&keys, inner->data()) : nullptr;
+        const ptree* const object = inner != nullptr ? child(&keys, inner->data()) : nullptr;
+        const ptree* const found = object != nullptr ? follow(keys, *object, rest) : nullptr;
+        if (found != nullptr) return found;
     }
-    return rest.empty() ? member : nullptr;
+    return nullptr;
 }
 
+/// A key of the documentation, else an object path of the document.
 const ptree* branchOf(const ptree& doc, const std::string& key) {
     const ptree* const keys = child(&doc, KEYS);
     if (keys == nullptr || key.empty()) return nullptr;
-    const std::size_t dot = key.find('.');
-    if (const ptree* object = child(keys, key.substr(0, dot)))
-        return dot == std::string::npos ? object : child(object, key.substr(dot + 1));
-    return followDocument(*keys, key);
+    if (const ptree* const branch = follow(*keys, *keys, key)) return branch;
+    const ptree* const platform = child(keys, "HMAVPlatform");
+    if (platform == nullptr) return nullptr;
+    return follow(*keys, *platform, paths::replaceLegacy(key, paths::DEFAULT_ROOT));
 }
 
 }  // namespace

@@ -2,12 +2,13 @@
 #include "mav_platform/HMAVNativeKeyService.h"
 
 #include <boost/property_tree/ptree.hpp>
-#include <unordered_map>
+#include <map>
 #include <vector>
 
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "services/Children.h"
 #include "services/LoadedDocument.h"
+#include "services/ObjectPath.h"
 
 namespace mav::platform {
 
@@ -23,9 +24,10 @@ class Counter {
   public:
     template <class Tree>
     void visit(const Tree& node) {
+        const bool list = paths::isList(node);
         forEachChild(node, [&](std::string_view key, const Tree& child) {
             const std::size_t size = path_.size();
-            if (key.empty()) {
+            if (list) {
                 path_ += "[]";
             } else {
                 if (size != 0) path_ += '.';
@@ -57,7 +59,7 @@ class Counter {
   private:
     NameBudget budget_;
     std::string path_;
-    std::unordered_map<std::string, std::size_t> places_;
+    std::map<std::string, std::size_t> places_;
     std::vector<std::size_t> counts_;
     std::vector<const std::string*> order_;
 };

@@ -120,7 +120,7 @@ ptree apply(const Node& spec, const Node& root, bool top) {
         // The mark at the end spreads a list that the path ends at.
         for (const auto& element :
              paths::findAll(root, (top ? paths::withActualRoot(root, path) : path) + "[*]")) {
-            ptree item = apply(select, *element, false);
+            ptree item = apply(select, *element.place, false);
             if (!item.empty()) addChild(list, "", item);
         }
         if (!list.empty()) addChild(result, member.key(), list);

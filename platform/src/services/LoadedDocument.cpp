@@ -16,7 +16,7 @@ namespace {
 
 Document read(std::string text) {
     try {
-        return Document(std::move(text));
+        return Document(std::move(text), {}, Document::MAX_OWN_DEPTH);
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
         throw HEXAlgException(std::string("Failed to read platform: ") + error.what());
     }

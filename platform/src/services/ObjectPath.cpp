@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "services/ObjectPath.h"
 
+#include <algorithm>
 #include <charconv>
+
+#include "services/Children.h"
 
 namespace mav::platform::paths {
 
@@ -9,18 +12,19 @@ namespace {
 
 constexpr std::string_view EVERY_MARKS[] = {"[]", "[*]", ".."};
 
+/// The size of the mark "[]" or "[*]" that the text begins with; 0 for none.
+std::size_t markAt(std::string_view text) {
+    if (text.starts_with("[]")) return 2;
+    return text.starts_with("[*]") ? 3 : 0;
+}
+
 std::string withoutMarks(const std::string& path) {
     std::string plain;
     plain.reserve(path.size());
     for (std::size_t at = 0; at < path.size();) {
-        const std::string_view rest = std::string_view(path).substr(at);
-        if (rest.starts_with("[]")) {
-            at += 2;
-        } else if (rest.starts_with("[*]")) {
-            at += 3;
-        } else {
-            plain += path[at++];
-        }
+        const std::size_t size = markAt(std::string_view(path).substr(at));
+        if (size == 0) plain += path[at];
+        at += size == 0 ? 1 : size;
     }
     return plain;
 }
@@ -44,13 +48,15 @@ NodePlace child(const Node& node, std::string_view key) {
 }
 
 TreePlace element(const ptree& node, std::uint32_t index) {
+    if (!isList(node)) return nullptr;
     for (const auto& [key, item] : node)
-        if (key.empty() && index-- == 0) return &item;
+        if (index-- == 0) return &item;
     return nullptr;
 }
 NodePlace element(const Node& node, std::uint32_t index) {
+    if (!node.isList()) return std::nullopt;
     for (const Node& item : node)
-        if (item.key().empty() && index-- == 0) return item;
+        if (index-- == 0) return item;
     return std::nullopt;
 }
 
@@ -76,13 +82,13 @@ Place follow(Place place, const std::string& path) {
     return place;
 }
 
-void addElements(TreePlace place, std::vector<TreePlace>& out) {
-    for (const auto& [key, item] : *place)
-        if (key.empty()) out.push_back(&item);
-}
-void addElements(const NodePlace& place, std::vector<NodePlace>& out) {
-    for (const Node& item : *place)
-        if (item.key().empty()) out.emplace_back(item);
+/// Puts the elements of a list behind `out`, each with its place in the list.
+template <class Place>
+void addElements(const At<Place>& list, std::vector<At<Place>>& out) {
+    std::size_t index = 0;
+    forEachChild(*list.place, [&](std::string_view, const auto& item) {
+        out.push_back({placeOf(item), list.indices + "[" + std::to_string(index++) + "]"});
+    });
 }
 
 /// Where the next mark begins, and its length.
@@ -99,29 +105,31 @@ std::size_t nextMark(std::string_view path, std::size_t& size) {
 }
 
 template <class Place>
-std::vector<Place> spread(const std::vector<Place>& places) {
-    std::vector<Place> elements;
-    for (const Place& place : places) {
-        if (isList(*place)) {
-            addElements(place, elements);
+std::vector<At<Place>> spread(std::vector<At<Place>>& places) {
+    std::vector<At<Place>> elements;
+    for (At<Place>& at : places) {
+        if (isList(*at.place)) {
+            addElements(at, elements);
         } else {
-            elements.push_back(place);
+            elements.push_back(std::move(at));
         }
     }
     return elements;
 }
 
 template <class Place>
-std::vector<Place> followAll(Place root, std::string_view path) {
-    std::vector<Place> places{root};
+std::vector<At<Place>> followAll(Place root, std::string_view path) {
+    std::vector<At<Place>> places{{root, {}}};
     for (bool more = true; more && !places.empty();) {
         std::size_t size = 0;
         const std::size_t mark = nextMark(path, size);
         more = mark != std::string_view::npos;
         const std::string piece(path.substr(0, mark));
-        std::vector<Place> next;
-        for (const Place& place : places)
-            if (Place found = follow(place, piece)) next.push_back(found);
+        std::vector<At<Place>> next;
+        for (At<Place>& at : places)
+            if (Place found = follow(at.place, piece)) {
+                next.push_back({found, std::move(at.indices)});
+            }
         places = more ? spread(next) : std::move(next);
         if (!more) break;
         const bool bracket = path[mark] == '[';
@@ -129,6 +137,19 @@ std::vector<Place> followAll(Place root, std::string_view path) {
         if (bracket && path.starts_with('.')) path.remove_prefix(1);
     }
     return places;
+}
+
+/// Behind the legacy root, and the marks that stand with it, at the start of the path; npos for a
+/// path that has another root.
+std::size_t legacyEnd(std::string_view path) {
+    const std::string_view root = LEGACY_ROOT;
+    std::size_t at = 0;
+    for (std::size_t matched = 0;; ++matched, ++at) {
+        for (std::size_t size = 0; (size = markAt(path.substr(at))) != 0;) at += size;
+        if (matched == root.size()) break;
+        if (at == path.size() || path[at] != root[matched]) return std::string_view::npos;
+    }
+    return at == path.size() || path[at] == '.' ? at : std::string_view::npos;
 }
 
 template <class Tree>
@@ -148,16 +169,18 @@ NodePlace find(const Node& root, const std::string& path) {
 }
 
 bool isList(const ptree& node) {
-    return !node.empty() && node.front().first.empty();
+    return !node.empty() &&
+           std::all_of(node.begin(), node.end(),
+                       [](const ptree::value_type& item) { return item.first.empty(); });
 }
 bool isList(const Node& node) {
-    return node.hasChildren() && node.begin()->key().empty();
+    return node.hasChildren() && node.isList();
 }
 
-std::vector<TreePlace> findAll(const ptree& root, const std::string& path) {
+std::vector<At<TreePlace>> findAll(const ptree& root, const std::string& path) {
     return followAll(placeOf(root), path);
 }
-std::vector<NodePlace> findAll(const Node& root, const std::string& path) {
+std::vector<At<NodePlace>> findAll(const Node& root, const std::string& path) {
     return followAll(placeOf(root), path);
 }
 
@@ -171,12 +194,12 @@ bool hasBoostArray(const std::string& path) {
 }
 
 bool isLegacy(const std::string& path) {
-    const std::string_view root = LEGACY_ROOT;
-    return path.starts_with(root) && (path.size() == root.size() || path[root.size()] == '.');
+    return legacyEnd(path) != std::string_view::npos;
 }
 
 std::string replaceLegacy(const std::string& path, const std::string& root) {
-    return isLegacy(path) ? root + path.substr(std::string_view(LEGACY_ROOT).size()) : path;
+    const std::size_t end = legacyEnd(path);
+    return end != std::string_view::npos ? root + path.substr(end) : path;
 }
 
 std::string actualRoot(const ptree& root) {
@@ -199,8 +222,8 @@ ptree objectsAt(const Node& root, const std::string& path, bool& found) {
         if (!marksEvery(actual)) return {};
     }
     ptree list;
-    for (const NodePlace& node : findAll(root, actual)) {
-        ptree item = node->tree();
+    for (const auto& at : findAll(root, actual)) {
+        ptree item = at.place->tree();
         list.push_back({"", ptree()})->second.swap(item);
     }
     found = !list.empty();

@@ -39,20 +39,28 @@ inline NodePlace placeOf(const Node& node) {
 TreePlace find(const ptree& root, const std::string& path);
 NodePlace find(const Node& root, const std::string& path);
 
-/// The node has elements: children without a name.
+/// A node that stands for one of several, and its places in the lists on the way, such as "[2][0]".
+template <class Place>
+struct At {
+    Place place;
+    std::string indices;
+};
+
+/// The node is a list with elements.
 bool isList(const ptree& node);
 bool isList(const Node& node);
 
 /// Everything at the path, in document order, when "[]", "[*]" and ".." stand for every element; on
 /// a node that is no list, for the node itself.
-std::vector<TreePlace> findAll(const ptree& root, const std::string& path);
-std::vector<NodePlace> findAll(const Node& root, const std::string& path);
+std::vector<At<TreePlace>> findAll(const ptree& root, const std::string& path);
+std::vector<At<NodePlace>> findAll(const Node& root, const std::string& path);
 
 /// "[]", "[*]" or ".." occurs.
 bool marksEvery(const std::string& path);
 /// ".." occurs.
 bool hasBoostArray(const std::string& path);
 
+/// "[]" and "[*]" do not count: "hardwarePlatform[].name" is an older path.
 bool isLegacy(const std::string& path);
 /// The path with a legacy root replaced by the one that the document holds.
 std::string withActualRoot(const ptree& root, const std::string& path);

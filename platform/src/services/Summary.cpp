@@ -3,6 +3,8 @@
 
 #include <boost/property_tree/ptree.hpp>
 
+#include "mav_host/HI18N.h"
+#include "mav_host/HUTFile.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HPLDevice.h"
 
@@ -13,7 +15,7 @@ namespace {
 using boost::property_tree::ptree;
 
 void put(ptree& info, const char* key, const std::string& value) {
-    info.push_back({key, ptree(value)});
+    info.push_back({key, ptree(HI18N_convertToUTF8(value))});
 }
 
 void put(ptree& info, const char* key, const char* value) {
@@ -45,11 +47,6 @@ std::string partArchitecture(const HMAVHardwarePlatform* hardware) {
 
 std::string arrayArchitecture(const HMAVHardwarePlatform* hardware) {
     return hardware != nullptr ? hardware->getDpeHardware().getArchAsString() : "";
-}
-
-bool isDistinct(const HMAVHardwarePlatform* emulation, const HMAVHardwarePlatform* hardware) {
-    return emulation != nullptr && hardware != nullptr &&
-           emulation->getPlatformFile() != hardware->getPlatformFile();
 }
 
 void putState(ptree& info, const HMAVHardwarePlatform* hardware) {
@@ -91,10 +88,29 @@ void putPartitions(ptree& info, const HMAVPlatform& platform) {
         list.push_back({"", partitionInfo(*partition)});
 }
 
-void putIdentity(ptree& info, const HMAVPlatform& platform, const HMAVHardwarePlatform* hardware) {
-    const bool own = !platform.getVersion().empty() || hardware == nullptr;
-    put(info, "baseName", platform.getPlatformBaseName());
-    put(info, "version", own ? platform.getVersion() : hardware->getVersion());
+/// Names and files of the platform; what it lacks is that of its default partition.
+struct Files {
+    explicit Files(const HMAVPlatform& platform)
+        : baseName(platform.getPlatformBaseName()),
+          hardware(platform.getHardwarePlatformFile()),
+          emulation(platform.getHardwareEmuPlatformFile()) {
+        const HMAVHardwarePlatform* const archive = platform.getHardwarePlatform();
+        if (const auto* const partition =
+                platform.getReconfigurablePartition(platform.getDefaultRPId())) {
+            if (hardware.empty()) hardware = partition->getHardwarePlatformFile();
+            if (emulation.empty()) emulation = partition->getHardwareEmulationPlatformFile();
+        }
+        if (hardware.empty() && archive != nullptr) hardware = archive->getPlatformFile();
+        if (baseName.empty()) baseName = HUTPathUtils::stem(hardware);
+    }
+    std::string baseName;
+    std::string hardware;
+    std::string emulation;
+};
+
+void putIdentity(ptree& info, const HMAVPlatform& platform, const Files& files) {
+    put(info, "baseName", files.baseName);
+    put(info, "version", platform.getVersion());
     put(info, "type", platform.getTypeString());
     put(info, "dataCenter", platform.getDesignIntentDataCenter());
     put(info, "embedded", platform.getDesignIntentEmbedded());
@@ -108,13 +124,12 @@ void summarise(const HMAVPlatform& platform, const Warranty* warranty, bool part
                ptree& info) {
     const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
     const HMAVHardwarePlatform* const emulation = platform.getHardwareEmulationPlatform();
-    std::string hwFile = platform.getHardwarePlatformFile();
-    if (hwFile.empty() && hardware != nullptr) hwFile = hardware->getPlatformFile();
-    putIdentity(info, platform, hardware);
+    const Files files(platform);
+    putIdentity(info, platform, files);
     putState(info, hardware);
     put(info, "platformFile", platform.getPlatformFile());
-    put(info, "platformHwFile", hwFile);
-    put(info, "platformHwEmuFile", platform.getHardwareEmuPlatformFile());
+    put(info, "platformHwFile", files.hardware);
+    put(info, "platformHwEmuFile", files.emulation);
     putHardware(info, hardware, emulation);
     if (partitions) putPartitions(info, platform);
     put(info, "platformSwFile", platform.getSoftwarePlatformFile());
@@ -125,7 +140,7 @@ void summarise(const HMAVPlatform& platform, const Warranty* warranty, bool part
     }
     put(info, "hardware", platform.supportsHardware());
     put(info, "hardwareEmulation", platform.supportsHWEmulation());
-    put(info, "twoHwEmuBd", isDistinct(emulation, hardware));
+    put(info, "twoHwEmuBd", platform.hasDistinctHardwareEmulationPlatform());
     put(info, "softwareEmulation", platform.supportsSWEmulation());
 }
 

@@ -6,9 +6,11 @@
 #include <optional>
 
 #include "json/Document.h"
-#include "mav_host/ComMsgMgr.h"
+#include "mav_host/HI18N.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_host/xp.h"
 
 namespace mav::platform {
@@ -21,16 +23,14 @@ namespace {
 constexpr std::string_view BLACK = "black_list";
 constexpr std::string_view WHITE = "white_list";
 
-void report(const char* id, const std::string& path) {
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, id, {path});
-}
-
 /// The list's content; nothing when it cannot be used at all.
 std::optional<Document> readProtected(const std::string& path) {
-    namespace xp = isl::iostreams::xp;
-    if (HUTFile::isDir(path) || !xp::is_xp_format(path)) return std::nullopt;
     try {
-        Document list(xp::read(path), path);
+        mav_host::SecretText text(isl::iostreams::xp::read(path));
+        if (!HI18N_isUTF8(text.text())) {
+            text = mav_host::SecretText(HI18N_convertToUTF8(text.text()));
+        }
+        Document list(std::move(text), path);
         if (list.root().hasChildren()) return list;
     } catch (const std::bad_alloc&) {
         throw;
@@ -41,13 +41,7 @@ std::optional<Document> readProtected(const std::string& path) {
 }
 
 bool isArray(const Node& node) {
-    return node.data().empty() && std::all_of(node.begin(), node.end(),
-                                              [](const Node& item) { return item.key().empty(); });
-}
-
-std::string text(const Node& entry, std::string_view key) {
-    const auto member = entry.find(key);
-    return member ? std::string(member->data()) : "";
+    return node.hasChildren() ? node.isList() : node.data().empty();
 }
 
 /// False for a malformed entry.
@@ -57,9 +51,9 @@ bool addEntry(const Node& node, bool good, HSTVector<SupportEntry>& out) {
     SupportEntry& entry = out.emplace_back();
     entry.good = good;
     for (const Node& product : *products) entry.products.emplace_back(product.data());
-    entry.key = text(node, "key");
-    entry.value = text(node, "value");
-    entry.reason = text(node, "reason");
+    entry.key = node.text("key");
+    entry.value = node.text("value");
+    entry.reason = node.text("reason");
     return true;
 }
 
@@ -90,14 +84,14 @@ HSTVector<SupportEntry> readSupportList() {
     if (!HUTFile::exists(path)) return {};
     const auto list = readProtected(path);
     if (!list) {
-        report("@74-49@%s", path);
+        mav_host::report(mav_host::messages::SUPPORT_LIST_UNUSABLE, path);
         return {};
     }
     const Node root = list->root();
     HSTVector<SupportEntry> entries;
     if (!std::all_of(root.begin(), root.end(), isKnown) || !addEntries(root, BLACK, entries) ||
         !addEntries(root, WHITE, entries)) {
-        report("@74-50@%s", path);
+        mav_host::report(mav_host::messages::SUPPORT_LIST_MALFORMED, path);
         return {};
     }
     return entries;

@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <ostream>
 
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVEnv.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "services/LoadedDocument.h"
@@ -25,12 +25,20 @@ constexpr Release FLOOR{2017, 4};
 constexpr const char* BY_POLICY = "). By policy, ";
 
 /// A platform's extended warranty names the release; throws when it is no list of releases.
-bool names(const paths::Node& warranty, const Release& release) {
-    if (!warranty.hasChildren() && !warranty.data().empty())
+bool names(const paths::ptree& warranty, const Release& release) {
+    if (warranty.empty() && !warranty.data().empty())
         throw HEXDataException("'extended_warranty' is a text and must be a list of releases");
-    return std::any_of(warranty.begin(), warranty.end(), [&](const paths::Node& item) {
-        return Release::of(std::string(item.data())) == release;
+    return std::any_of(warranty.begin(), warranty.end(), [&](const auto& item) {
+        return Release::of(item.second.data()) == release;
     });
+}
+
+/// What "hardwarePlatform" at the beginning of an object path leads to.
+const HMAVHardwarePlatform* hardwareAtRoot(const HMAVPlatform& platform) {
+    const HMAVHardwarePlatform* const own = platform.getHardwarePlatform();
+    HSTVector<HMAVReconfigurablePartition*> partitions;
+    if (own == nullptr) platform.getReconfigurablePartitions(partitions);
+    return partitions.empty() ? own : partitions.front()->getHardwarePlatform();
 }
 
 bool applies(const SupportEntry& entry, const std::string& product, const paths::Node& document) {
@@ -122,14 +130,14 @@ bool SupportPolicy::isForCards() const {
 }
 
 bool SupportPolicy::hasExtendedWarranty(const Releases& releases) {
-    static const std::string warrantyKey = "hardwarePlatform.extensions.extended_warranty";
-    if (releases.tool.year == 0) return false;
+    static const std::string warrantyKey = "extended_warranty";
+    const HMAVHardwarePlatform* const hardware = hardwareAtRoot(platform_);
+    if (releases.tool.year == 0 || hardware == nullptr) return false;
     try {
-        const auto root = document().root();
-        const auto warranty = paths::find(root, paths::withActualRoot(root, warrantyKey));
-        if (!warranty || !names(*warranty, releases.tool)) return false;
+        const auto* const warranty = paths::find(hardware->getExtMetaJsonAsPtree(), warrantyKey);
+        if (warranty == nullptr || !names(*warranty, releases.tool)) return false;
     } catch (const HEXError& error) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-79@%s", {error.what()});
+        mav_host::report(mav_host::messages::WARRANTY_UNREADABLE, error.what());
         return false;
     }
     reason_ = subject_ + " has been explicitly enabled for this release with an extended warranty.";

@@ -132,6 +132,14 @@ TEST(HVMAArchive, AddsAMemberAndListsIt) {
     EXPECT_EQ(HUTZip::verifyDigest(path), mav_host::DigestState::MISSING);
     EXPECT_EQ(read.getFiles().getMap().size(), 1U);
     EXPECT_TRUE(HUTZip::containsFile(path, "loose"));
+
+    HVMAArchive unread(path);
+    unread.setHierName("h");
+    unread.archive("BIF", "b.bif", source);
+    ASSERT_TRUE(read.parse());
+    EXPECT_EQ(read.getPfmName() + read.getHierName(), "ph") << "texts are kept unless set anew";
+    EXPECT_EQ(read.getFiles().getMap().size(), 2U);
+    EXPECT_EQ(unread.toJSONString(), read.toJSONString());
 }
 
 TEST(HVMAArchive, KeepsWhatOthersListMeanwhile) {
@@ -167,27 +175,38 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
     const std::string path = packArchive(dir, "a.zip", {{"x", "y"}});
     const std::string before = dir.read("a.zip");
     const std::string source = dir.write("s", "s");
+    const std::string text = dir.write("text", "no archive");
+    const std::string unset = "HVMAArchive::archive() - ";
     EXPECT_THROW_MSG(HVMAArchive().archive("PDI", "n", source), HEXAlgException,
-                     "HVMAArchive::archive() - vmaFile is not set");
+                     unset + "vmaFile is not set");
     EXPECT_THROW_MSG(NamedIndex(path, "").archive("PDI", "n", source), HEXAlgException,
-                     "HVMAArchive::archive() - jsonFile is not set");
+                     unset + "jsonFile is not set");
     EXPECT_THROW_MSG(HVMAArchive(dir.path()).archive("PDI", "n", source), HEXAlgException,
-                     "HVMAArchive::archive() - vmaFile does not exist");
-    HVMAArchive archive(path);
-    EXPECT_THROW_MSG(
-        archive.archive("PDI", "n", dir.path("none")), HEXUserException,
-        "HVMAArchive::archiveFile() - Could not open file for reading: " + dir.path("none"));
-    for (const char* name : {"", "/abs", "a/../../b", "a\\b", "a/", "a//b", "./a", "."}) {
-        EXPECT_THROW_MSG(archive.archive("PDI", name, source), HEXUserException,
-                         "HVMAArchive::archiveFile() - Could not open file for streaming: " + path);
-    }
-    EXPECT_THROW_MSG(archive.archive("PDI", "vma.json", source), HEXUserException,
-                     "HVMAArchive::archive() - 'vma.json' is the name of the index itself; give "
-                     "the member another name");
+                     unset + "vmaFile does not exist");
     EXPECT_THROW_MSG(NamedIndex(path, "../x").archive("PDI", "n", source), HEXUserException,
                      "HVMAArchive::writeJSON() - Could not open file for streaming: " + path);
+    HVMAArchive archive(path);
+    const auto refused = [&](HVMAArchive& to, const std::string& name, const std::string& file,
+                             const std::string& why) {
+        EXPECT_THROW_MSG(to.archive("PDI", name, file), HEXUserException, "HVMAArchive::" + why);
+    };
+    const std::string closed = "archiveFile() - Could not open file for streaming: ";
+    refused(archive, "n", dir.path("none"),
+            "archiveFile() - Could not open file for reading: " + dir.path("none"));
+    refused(archive, "vma.json", source,
+            "archive() - 'vma.json' is the name of the index itself; give the member another name");
+    for (const char* name : {"", "/abs", "a/../../b", "a\\b", "a/", "a//b", "./a", "."})
+        refused(archive, name, source, closed + path);
+    HVMAArchive noArchive(text);
+    refused(noArchive, "n", source, closed + text);
+    EXPECT_THROW_MSG(noArchive.archiveFile("n", source), HEXUserException,
+                     "HVMAArchive::" + closed + text);
+    {
+        const HostKey key("k");
+        EXPECT_THROW(archive.archive("PDI", "n", source), mav_host::DigestRefusal);
+    }
     EXPECT_TRUE(archive.getFiles().empty());
-    EXPECT_EQ(dir.read("a.zip"), before);
+    EXPECT_EQ(dir.read("a.zip") + dir.read("text"), before + "no archive");
 }
 
 TEST(HVMAArchive, AKilledWriterLeavesTheOldOrTheNewArchive) {

@@ -5,15 +5,13 @@
 #include "mav_host/HUTEnv.h"
 #include "mav_platform/HPLPlatform.h"
 #include "support/Archives.h"
+#include "support/Pages.h"
+#include "support/ZipFixture.h"
 
 namespace {
 
-/// The example of the format's page.
 std::string example() {
-    std::ifstream file(MAV_SOURCE_DIR "/docs/formats/dpe_partitions.md");
-    const std::string page(std::istreambuf_iterator<char>(file), {});
-    const std::size_t start = page.find("```json\n") + 8;
-    return page.substr(start, page.find("```", start) - start);
+    return documented("dpe_partitions.md", "\n```json");
 }
 
 /// "name@start+columns/interface(sub-partitions)" of each partition.
@@ -31,14 +29,13 @@ std::string shape(const std::list<HMAVDpePartition>& partitions) {
 
 class DpePartitions : public testing::Test {
   protected:
-    /// The platform of an archive whose project holds `partitions`; without a text the project has
-    /// no such file.
-    void pack(const std::string& partitions, const std::string& name = "p") {
+    /// Makes `given` the platform of an archive whose project holds `partitions`.
+    void pack(HPLPlatform& given, const std::string& partitions, const std::string& name = "p") {
         packArchive(dir, "array.zip", {{"dpearchive/arch/dpe_partition.json", partitions}});
-        platform.setPlatformFile(
+        given.setPlatformFile(
             packArchive(dir, name + ".pka", {{"dpe/array.zip", dir.read("array.zip")}}));
         std::filesystem::remove(dir.path("array.zip"));
-        platform.addFile("DPEPRJ", "dpe/array.zip");
+        given.addFile("DPEPRJ", "dpe/array.zip");
     }
     TempDir dir;
     EnvVar tmp{"TMPDIR", dir.path()};
@@ -94,7 +91,10 @@ TEST_F(DpePartitions, FilesThatAreNoDocumentThrow) {
 }
 
 TEST_F(DpePartitions, AreReadFromTheProjectOnTheFirstQuestion) {
-    pack(example());
+    pack(platform, example());
+    platform.setExpandable(true);
+    EXPECT_FALSE(platform.hasDpePartitions()) << "an expandable platform never reads";
+    platform.setExpandable(false);
     EXPECT_FALSE(platform.findDpePartition("array0").isPartition())
         << "the search by name does not read";
     EXPECT_TRUE(platform.hasDpePartition("0x0301"));
@@ -103,15 +103,11 @@ TEST_F(DpePartitions, AreReadFromTheProjectOnTheFirstQuestion) {
     EXPECT_EQ(platform.getDpePartitions().size(), 1U) << "read once";
 }
 
-TEST_F(DpePartitions, AnExpandablePlatformNeverReads) {
-    pack(example());
-    platform.setExpandable(true);
-    EXPECT_FALSE(platform.hasDpePartitions());
-}
-
 TEST_F(DpePartitions, AFailedReadIsNotRepeatedAndLeavesNothingBehind) {
-    pack("no JSON");
-    EXPECT_THROW(platform.getDpePartitions(), HEXAlgException);
+    pack(platform, "no JSON");
+    EXPECT_THROW_MSG(platform.getDpePartitions(), HEXAlgException,
+                     "An error occurred while parsing the dpe partitions json file: " +
+                         HUTEnv::getHDITmpDir() + "/dpe_partitions/dpe_partitions.json");
     EXPECT_FALSE(platform.hasDpePartitions());
     EXPECT_EQ(messages.text(),
               "@74-64@%s%s%s|" + dir.path("p.pka") +
@@ -124,30 +120,40 @@ TEST_F(DpePartitions, AFailedReadIsNotRepeatedAndLeavesNothingBehind) {
 }
 
 TEST_F(DpePartitions, ProjectsOfEqualNameStayApart) {
-    pack(R"({"DPE": {"one": {"numColumns": 1}}})", "one");
-    EXPECT_EQ(shape(platform.getDpePartitions()), "one@0+1/ ");
     HPLPlatform other;
-    packArchive(dir, "array.zip",
-                {{"dpearchive/arch/dpe_partition.json", R"({"DPE": {"two": {"numColumns": 2}}})"}});
-    other.setPlatformFile(packArchive(dir, "two.pka", {{"dpe/array.zip", dir.read("array.zip")}}));
-    other.addFile("DPEPRJ", "dpe/array.zip");
+    pack(platform, R"({"DPE": {"one": {"numColumns": 1}}})", "one");
+    pack(other, R"({"DPE": {"two": {"numColumns": 2}}})", "two");
+    EXPECT_EQ(shape(platform.getDpePartitions()), "one@0+1/ ");
     EXPECT_EQ(shape(other.getDpePartitions()), "two@0+2/ ");
 }
 
-TEST_F(DpePartitions, ADamagedOrMissingProjectHasNone) {
-    platform.setPlatformFile(packArchive(dir, "p.pka", {{"x", "y"}}));
-    platform.addFile("DPEPRJ", "dpe/array.zip");
-    EXPECT_FALSE(platform.hasDpePartitions());
-    HPLPlatform damaged;
-    damaged.setPlatformFile(packArchive(dir, "q.pka", {{"dpe/array.zip", "no zip"}}));
-    damaged.addFile("DPEPRJ", "dpe/array.zip");
-    EXPECT_FALSE(damaged.hasDpePartitions());
-    EXPECT_EQ(messages.text(), "@74-64@%s%s%s|" + dir.path("p.pka") +
-                                   "|dpe/array.zip|it is listed as DPEPRJ and absent from the "
-                                   "archive\n@74-64@%s%s%s|" +
-                                   dir.path("q.pka") +
-                                   "|dpe/array.zip|it is listed as DPEPRJ and is no zip archive, "
-                                   "or one that is cut off\n");
+TEST_F(DpePartitions, ProjectsThatCannotBeReadHaveNone) {
+    RawMember large = storedMember("large.zip", "x");
+    large.size = 1U << 31U;
+    RawMember damaged = storedMember("damaged.zip", "x");
+    damaged.crc = 0;
+    const std::string path =
+        dir.write("bad.pka", rawZip({storedMember("../climbs.zip", "x"), large, damaged,
+                                     storedMember("text.zip", "no zip")}));
+    for (const std::string name :
+         {"../climbs.zip", "large.zip", "damaged.zip", "absent.zip", "text.zip"}) {
+        HPLPlatform bad;
+        bad.setPlatformFile(path);
+        bad.addFile("DPEPRJ", name);
+        std::string head =
+            "The array-engine project '" + name + "' of '" + path + "' cannot be read: The ";
+        if (name == "absent.zip" || name == "text.zip") head.clear();
+        std::string text;
+        try {
+            bad.getDpePartitions();
+        } catch (const HEXAlgException& error) {
+            text = error.what();
+        }
+        EXPECT_EQ(head.empty() ? text : text.substr(0, head.size()), head);
+        EXPECT_FALSE(bad.hasDpePartitions());
+    }
+    EXPECT_EQ(messages.text(), "@74-34@%s%s|" + path + "|text.zip\n")
+        << "one that is absent is silent, a refused one speaks by its exception";
 }
 
 }  // namespace

@@ -45,31 +45,31 @@ TEST(HUTFile, CanonicalNameFollowsDirectoriesAndKeepsTheFileName) {
     fs::create_directory_symlink("real", dir.path("link"));
     fs::create_symlink("sub/a.zip", dir.path("real/b.pka"));
     fs::create_symlink("nowhere", dir.path("real/dangling.pka"));
-    const auto canonical = [&](const std::string& name) {
-        return HUTFile::getCanonicalName(dir.path(name));
-    };
-    EXPECT_EQ(canonical("link/b.pka"), dir.path("real/b.pka"));
-    EXPECT_EQ(canonical("link/dangling.pka"), dir.path("real/dangling.pka"));
-    EXPECT_EQ(canonical("real/./sub/../b.pka"), dir.path("real/b.pka"));
-    EXPECT_EQ(canonical("link"), dir.path("real"));
-    EXPECT_EQ(canonical("link/"), dir.path("real"));
-    EXPECT_EQ(canonical("link/sub/.."), dir.path("real"));
-    EXPECT_EQ(canonical("link/."), dir.path("real"));
-    EXPECT_EQ(canonical("link/none/../other.pka"), dir.path("real/other.pka"));
-    EXPECT_EQ(canonical("link/none/"), dir.path("real/none"));
-}
-
-TEST(HUTFile, CanonicalNameOfWhatNeedsNoDirectory) {
-    const TempDir dir;
-    const WorkingDir inside(dir.path());
-    EXPECT_EQ(HUTFile::getCanonicalName(""), "");
-    EXPECT_EQ(HUTFile::getCanonicalName("/"), "/");
-    EXPECT_EQ(HUTFile::getCanonicalName("."), dir.path());
-    EXPECT_EQ(HUTFile::getCanonicalName("a.pka"), dir.path("a.pka"));
-    EXPECT_EQ(HUTFile::getCanonicalName("./x/../a.pka"), dir.path("a.pka"));
-    EXPECT_EQ(HUTFile::getCanonicalName("/../a.pka"), "/a.pka");
     fs::create_symlink("loop", dir.path("loop"));
-    EXPECT_EQ(HUTFile::getCanonicalName("loop/../loop/a.pka"), dir.path("loop/a.pka"));
+    const WorkingDir inside(dir.path());
+    const std::pair<const char*, const char*> rows[] = {
+        {"link/b.pka", "real/b.pka"},
+        {"link/dangling.pka", "real/dangling.pka"},
+        {"real/./sub/../b.pka", "real/b.pka"},
+        {"link", "real"},
+        {"link/", "real"},
+        {"link/sub/..", "real"},
+        {"link/.", "real"},
+        {"link/none/../other.pka", "real/other.pka"},
+        {"link/none/", "real/none"},
+        {"a.pka", "a.pka"},
+        {"./x/../a.pka", "a.pka"},
+        {"loop/../loop/a.pka", "loop/a.pka"},
+    };
+    for (const auto& [name, canonical] : rows) {
+        EXPECT_EQ(HUTFile::getCanonicalName(name), dir.path(canonical));
+        EXPECT_EQ(HUTFile::getCanonicalName(dir.path(name)), dir.path(canonical));
+    }
+    EXPECT_EQ(HUTFile::getCanonicalName("."), dir.path());
+    for (const auto& [name, canonical] :
+         {std::pair("", ""), std::pair("/", "/"), std::pair("/../a.pka", "/a.pka")}) {
+        EXPECT_EQ(HUTFile::getCanonicalName(name), canonical);
+    }
 }
 
 TEST(HUTFile, PartsOfNames) {
@@ -108,8 +108,6 @@ TEST(HUTFile, RemovesFilesAndLinksButNoDirectories) {
     EXPECT_FALSE(HUTFile::rm(dir.path(std::string(300, 'x'))));
 }
 
-}  // namespace
-
 TEST(HUTFile, IdentityTellsFilesAndTheirStatesApart) {
     const TempDir dir;
     const std::string file = dir.write("a", "1");
@@ -128,12 +126,14 @@ TEST(HUTFile, IdentityTellsFilesAndTheirStatesApart) {
 TEST(HUTFile, PermissionsOfThisProcess) {
     const TempDir dir;
     const std::string file = dir.write("a", "1");
-    std::filesystem::permissions(dir.path(), std::filesystem::perms(0755));
+    fs::permissions(dir.path(), fs::perms(0755));
     EXPECT_TRUE(HUTFile::isReadable(file));
     EXPECT_FALSE(HUTFile::isReadable(dir.path("none")));
-    std::filesystem::permissions(file, std::filesystem::perms(0));
-    std::filesystem::permissions(dir.path(), std::filesystem::perms(0555));
+    fs::permissions(file, fs::perms(0));
+    fs::permissions(dir.path(), fs::perms(0555));
     const Unprivileged user;
     EXPECT_FALSE(HUTFile::isReadable(file));
     EXPECT_FALSE(HUTFile::isWritable(dir.path()));
 }
+
+}  // namespace

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <boost/optional.hpp>
 #include <climits>
+#include <filesystem>
 #include <functional>
 #include <string>
 
+#include "FileDescriptor.h"
 #include "json/Convert.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/xp.h"
 #include "mav_platform/HMAVJSONUtils.h"
 #include "support/Doubles.h"
+#include "support/Row.h"
 #include "support/ZipFixture.h"
 #include "unit/json/JsonReference.h"
 
@@ -36,68 +41,55 @@ TEST(HMAVJSONUtils, GettersFollowPathsAndTheirConversions) {
     const ptree tree = Utils::readJson(
         R"({"a":{"b":"12abc","no":"abc","t":"TRUE"},"neg":"-5","big":"99999999999999999999","n":null,
             "i32":"4294967296","one":"1","empty":"","a":{"b":"second"}})");
-    EXPECT_TRUE(Utils::hasKey(tree, "a.b"));
-    EXPECT_TRUE(Utils::findKey(tree, "empty"));
-    EXPECT_FALSE(Utils::findKey(tree, "a.b.c"));
-    EXPECT_EQ(Utils::getValue(tree, "a.b"), "12abc");
-    EXPECT_EQ(Utils::getStringValue(tree, "n"), "null");
-    EXPECT_EQ(Utils::getValue(tree, "missing"), "");
-    EXPECT_EQ(Utils::getIntValue(tree, "a.b", 7), 12);
-    EXPECT_EQ(Utils::getIntValue(tree, "a.no", 7), 0);
-    EXPECT_EQ(Utils::getIntValue(tree, "missing", 7), 7);
-    EXPECT_EQ(Utils::getIntValue(tree, "empty", 7), 7);
-    EXPECT_EQ(Utils::getLongValue(tree, "i32", 7), 4294967296L);
-    EXPECT_EQ(Utils::getUnsignedLongValue(tree, "big", 7), static_cast<unsigned long>(LONG_MAX));
-    EXPECT_EQ(Utils::getUnsignedLongValue(tree, "neg", 7), static_cast<unsigned long>(-5));
-    EXPECT_TRUE(Utils::getBoolValue(tree, "a.t"));
-    EXPECT_FALSE(Utils::getBoolValue(tree, "one"));
-    EXPECT_FALSE(Utils::getBoolValue(tree, "missing"));
-
+    EXPECT_EQ(row(Utils::hasKey(tree, "a.b"), Utils::findKey(tree, "empty"),
+                  Utils::findKey(tree, "a.b.c"), Utils::getValue(tree, "a.b"),
+                  Utils::getStringValue(tree, "n"), Utils::getValue(tree, "missing")),
+              "true|true|false|12abc|null|");
+    EXPECT_EQ(row(Utils::getIntValue(tree, "a.b", 7), Utils::getIntValue(tree, "a.no", 7),
+                  Utils::getIntValue(tree, "missing", 7), Utils::getIntValue(tree, "empty", 7),
+                  Utils::getLongValue(tree, "i32", 7)),
+              "12|0|7|7|4294967296");
+    EXPECT_EQ(row(Utils::getUnsignedLongValue(tree, "big", 7),
+                  Utils::getUnsignedLongValue(tree, "neg", 7)),
+              "9223372036854775807|18446744073709551611");
+    EXPECT_EQ(row(Utils::getBoolValue(tree, "a.t"), Utils::getBoolValue(tree, "one"),
+                  Utils::getBoolValue(tree, "missing")),
+              "true|false|false");
     const boost::optional<ptree> none;
     const boost::optional<ptree> some(tree);
-    EXPECT_EQ(Utils::getIntValue(none, "a.b", 7), 7);
-    EXPECT_EQ(Utils::getValue(none, "a.b"), "");
-    EXPECT_FALSE(Utils::hasKey(none, "a"));
-    EXPECT_EQ(Utils::getIntValue(some, "a.b", 7), 12);
+    EXPECT_EQ(row(Utils::getIntValue(none, "a.b", 7), Utils::getValue(none, "a.b"),
+                  Utils::hasKey(none, "a"), Utils::getIntValue(some, "a.b", 7),
+                  Utils::getIntValue(tree.get_child_optional("a"), "b", 7),
+                  Utils::getIntValue(tree.get_child_optional("none"), "b", 7)),
+              "7||false|12|12|7");
 }
 
 TEST(HMAVJSONUtils, UnsignedValuesThatDoNotConvertAreReported) {
     const ptree tree = Utils::readJson(
-        R"({"ok":" +42x","top":4294967295,"abc":"abc","over":"4294967296","minus":"-1","blank":" ",
+        R"({"ok":" +42x","top":4294967295,"abc":"abc","over":"4294967303","minus":"-1","blank":" ",
             "huge":"99999999999999999999"})");
     CapturedMessages messages;
-    EXPECT_EQ(Utils::getUnsignedIntValue(tree, "ok", 7), 42U);
-    EXPECT_EQ(Utils::getUnsignedIntValue(tree, "top", 7), 4294967295U);
-    EXPECT_EQ(Utils::getUnsignedIntValue(tree, "missing", 7), 7U);
+    for (const auto& [key, value] : {std::pair{"ok", 42U},
+                                     {"top", 4294967295U},
+                                     {"missing", 7U},
+                                     {"over", 7U},
+                                     {"minus", 4294967295U}}) {
+        EXPECT_EQ(Utils::getUnsignedIntValue(tree, key, 7), value) << key;
+    }
     EXPECT_TRUE(messages.all.empty());
-    for (const char* key : {"abc", "over", "minus", "blank", "huge"}) {
+    for (const char* key : {"abc", "blank", "huge"}) {
         EXPECT_EQ(Utils::getUnsignedIntValue(tree, key, 7), 7U) << key;
     }
-    EXPECT_EQ(messages.text(),
-              "@74-268@%s|abc\n@74-268@%s|4294967296\n@74-268@%s|-1\n@74-268@%s| \n"
-              "@74-268@%s|99999999999999999999\n");
-    EXPECT_EQ(messages.all.front().group, "platform");
-    EXPECT_EQ(messages.all.front().mask, ComMsgMgr::WARNING);
+    EXPECT_EQ(messages.text(), "@74-268@%s|abc\n@74-268@%s| \n@74-268@%s|99999999999999999999\n");
 }
 
 TEST(Convert, FollowsTheCConversions) {
-    static const std::string TEXTS[] = {"0",
-                                        "12",
-                                        " \t\n\v\f\r12",
-                                        "+12",
-                                        "-12",
-                                        "- 12",
-                                        "12 13",
-                                        "x",
-                                        "-",
-                                        "+-1",
-                                        "0x10",
-                                        "9223372036854775807",
-                                        "9223372036854775808",
-                                        "-9223372036854775808",
-                                        "-9223372036854775809",
-                                        "99999999999999999999999",
-                                        "007"};
+    static const std::string TEXTS[] = {
+        // short ones
+        "0", "12", " \t\n\v\f\r12", "+12", "-12", "- 12", "12 13", "x", "-", "+-1", "0x10", "007",
+        // at the ends of the range
+        "9223372036854775807", "9223372036854775808", "-9223372036854775808",
+        "-9223372036854775809", "99999999999999999999999"};
     for (const std::string& text : TEXTS) {
         EXPECT_EQ(json::toLong(text, 5), std::strtol(text.c_str(), nullptr, 10)) << text;
     }
@@ -136,6 +128,21 @@ TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
     Utils::writeJson(out, tree);
     EXPECT_EQ(out.str(), boostText(tree));
 
+    ASSERT_EQ(::mkfifo(dir.path("pipe").c_str(), 0600), 0);
+    {
+        const mav_host::FileDescriptor reader(
+            ::open(dir.path("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        Utils::writeJson(dir.path("pipe"), tree);
+        std::string read(100, '\0');
+        read.resize(static_cast<std::size_t>(::read(reader.get(), read.data(), read.size())));
+        EXPECT_EQ(read, boostText(tree));
+    }
+    Utils::writeJson("/dev/null", tree);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_EQ(refusal([&] { Utils::writeJson("/dev/full", tree); }),
+              "json_parser_error /dev/full: The file '/dev/full' cannot be written (writing): No "
+              "space left on device");
+
     tree.data() = "and a value";
     EXPECT_EQ(refusal([&] { Utils::writeJson(path, tree); }),
               "json_parser_error " + path +
@@ -145,16 +152,25 @@ TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
     const std::string missing = dir.path("missing.json");
     EXPECT_EQ(refusal([&] { Utils::readJsonFileNoThrow(missing); }),
               "json_parser_error " + missing + ": cannot open file");
-    EXPECT_EQ(refusal([&] { Utils::readJsonFile(missing); }),
-              "HEXAlgException Failed to read platform: " + missing + ": cannot open file");
-    EXPECT_EQ(refusal([&] { Utils::readJsonFileDecrypt(missing); }),
-              "HEXAlgException Failed to read platform: " + missing + ": cannot open file");
+    for (const auto read : {&Utils::readJsonFile, &Utils::readJsonFileDecrypt}) {
+        EXPECT_EQ(refusal([&] { read(missing); }),
+                  "HEXAlgException Failed to read platform: " + missing + ": cannot open file");
+    }
     EXPECT_EQ(
         refusal([&] { Utils::writeJson(missing + "/x", ptree()); }).rfind("json_parser_error ", 0),
         0U);
     const HostKey key(std::string(32, 'k'));
     isl::iostreams::xp::write(path, "{\"a\": \"b\"}");
     EXPECT_EQ(Utils::readJsonFileDecrypt(path).get<std::string>("a"), "b");
+    {
+        struct final : mav_host::KeyProvider {
+            std::optional<std::string> key() const override { throw HEXUserException("no key"); }
+        } broken;
+        mav_host::KeyProvider* const before = mav_host::setKeyProvider(&broken);
+        EXPECT_EQ(refusal([&] { Utils::readJsonFileDecrypt(path); }),
+                  "HEXAlgException Failed to read platform: no key");
+        mav_host::setKeyProvider(before);
+    }
     std::string changed = dir.read("doc.json");
     changed.back() = static_cast<char>(~changed.back());
     dir.write("doc.json", changed);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -9,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "mav_host/HI18N.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "unit/json/JsonReference.h"
@@ -20,22 +22,41 @@ using mav_platform::JSONWriter;
 
 namespace {
 
+/// Text that is not UTF-8 is converted on its way in.
+std::string utf8(const std::string& text) {
+    return HI18N_convertToUTF8(text);
+}
+ptree utf8(const ptree& tree) {
+    ptree made(utf8(tree.data()));
+    for (const auto& [key, child] : tree) made.push_back({utf8(key), utf8(child)});
+    return made;
+}
+
 /// The writers' rules on a plain property tree.
 struct ReferenceWriter {
     ptree tree;
 
     void addKey(const std::string& key, const std::string& value) {
-        if (!value.empty()) tree.put(key, value);
+        if (!value.empty()) tree.put(utf8(key), utf8(value));
     }
     void addKey(const std::string& key, const ptree& sub) {
-        if (!sub.empty()) tree.add_child(key, sub);
+        if (!sub.empty()) tree.add_child(utf8(key), utf8(sub));
+    }
+    void addKey(const std::string& key, std::same_as<bool> auto value) { addKey(key, word(value)); }
+    void addKey(const std::string& key, long value) { addKey(key, std::to_string(value)); }
+    void addKey(const std::string& key, const HSTVector<std::string>& values) {
+        ReferenceWriter list;
+        for (const std::string& value : values) list.addItem(value);
+        addKey(key, list.tree);
     }
     void addLiteral(const std::string& key, const std::string& value) {
-        if (!value.empty()) tree.push_back({key, ptree(value)});
+        if (!value.empty()) tree.push_back({utf8(key), ptree(utf8(value))});
     }
     void addLiteral(const std::string& key, const ptree& sub) {
-        if (!sub.empty()) tree.push_back({key, sub});
+        if (!sub.empty()) tree.push_back({utf8(key), utf8(sub)});
     }
+    void addItem(std::same_as<bool> auto value) { addItem(word(value)); }
+    static std::string word(bool value) { return value ? "true" : "false"; }
     void addItem(const std::string& value) { addLiteral("", value); }
     void addItem(const ptree& sub) { addLiteral("", sub); }
 };
@@ -86,27 +107,24 @@ class Twins {
 
   private:
     std::string key() {
-        static constexpr std::string_view KEYS[] = {"name",     "type",    "a",
-                                                    "b",        "c",       "a.b",
-                                                    "a.b.c",    "q\"k/\n", "somewhatLongerKeyName",
-                                                    "x.y",      "d",       "interfaceDescription",
-                                                    "\x7F\xE9", "four"};
+        static constexpr std::string_view KEYS[] = {
+            // keys of one part
+            "name", "type", "a", "b", "c", "d", "q\"k/\n", "somewhatLongerKeyName", "four",
+            "interfaceDescription", "\x7F\xE9",
+            // paths
+            "a.b", "a.b.c", "x.y"};
         return std::string(dice_.pick(KEYS));
     }
     std::string value() {
         static constexpr std::string_view VALUES[] = {
-            "",
-            "1",
-            "value",
-            "a/b\\c\"d",
-            "tab\tline\nbell\a",
-            "caf\xC3\xA9 \xFF",
-            "} , { : [",
-            "exactly 16 bytes",
-            "a longer text, with a / beyond the first block \x1F\x7F",
-            "0x8000"};
+            // what stays as it is
+            "", "1", "value", "} , { : [", "exactly 16 bytes", "0x8000",
+            // what is escaped or converted
+            "a/b\\c\"d", "tab\tline\nbell\a", "caf\xC3\xA9 \xFF",
+            "a longer text, with a / beyond the first block \x1F\x7F"};
         return std::string(dice_.pick(VALUES));
     }
+    long number() { return static_cast<long>(dice_.roll(2000)) - 1000; }
     ptree tree(int depth) {
         ptree made;
         for (std::size_t left = dice_.roll(4); left > 0; --left) {
@@ -121,115 +139,56 @@ class Twins {
     void member(JSONObjectWriter& writer, ReferenceWriter& expected, int depth) {
         const std::string k = key();
         const std::string v = value();
+        const auto both = [&](auto add) { add(writer), add(expected); };
         ReferenceWriter below;
-        switch (dice_.roll(depth > 0 ? 13 : 5)) {
-            case 0: {
-                const long number = static_cast<long>(dice_.roll(2000)) - 1000;
-                writer.addKey(k, number);
-                expected.addKey(k, std::to_string(number));
-                break;
-            }
-            case 1:
-                writer.addKey(k, v.size() > 3);
-                expected.addKey(k, v.size() > 3 ? "true" : "false");
-                break;
-            case 2:
-                writer.addLiteral(k, v);
-                expected.addLiteral(k, v);
-                break;
-            case 3:
-            case 4:
-                writer.addKey(k, v);
-                expected.addKey(k, v);
-                break;
-            case 5: {
-                const HSTVector<std::string> values{v, "", value()};
-                writer.addKey(k, values);
-                for (const std::string& one : values) below.addItem(one);
-                expected.addKey(k, below.tree);
-                break;
-            }
-            case 6: {
-                const ptree sub = tree(2);
-                writer.addKey(k, sub);
-                expected.addKey(k, sub);
-                break;
-            }
-            case 7: {
-                const Scripted sub(
-                    [&](JSONObjectWriter& inner) { object(inner, below, depth - 1); });
-                writer.addKey(k, &sub);
-                expected.addKey(k, below.tree);
-                break;
-            }
-            case 8: {
-                JSONObjectWriter sub;
-                object(sub, below, depth - 1);
-                writer.addKey(k, sub);
-                expected.addKey(k, below.tree);
-                break;
-            }
-            case 9: {
-                JSONListWriter sub;
-                list(sub, below, depth - 1);
-                writer.addKey(k, sub);
-                expected.addKey(k, below.tree);
-                break;
-            }
-            case 10:
-                writer.addList(k, [&](JSONListWriter& sub) { list(sub, below, depth - 1); });
-                expected.addLiteral(k, below.tree);
-                break;
-            case 11:
-                writer.addObject(k, [&](JSONObjectWriter& sub) { object(sub, below, depth - 1); });
-                expected.addLiteral(k, below.tree);
-                break;
-            default:
+        JSONObjectWriter subObj;
+        JSONListWriter subList;
+        const auto fillObject = [&](JSONObjectWriter& sub) { object(sub, below, depth - 1); };
+        const auto fillList = [&](JSONListWriter& sub) { list(sub, below, depth - 1); };
+        const Scripted scripted(fillObject);
+        const std::function<void()> flat[] = {
+            [&] { both([&, n = number()](auto& to) { to.addKey(k, n); }); },
+            [&] { both([&](auto& to) { to.addKey(k, v.size() > 3); }); },
+            [&] { both([&](auto& to) { to.addLiteral(k, v); }); },
+            [&] { both([&](auto& to) { to.addKey(k, v); }); },
+        };
+        const std::function<void()> nested[] = {
+            [&] { both([&](auto& to) {
+                      to.addKey(k, HSTVector<std::string>{v, "", k});
+                  }); },
+            [&] { both([&, sub = tree(2)](auto& to) { to.addKey(k, sub); }); },
+            [&] { writer.addKey(k, &scripted), expected.addKey(k, below.tree); },
+            [&] { fillObject(subObj), writer.addKey(k, subObj), expected.addKey(k, below.tree); },
+            [&] { fillList(subList), writer.addKey(k, subList), expected.addKey(k, below.tree); },
+            [&] { writer.addList(k, fillList), expected.addLiteral(k, below.tree); },
+            [&] { writer.addObject(k, fillObject), expected.addLiteral(k, below.tree); },
+            [&] {
                 EXPECT_EQ(std::as_const(writer).getTree(), expected.tree);
-                if (dice_.roll(3) == 0)
-                    writer.getTree().push_back({k, ptree(v)}),
-                        expected.tree.push_back({k, ptree(v)});
-                break;
-        }
+                if (dice_.roll(3) != 0) return;
+                writer.getTree().push_back({k, ptree(v)}), expected.tree.push_back({k, ptree(v)});
+            },
+        };
+        depth > 0 && dice_.roll(3) > 0 ? dice_.pick(nested)() : dice_.pick(flat)();
         EXPECT_EQ(writer.empty(), expected.tree.empty());
     }
 
     void item(JSONListWriter& writer, ReferenceWriter& expected, int depth) {
-        ReferenceWriter below;
         const std::string v = value();
-        switch (dice_.roll(depth > 0 ? 7 : 2)) {
-            case 0:
-            case 1:
-                writer.addItem(v);
-                expected.addItem(v);
-                break;
-            case 2: {
-                const Scripted sub(
-                    [&](JSONObjectWriter& inner) { object(inner, below, depth - 1); });
-                writer.addItem(&sub);
-                expected.addItem(below.tree);
-                break;
-            }
-            case 3: {
-                JSONListWriter sub;
-                list(sub, below, depth - 1);
-                writer.addItem(sub);
-                expected.addItem(below.tree);
-                break;
-            }
-            case 4:
-                writer.addObject([&](JSONObjectWriter& sub) { object(sub, below, depth - 1); });
-                expected.addItem(below.tree);
-                break;
-            case 5:
-                writer.addList([&](JSONListWriter& sub) { list(sub, below, depth - 1); });
-                expected.addItem(below.tree);
-                break;
-            default:
-                writer.addItem(v.size() > 3);
-                expected.addItem(v.size() > 3 ? "true" : "false");
-                break;
-        }
+        const auto both = [&](auto add) { add(writer), add(expected); };
+        ReferenceWriter below;
+        JSONListWriter subList;
+        const auto fillObject = [&](JSONObjectWriter& sub) { object(sub, below, depth - 1); };
+        const auto fillList = [&](JSONListWriter& sub) { list(sub, below, depth - 1); };
+        const Scripted scripted(fillObject);
+        const std::function<void()> ways[] = {
+            [&] { both([&](auto& to) { to.addItem(v); }); },
+            [&] { both([&](auto& to) { to.addItem(v.size() > 3); }); },
+            [&] { writer.addItem(&scripted), expected.addItem(below.tree); },
+            [&] { fillList(subList), writer.addItem(subList), expected.addItem(below.tree); },
+            [&] { writer.addObject(fillObject), expected.addItem(below.tree); },
+            [&] { writer.addList(fillList), expected.addItem(below.tree); },
+        };
+        ways[dice_.roll(depth > 0 ? std::size(ways) : 2)]();
     }
 
     Dice dice_;
@@ -258,15 +217,6 @@ TEST(Writers, RandomMembersComeOutAsFromATree) {
     EXPECT_LT(expressible, 6000U);
 }
 
-TEST(Writers, EmptyWritersPrintAnEmptyObject) {
-    EXPECT_EQ(JSONObjectWriter().text(), "{\n}\n");
-    EXPECT_EQ(JSONListWriter().text(), "{\n}\n");
-    EXPECT_TRUE(JSONObjectWriter().empty());
-    JSONObjectWriter valueOnly;
-    valueOnly.getTree().data() = "v";
-    EXPECT_TRUE(valueOnly.empty());
-}
-
 TEST(Writers, AbsentDataLeavesNoTraceButScalarsDo) {
     const Scripted silent([](JSONObjectWriter& writer) { writer.addKey("x", ""); });
     const JSONSerializable* const none = nullptr;
@@ -287,7 +237,11 @@ TEST(Writers, AbsentDataLeavesNoTraceButScalarsDo) {
                      [](JSONObjectWriter& a) { a.addObject("b", [](JSONObjectWriter&) {}); });
     writer.writeObject(none);
     EXPECT_TRUE(writer.empty());
+    writer.getTree().data() = "v";
+    EXPECT_TRUE(writer.empty()) << "a value alone is no member";
+    writer.getTree().data().clear();
     EXPECT_EQ(writer.text(), "{\n}\n");
+    EXPECT_EQ(JSONListWriter().text(), "{\n}\n");
 
     writer.addKey("no", false);
     writer.addKey("zero", 0);
@@ -302,62 +256,24 @@ TEST(Writers, AbsentDataLeavesNoTraceButScalarsDo) {
         "    \"byte\": \"65\"\n}\n");
 }
 
-TEST(Writers, ScalarsReplaceInPlaceAndSubWritersAppend) {
-    JSONObjectWriter writer;
-    JSONObjectWriter sub;
-    sub.addKey("m", "v");
-    writer.addKey("k", "1");
-    writer.addKey("other", "o");
-    writer.addKey("k", 2);
-    writer.addKey("list", HSTVector<std::string>{"a", "", "b"});
-    writer.addKey("sub", sub);
-    writer.addKey("sub", sub);
-    writer.addKey("a.b", "x");
-    EXPECT_EQ(writer.text(), R"({
-    "k": "2",
-    "other": "o",
-    "list": [
-        "a",
-        "b"
-    ],
-    "sub": {
-        "m": "v"
-    },
-    "sub": {
-        "m": "v"
-    },
-    "a": {
-        "b": "x"
-    }
-}
-)");
-    EXPECT_EQ(sub.text(), "{\n    \"m\": \"v\"\n}\n");
-}
-
-TEST(Writers, KeysWithEmptyPartsFollowThePathRules) {
-    JSONObjectWriter ends;
-    ends.addKey("a.", "new");
-    ends.addKey("a.", "value of a itself");
-    EXPECT_EQ(ends.getTree().get_child("a").data(), "value of a itself");
-    EXPECT_EQ(ends.getTree().get_child("a").front().second.data(), "new");
-    EXPECT_THROW(ends.text(), json_parser_error);
-
-    JSONObjectWriter root;
-    root.addKey("k", "v");
-    root.addKey("", "the root's value");
-    EXPECT_EQ(root.getTree().data(), "the root's value");
-    EXPECT_EQ(written(root),
-              "<unspecified file>: ptree contains data that cannot be represented in JSON format");
-}
-
 TEST(Writers, ValueOnASubTreeIsRefusedOnlyWhenPrinted) {
     JSONObjectWriter writer;
     writer.addObject("k", [](JSONObjectWriter& sub) { sub.addKey("m", "v"); });
     writer.addKey("k", "scalar over an object");
     writer.addKey("after", "x");
     EXPECT_THROW(writer.text(), json_parser_error);
+    std::ostringstream out;
+    out.setstate(std::ios::badbit);
+    const ptree& tree = std::as_const(writer).getTree();
+    EXPECT_EQ(&tree, &writer.getTree());
+    EXPECT_EQ(&writer.getOtherTree(std::as_const(writer)), &tree);
     writer.getTree().get_child("k").clear();
-    EXPECT_EQ(writer.text(), "{\n    \"k\": \"\",\n    \"after\": \"x\"\n}\n");
+    EXPECT_EQ(outcome([&] { return writer.write(out), std::string(); }),
+              "<unspecified file>: write error");
+    writer.addKey("late", "y");
+    EXPECT_EQ(tree.get("late", ""), "y") << "what was handed out shows what comes later";
+    EXPECT_EQ(writer.text(),
+              "{\n    \"k\": \"\",\n    \"after\": \"x\",\n    \"late\": \"y\"\n}\n");
 }
 
 TEST(Writers, ManyKeysStayExact) {
@@ -416,16 +332,31 @@ TEST(Writers, AFailingFillLeavesNoTrace) {
     EXPECT_EQ(writer.getTree().get<std::string>("x"), "1");
 }
 
-TEST(Writers, AParentTakesNothingWhileAChildIsOpen) {
-    JSONObjectWriter writer;
-    EXPECT_THROW(writer.addObject("child", [&](JSONObjectWriter&) { writer.addKey("k", "v"); }),
-                 std::logic_error);
-    EXPECT_THROW(writer.addList("child", [&](JSONListWriter&) { writer.text(); }),
-                 std::logic_error);
-    EXPECT_THROW(writer.addObject("", [&](JSONObjectWriter&) { writer.getTree(); }),
-                 std::logic_error);
-    writer.addKey("child", "free again");
-    EXPECT_EQ(writer.text(), "{\n    \"child\": \"free again\"\n}\n");
+TEST(Writers, AParentIsAskedAndWrittenWhileChildrenAreOpen) {
+    for (const char* key : {"child", "dotted.child", ""}) {
+        JSONObjectWriter writer;
+        ReferenceWriter expected;
+        ReferenceWriter child;
+        ReferenceWriter list;
+        const Scripted open([&](JSONObjectWriter& inner) {
+            inner.addKey("a", "1"), child.addKey("a", "1");
+            inner.addList("l", [&](JSONListWriter& items) {
+                items.addItem("x"), list.addItem("x");
+                EXPECT_EQ(written(writer), reference(expected.tree));
+                writer.addKey("k", "meanwhile"), expected.addKey("k", "meanwhile");
+                writer.addKey("kept", inner), expected.addKey("kept", child.tree);
+                items.addItem("y"), list.addItem("y");
+            });
+            child.addKey("l", list.tree);
+            inner.addKey("a", "2"), child.addKey("a", "2");
+            EXPECT_EQ(std::as_const(writer).getTree(), expected.tree);
+        });
+        writer.addKey("before", "b"), expected.addKey("before", "b");
+        writer.addKey(key, &open);
+        expected.addKey(key, child.tree);
+        writer.addKey("k", "after"), expected.addKey("k", "after");
+        EXPECT_EQ(written(writer), reference(expected.tree)) << key;
+    }
 }
 
 TEST(Writers, AWriterCanBeAttachedToItself) {
@@ -483,27 +414,4 @@ TEST(Writers, DeepTreesArePrintedWithoutRecursion) {
     whole.add_child("deep", tree);
     EXPECT_TRUE(text == boostText(whole));
     EXPECT_TRUE(std::as_const(writer).getTree() == whole);
-}
-
-TEST(Writers, AFailingStreamIsReported) {
-    JSONObjectWriter writer;
-    std::ostringstream out;
-    out.setstate(std::ios::badbit);
-    try {
-        writer.write(out);
-        FAIL();
-    } catch (const json_parser_error& error) {
-        EXPECT_STREQ(error.what(), "<unspecified file>: write error");
-    }
-}
-
-TEST(Writers, ToJSONStringWritesTheObjectAlone) {
-    const Scripted inner([](JSONObjectWriter& writer) { writer.addKey("k", "v"); });
-    const Scripted outer([&](JSONObjectWriter& writer) {
-        writer.writeObject(inner);
-        writer.addKey("inner", &inner);
-        EXPECT_EQ(writer.getOtherTree(std::as_const(writer)).size(), 2U);
-    });
-    EXPECT_EQ(outer.toJSONString(),
-              "{\n    \"k\": \"v\",\n    \"inner\": {\n        \"k\": \"v\"\n    }\n}\n");
 }

@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <sstream>
 
 #include "mav_platform/HMAVHardwarePlatform.h"
 #include "mav_platform/HPLPlatform.h"
 #include "support/Archives.h"
+#include "support/Row.h"
 
 namespace {
+
+struct HardwareModel : testing::Test {
+    HPLPlatform platform;
+};
 
 void addClock(HPLPlatform& platform, const std::string& name, unsigned id,
               const std::string& frequency, const std::string& status = "fixed") {
@@ -37,56 +43,51 @@ std::string memoryBuses(const HPLPlatform& platform) {
     return names;
 }
 
-TEST(HMAVHardwarePlatform, TheLastOfEqualClocksCounts) {
-    HPLPlatform platform;
-    EXPECT_EQ(platform.getDefaultClock(), nullptr);
-    EXPECT_EQ(platform.getDefaultClockName(), "");
-    EXPECT_EQ(platform.getDefaultClockId(), "0");
+TEST_F(HardwareModel, TheLastOfEqualClocksCounts) {
+    const auto defaults = [&] {
+        return row(platform.getDefaultClock() == nullptr, platform.getDefaultClockName(),
+                   platform.getDefaultClockId(), platform.getDefaultClockFrequency());
+    };
+    EXPECT_EQ(defaults(), "true||0|");
     addClock(platform, "kernel", 0, "100");
     addClock(platform, "other", 4294967295U, "200");
     addClock(platform, "kernel", 7, "300");
     addClock(platform, "late", 0, "400");
-    EXPECT_EQ(platform.getDefaultClockName(), "late");
-    EXPECT_EQ(platform.getDefaultClockFrequency(), "400");
-    EXPECT_EQ(platform.getPlatformFrequency(0), "400");
-    EXPECT_EQ(platform.getPlatformFrequency(5), "");
-    EXPECT_EQ(platform.getClockFrequency("kernel"), "300");
-    EXPECT_EQ(platform.getClockId("kernel"), "7");
-    EXPECT_EQ(platform.getClockId("other"), "-1") << "ids are printed signed";
-    EXPECT_EQ(platform.getClockId("Kernel"), "");
+    EXPECT_EQ(defaults(), "false|late|0|400");
+    EXPECT_EQ(row(platform.getPlatformFrequency(0), platform.getPlatformFrequency(5),
+                  platform.getClockFrequency("kernel"), platform.getClockId("kernel"),
+                  platform.getClockId("other"), platform.getClockId("Kernel")),
+              "400||300|7|-1|")
+        << "ids are printed signed";
     platform.setDefaultClockId(6);
-    EXPECT_EQ(platform.getDefaultClock(), nullptr);
-    EXPECT_EQ(platform.getDefaultClockId(), "6");
-    HSTVector<std::string> list = {"kept"};
-    platform.getSystemClockNames(list);
-    platform.getAllClockFrequencies(list);
-    platform.getCpuClockNames(list);
-    EXPECT_EQ(list, (HSTVector<std::string>{"kept", "kernel", "other", "kernel", "late", "100",
-                                            "200", "300", "400", "CPU"}));
+    EXPECT_EQ(defaults(), "true||6|");
+    EXPECT_EQ(appended([&](auto& list) {
+                  platform.getSystemClockNames(list);
+                  platform.getAllClockFrequencies(list);
+                  platform.getCpuClockNames(list);
+              }),
+              "kept kernel other kernel late 100 200 300 400 CPU ");
 }
 
-TEST(HMAVHardwarePlatform, ClocksAreFixedOrScalable) {
-    HPLPlatform platform;
-    EXPECT_FALSE(platform.hasFixedClocks());
-    EXPECT_FALSE(platform.hasScalableClocks());
-    addClock(platform, "a", 0, "1", "changeable");
-    EXPECT_FALSE(platform.hasFixedClocks());
-    EXPECT_TRUE(platform.hasScalableClocks());
-
+TEST_F(HardwareModel, ClocksAreFixedOrScalable) {
     HPLPlatform fixed;
+    const auto kinds = [](const HPLPlatform& asked) {
+        return row(asked.hasFixedClocks(), asked.hasScalableClocks());
+    };
+    EXPECT_EQ(kinds(platform), "false|false");
+    addClock(platform, "a", 0, "1", "changeable");
+    EXPECT_EQ(kinds(platform), "false|true");
     addClock(fixed, "a", 0, "1", "fixed");
-    EXPECT_TRUE(fixed.hasFixedClocks());
     // A clock of the device counts only beside the core "fpga0".
     HPLDevice* const device = fixed.addDevice();
     device->addClock();
     device->createCore().setName("fpga1");
-    EXPECT_FALSE(fixed.hasScalableClocks());
+    EXPECT_EQ(kinds(fixed), "true|false");
     device->createCore().setName("fpga0");
-    EXPECT_TRUE(fixed.hasScalableClocks());
+    EXPECT_EQ(kinds(fixed), "true|true");
 }
 
-TEST(HMAVHardwarePlatform, IteratorsWalkTheListInItsOrder) {
-    HPLPlatform platform;
+TEST_F(HardwareModel, IteratorsWalkTheListInItsOrder) {
     addClock(platform, "a", 0, "1");
     addClock(platform, "b", 1, "2");
     const std::unique_ptr<HSTFwdIter<HMAVSystemClock*>> clocks(platform.createSystemClockIter());
@@ -106,154 +107,147 @@ TEST(HMAVHardwarePlatform, IteratorsWalkTheListInItsOrder) {
     EXPECT_EQ(roms, (HSTVector<HMAVHardwareFeatureRom*>{nullptr, rom}));
 }
 
-TEST(HMAVHardwarePlatform, BusInterfacesAreCountedByTypeAndMode) {
-    HPLPlatform platform;
-    EXPECT_EQ(platform.getBusInterfaceMaxDataWidth(), 0);
+TEST_F(HardwareModel, BusInterfacesAreCountedByTypeAndMode) {
+    const auto counts = [&] {
+        return row(platform.getMaxAXIMMManagers(), platform.getMaxAXIMMSubordinates(),
+                   platform.getMaxInterrupts(), platform.getBusInterfaceMaxDataWidth());
+    };
+    EXPECT_EQ(counts(), "0|0|0|0");
     const struct {
-        const char* type;
-        const char* mode;
+        const char *type, *mode;
         int width;
-    } buses[] = {{"AXIMM", "Master", -512}, {"aximm", "slave", 64}, {"aximm", "slave", 32},
-                 {"aximm", "mirrored", 0},  {"aximms", "slave", 0}, {"Interrupt", "slave", 1}};
+        const char* counts;
+    } buses[] = {{"AXIMM", "Master", -512, "1|0|0|0"}, {"aximm", "slave", 64, "1|1|0|64"},
+                 {"aximm", "slave", 32, "1|2|0|64"},   {"aximm", "mirrored", 0, "1|2|0|64"},
+                 {"aximms", "slave", 0, "1|2|0|64"},   {"Interrupt", "slave", 1, "1|2|1|64"}};
     for (const auto& bus : buses) {
-        HMAVHardwareBusInterface* const added = platform.addBusInterface();
-        added->setName(bus.mode);
+        HMAVHardwareBusInterface* const added = addBus(platform, bus.mode, "");
         added->setBusTypeRef(bus.type);
         added->setMode(bus.mode);
         added->setDataWidth(bus.width);
+        EXPECT_EQ(counts(), bus.counts);
     }
-    EXPECT_EQ(platform.getMaxAXIMMManagers(), 1);
-    EXPECT_EQ(platform.getMaxAXIMMSubordinates(), 2);
-    EXPECT_EQ(platform.getMaxInterrupts(), 1);
-    EXPECT_EQ(platform.getBusInterfaceMaxDataWidth(), 64);
     HSTVector<HMAVHardwareBusInterface*> all;
     platform.getBusInterfaces(all);
     EXPECT_EQ(all.size(), 6U);
     EXPECT_EQ(platform.getBusInterfaceByName("slave"), all[1]);
     EXPECT_EQ(platform.getBusInterfaceByName("Slave"), nullptr);
-    HPLPlatform narrow;
-    narrow.addBusInterface()->setDataWidth(-1);
-    EXPECT_EQ(narrow.getBusInterfaceMaxDataWidth(), 0);
 }
 
-TEST(HMAVHardwarePlatform, IndexedMemoryIsSettledByTheFirstBusThatTells) {
-    HPLPlatform indexed;
-    EXPECT_FALSE(indexed.isMemoryResourceIndexed());
-    addBus(indexed, "none", "");
-    addBus(indexed, "gp", "M_AXI_GP");
-    addBus(indexed, "default", "MIG", "DEFAULT");
-    EXPECT_FALSE(indexed.isMemoryResourceIndexed());
-    // Nothing was settled, so the next interface still decides.
-    addBus(indexed, "hbm", "MemSS", "HBM");
-    EXPECT_TRUE(indexed.isMemoryResourceIndexed());
-    addBus(indexed, "late", "mig", "DDR");
-    EXPECT_TRUE(indexed.supportsMemoryResourceIndex());
-    EXPECT_EQ(memoryBuses(indexed), "hbm ");
-
-    HPLPlatform named;
-    addBus(named, "gp", "s_axi_gp");
-    addBus(named, "ddr", "mig", "");
-    EXPECT_FALSE(named.isMemoryResourceIndexed());
-    addBus(named, "late", "memss");
-    EXPECT_FALSE(named.isMemoryResourceIndexed()) << "the first answer is kept";
-    addBus(named, "default", "mig", "Default");
-    addBus(named, "tagged", "mig", "defaults");
-    EXPECT_EQ(memoryBuses(named), "ddr tagged ");
+TEST_F(HardwareModel, IndexedMemoryIsSettledByTheFirstBusThatTells) {
+    struct Bus {
+        const char *name, *port, *tag, *answer;
+    };
+    // Default and general purpose ports settle nothing; the first answer is kept.
+    const HSTVector<Bus> platforms[] = {{{"none", "", "", "false|"},
+                                         {"gp", "M_AXI_GP", "", "false|"},
+                                         {"s", "S_AXI_GP", "", "false|"},
+                                         {"default", "MIG", "DEFAULT", "false|"},
+                                         {"hbm", "MemSS", "HBM", "true|hbm "},
+                                         {"late", "mig", "DDR", "true|hbm "}},
+                                        {{"gp", "s_axi_gp", "", "false|"},
+                                         {"ddr", "mig", "", "false|ddr "},
+                                         {"late", "memss", "", "false|ddr "},
+                                         {"default", "mig", "Default", "false|ddr "},
+                                         {"tagged", "mig", "defaults", "false|ddr tagged "}}};
+    for (const HSTVector<Bus>& buses : platforms) {
+        HPLPlatform asked;
+        EXPECT_FALSE(asked.isMemoryResourceIndexed());
+        for (const Bus& bus : buses) {
+            addBus(asked, bus.name, bus.port, bus.tag);
+            const bool indexed = asked.isMemoryResourceIndexed();
+            EXPECT_EQ(row(indexed, memoryBuses(asked)), bus.answer) << bus.name;
+            EXPECT_EQ(asked.supportsMemoryResourceIndex(), indexed);
+        }
+    }
 }
 
-TEST(HMAVHardwarePlatform, GeneralPurposePortsSettleNothing) {
-    HPLPlatform platform;
-    addBus(platform, "m", "m_axi_gp");
-    addBus(platform, "s", "S_AXI_GP");
-    EXPECT_FALSE(platform.isMemoryResourceIndexed());
-    EXPECT_EQ(memoryBuses(platform), "");
-    addBus(platform, "late", "memss");
-    EXPECT_TRUE(platform.isMemoryResourceIndexed());
+/// Letters of the tool's language, in which "I" is no capital "i".
+class OwnLetters final : public std::ctype<char> {
+    char do_tolower(char c) const override {
+        return c == 'I' ? c : std::ctype<char>::do_tolower(c);
+    }
+    char do_toupper(char c) const override {
+        return c == 'i' ? c : std::ctype<char>::do_toupper(c);
+    }
+};
+
+TEST_F(HardwareModel, NamesMeanTheSameInEveryLocale) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new OwnLetters));
+    addBus(platform, "m", "M_AXI_GP");
+    addBus(platform, "d", "MIG", "");
+    const std::string buses = memoryBuses(platform);
+    std::locale::global(before);
+    EXPECT_EQ(buses, "d ");
 }
 
-TEST(HMAVHardwarePlatform, SlrOfAMemoryComesFromItsInterfaceOrSegment) {
-    HPLPlatform platform;
+TEST_F(HardwareModel, SlrOfAMemoryComesFromItsInterfaceOrSegment) {
     HMAVHardwareBusInterface* const bus = addBus(platform, "hbm", "memss");
     bus->setMemoryInstance("ddr");
     bus->setSLR("SLR1");
     HMAVHardwareAddressSegment* const segment = bus->addAddressSegment();
     segment->setMemoryInstance("hbm0");
     segment->setSLR("SLR0");
-    EXPECT_EQ(platform.getMemorySLR("ddr"), "SLR1");
-    EXPECT_EQ(platform.getMemorySLR("hbm0"), "SLR0");
-    EXPECT_EQ(platform.getMemorySLR("hbm1"), "");
+    EXPECT_EQ(row(platform.getMemorySLR("ddr"), platform.getMemorySLR("hbm0"),
+                  platform.getMemorySLR("hbm1")),
+              "SLR1|SLR0|");
 }
 
-TEST(HMAVHardwarePlatform, MixedHbmBanksAreReportedOnceAndExplained) {
-    const CapturedMessages messages;
-    HPLPlatform platform;
-    const auto explanation = [&] {
+TEST_F(HardwareModel, MixedHbmBanksAreReportedOnceAndExplained) {
+    const std::string whole =
+        "\nThe HBM instance 'hbm_ss_0' has only a subset of its auto-assignable memory banks "
+        "tagged as 'default'. To attain better HBM bandwidth, use mcc parameter "
+        "'--advanced.param compiler.normalizeDefaultMemoryBanks=true' to change all HBM "
+        "memory banks to 'default'.\n\n";
+    const struct {
+        HSTVector<std::pair<const char*, const char*>> banks;
+        bool explained, reported;
+    } cases[] = {
+        {{}, false, false},
+        {{{"0", "true"}}, false, false},  // none is preferred
+        // All that can be assigned are preferred; a bank that is named twice counts once.
+        {{{"0", "preferred"}, {"1", "false"}, {"2", "preferred"}, {"2", "preferred"}},
+         false,
+         false},
+        {{{"0", "preferred"}, {"3", "true"}, {"4", "true"}}, true, true},
+        {{{"0", "true"}, {"1", "preferred"}, {"1", "preferred"}, {"1", "false"}}, false, true},
+        // The last word on a bank counts.
+        {{{"0", "preferred"}, {"3", "true"}, {"3", "preferred"}}, false, true},
+        {{{"0", "preferred"}, {"4", "true"}, {"4", "false"}}, false, true}};
+    for (const auto& test : cases) {
+        const CapturedMessages messages;
+        HPLPlatform asked;
+        for (const auto& [bank, word] : test.banks) asked.updateHBMBankInfo("hbm_ss_0", bank, word);
+        EXPECT_EQ(messages.text(), test.reported ? "@74-261@\n" : "");
         std::ostringstream out;
-        platform.issueNormalizeMemoryBanksMessage(out);
-        return out.str();
-    };
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM0", "preferred");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM1", "false");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM2", "preferred");
-    EXPECT_EQ(explanation(), "") << "all that can be assigned are preferred";
-    EXPECT_EQ(messages.text(), "");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM3", "true");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM4", "true");
-    EXPECT_EQ(messages.text(), "@74-261@\n");
-    EXPECT_EQ(explanation(),
-              "\nThe HBM instance 'hbm_ss_0' has only a subset of its auto-assignable memory banks "
-              "tagged as 'default'. To attain better HBM bandwidth, use mcc parameter "
-              "'--advanced.param compiler.normalizeDefaultMemoryBanks=true' to change all HBM "
-              "memory banks to 'default'.\n\n");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM3", "preferred");
-    platform.updateHBMBankInfo("hbm_ss_0", "HBM4", "false");
-    EXPECT_EQ(explanation(), "") << "the last word on a bank counts";
-
-    HPLPlatform none;
-    none.updateHBMBankInfo("hbm", "HBM0", "true");
-    std::ostringstream out;
-    none.issueNormalizeMemoryBanksMessage(out);
-    EXPECT_EQ(out.str(), "") << "none is preferred";
-    for (const char* word : {"preferred", "preferred", "false"}) {
-        none.updateHBMBankInfo("hbm", "HBM1", word);
+        asked.issueNormalizeMemoryBanksMessage(out);
+        EXPECT_EQ(out.str(), test.explained ? whole : "");
     }
-    none.issueNormalizeMemoryBanksMessage(out);
-    EXPECT_EQ(out.str(), "") << "a bank that is named twice counts once";
 }
 
-TEST(HMAVHardwarePlatform, StateIsAText) {
-    HPLPlatform platform;
+TEST_F(HardwareModel, StateIsAText) {
     EXPECT_EQ(platform.getState(), 3);
-    const char* const texts[] = {"synth", "impl", "pre_synth"};
-    for (int state = 0; state < 3; ++state) {
-        platform.setState(state);
-        EXPECT_EQ(platform.getPlatformState(), texts[state]);
-        EXPECT_EQ(platform.getState(), state);
-    }
-    for (const int state : {3, -1}) {
+    for (const auto& [state, text] :
+         {std::pair{0, "synth"}, {1, "impl"}, {2, "pre_synth"}, {3, ""}, {-1, ""}}) {
         platform.setState(1);
         platform.setState(state);
-        EXPECT_EQ(platform.getPlatformState(), "");
+        EXPECT_EQ(platform.getPlatformState(), text);
+        EXPECT_EQ(platform.getState(), *text != '\0' ? state : 3);
     }
     platform.setPlatformState("Impl");
     EXPECT_EQ(platform.getState(), 3);
 }
 
-TEST(HMAVHardwarePlatform, NamesOfTheMetadataMembersFollowTheExtension) {
-    HPLPlatform platform;
-    EXPECT_EQ(
-        platform.getPlatformExt() + platform.getJsonFileName() + platform.getHwEmuJsonFileName(),
-        "");
-    EXPECT_EQ(platform.getAltJsonFileName(), "alt_") << "the prefix stands alone";
-    EXPECT_EQ(platform.getAltHwEmuJsonFileName(), "hw_emu/alt_");
-    platform.setPlatformFile("/p/h90.dsa");
-    EXPECT_EQ(platform.getPlatformExt(), "dsa");
-    EXPECT_EQ(platform.getJsonFileName(), "dsa.json");
-    EXPECT_EQ(platform.getAltJsonFileName(), "alt_dsa.json");
-    EXPECT_EQ(platform.getHwEmuJsonFileName(), "hw_emu/dsa.json");
-    EXPECT_EQ(platform.getAltHwEmuJsonFileName(), "hw_emu/alt_dsa.json");
-    platform.setPlatformFile("/p/.pka");
-    EXPECT_EQ(platform.getJsonFileName(), "pka.json");
+TEST_F(HardwareModel, NamesOfTheMetadataMembersFollowTheExtension) {
+    const auto names = [&](const char* file) {
+        platform.setPlatformFile(file);
+        return row(platform.getPlatformExt(), platform.getJsonFileName(),
+                   platform.getAltJsonFileName(), platform.getHwEmuJsonFileName(),
+                   platform.getAltHwEmuJsonFileName());
+    };
+    EXPECT_EQ(names(""), "||alt_||hw_emu/alt_") << "the prefix stands alone";
+    EXPECT_EQ(names("/p/h90.dsa"), "dsa|dsa.json|alt_dsa.json|hw_emu/dsa.json|hw_emu/alt_dsa.json");
+    EXPECT_EQ(names("/p/.pka").substr(0, 12), "pka|pka.json");
     EXPECT_EQ(HMAVHardwarePlatform::getValidPlatformExts(),
               (HSTVector<std::string>{".dsa", ".pka"}));
     for (const char* other : {".PKA", "pka", ".qpfm", ""}) {
@@ -262,43 +256,33 @@ TEST(HMAVHardwarePlatform, NamesOfTheMetadataMembersFollowTheExtension) {
     EXPECT_TRUE(HMAVHardwarePlatform::isValidPlatformExt(".dsa"));
 }
 
-TEST(HMAVHardwarePlatform, TheTwoSwitchesAreGuardedTheOppositeWay) {
-    HPLPlatform platform;
-    platform.enableSegmentedConfiguration(true);
-    EXPECT_FALSE(platform.supportsSegmentedConfiguration());
-    platform.enableDynamicReload(true);
-    EXPECT_TRUE(platform.supportsDynamicReload());
-    platform.enableDynamicReload(false);
-    EXPECT_FALSE(platform.supportsDynamicReload());
-
-    platform.setExpandable(true);
-    platform.enableDynamicReload(true);
-    EXPECT_FALSE(platform.supportsDynamicReload());
-    platform.enableSegmentedConfiguration(true);
-    EXPECT_TRUE(platform.supportsSegmentedConfiguration());
-    platform.enableSegmentedConfiguration(false);
-    EXPECT_FALSE(platform.supportsSegmentedConfiguration());
+TEST_F(HardwareModel, TheTwoSwitchesAreGuardedTheOppositeWay) {
+    for (const bool expandable : {false, true}) {
+        platform.setExpandable(expandable);
+        for (const bool on : {true, false}) {
+            platform.enableSegmentedConfiguration(on);
+            platform.enableDynamicReload(on);
+            EXPECT_EQ(platform.supportsSegmentedConfiguration(), on && expandable);
+            EXPECT_EQ(platform.supportsDynamicReload(), on && !expandable);
+        }
+    }
 }
 
-TEST(HMAVHardwarePlatform, StatedIntentsWinOverComputedOnes) {
-    HPLPlatform platform;
-    HMAVDesignIntentStorage stated;
+TEST_F(HardwareModel, StatedIntentsWinOverComputedOnes) {
+    HMAVDesignIntentStorage stated, computed;
     stated.setDataCenter(false, true);
     stated.setEmbedded(true, true);
-    HMAVDesignIntentStorage computed;
     computed.setDataCenter(true, false);
     computed.setServerManaged(true, false);
     platform.setExplicitDesignIntent(stated);
     platform.setComputedDesignIntent(computed);
     const HMAVDesignIntentStorage intent = platform.getDesignIntent();
-    EXPECT_FALSE(intent.getDataCenter());
-    EXPECT_TRUE(intent.getEmbedded());
-    EXPECT_FALSE(intent.getExternalHost());
-    EXPECT_TRUE(intent.getServerManaged());
-    EXPECT_FALSE(intent.isServerManagedExplicit());
+    EXPECT_EQ(row(intent.getDataCenter(), intent.getEmbedded(), intent.getExternalHost(),
+                  intent.getServerManaged(), intent.isServerManagedExplicit()),
+              "false|true|false|true|false");
 }
 
-TEST(HMAVHardwarePlatform, HardwareDatabaseIsOpenedOnceFromTheArchive) {
+TEST_F(HardwareModel, HardwareDatabaseIsOpenedOnceFromTheArchive) {
     struct CountingManager : HHSMHwManager {
         std::shared_ptr<HHSMHwDb> open(const std::string& archive,
                                        const std::string& module) override {
@@ -311,12 +295,10 @@ TEST(HMAVHardwarePlatform, HardwareDatabaseIsOpenedOnceFromTheArchive) {
     const TempDir dir;
     const std::string with = packArchive(dir, "card.pka", {{"sysdef.xml", "<s/>"}});
     const std::string without = packArchive(dir, "plain.pka", {{"pka.json", "{}"}});
-    HPLPlatform platform;
-    EXPECT_EQ(platform.getHwDbName(), "");
-    platform.setPlatformFile(without);
-    EXPECT_EQ(platform.getHwDbName(), "");
-    platform.setPlatformFile(dir.path("absent.pka"));
-    EXPECT_EQ(platform.getHwDbName(), "");
+    for (const std::string& file : {std::string(), without, dir.path("absent.pka")}) {
+        platform.setPlatformFile(file);
+        EXPECT_EQ(platform.getHwDbName(), "");
+    }
     EXPECT_EQ(manager.asked, "");
     platform.setPlatformFile(with);
     EXPECT_EQ(platform.getHwDb(), nullptr);
@@ -328,8 +310,7 @@ TEST(HMAVHardwarePlatform, HardwareDatabaseIsOpenedOnceFromTheArchive) {
     HHSMHwManager::set(before);
 }
 
-TEST(HMAVHardwarePlatform, FindsIdentityRecordsAndArrayEnginePartitions) {
-    HPLPlatform platform;
+TEST_F(HardwareModel, FindsIdentityRecordsAndArrayEnginePartitions) {
     EXPECT_EQ(platform.findReconfigPartition(0), nullptr);
     platform.addReconfigPartition()->setDesignID(3);
     HMAVReconfigPartition* const record = platform.addReconfigPartition();
@@ -346,14 +327,14 @@ TEST(HMAVHardwarePlatform, FindsIdentityRecordsAndArrayEnginePartitions) {
     first.dpeInst("left");
     second.dpeInst("left");
     first.addPartition(0, 2).plIntefaceID("17");
-    EXPECT_TRUE(platform.hasDpePartitions());
     EXPECT_EQ(&platform.findDpePartition("left"), &first);
     const HMAVDpePartition& missed = platform.findDpePartition("Left");
     EXPECT_FALSE(missed.isPartition());
     EXPECT_EQ(&missed, &platform.findDpePartition("right"));
     EXPECT_EQ(&missed, &HPLPlatform().findDpePartition("left"));
-    EXPECT_TRUE(platform.hasDpePartition("17"));
-    EXPECT_FALSE(platform.hasDpePartition("left"));
+    EXPECT_EQ(row(platform.hasDpePartitions(), platform.hasDpePartition("17"),
+                  platform.hasDpePartition("left")),
+              "true|true|false");
 }
 
 }  // namespace

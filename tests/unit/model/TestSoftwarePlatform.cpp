@@ -2,8 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "mav_platform/HMAVSoftwarePlatform.h"
+#include "support/Row.h"
 
 namespace {
+
+struct SoftwareModel : testing::Test {
+    HMAVSoftwarePlatform platform;
+};
 
 HMAVSystemConfig& addConfig(HMAVSoftwarePlatform& platform, const char* name, const char* os = "") {
     HMAVSystemConfig* const config = platform.addSystemConfig();
@@ -30,13 +35,10 @@ TEST(SystemConfig, NamesFallBackAndTheLastMatchWins) {
     group->setName("g");
     EXPECT_EQ(group->getPrettyName(), "g");
     EXPECT_EQ(config.getDefaultProcGrpName(), "g");
-    HSTVector<std::string> names;
-    config.getProcessorGroups(names);
-    EXPECT_EQ(names, HSTVector<std::string>{"recorded"});
+    EXPECT_EQ(appended([&](auto& list) { config.getProcessorGroups(list); }), "kept recorded ");
 }
 
-TEST(SoftwarePlatform, TheDefaultConfiguration) {
-    HMAVSoftwarePlatform platform;
+TEST_F(SoftwareModel, TheDefaultConfiguration) {
     EXPECT_EQ(platform.getDefaultSystemConfig(), nullptr);
     EXPECT_EQ(platform.getDefaultConfigName(), "");
     HMAVSystemConfig& first = addConfig(platform, "a");
@@ -55,41 +57,35 @@ TEST(SoftwarePlatform, TheDefaultConfiguration) {
     EXPECT_NE(platform.getSystemConfigByName("b"), &first) << "the last match wins";
 }
 
-TEST(SoftwarePlatform, Runtimes) {
-    HMAVSoftwarePlatform platform;
+TEST_F(SoftwareModel, Runtimes) {
     HMAVSystemConfig& first = addConfig(platform, "a");
     first.addRuntime("ocl");
     first.addRuntime("CPP");
     addConfig(platform, "b").addRuntime("ocl");
     addConfig(platform, "c");
     addConfig(platform, "d").addRuntime("other");
-    HSTVector<std::string> keys;
-    platform.getSupportedRuntimes(keys);
-    EXPECT_EQ(keys, (HSTVector<std::string>{"ocl", "CPP", "other"}));
+    EXPECT_EQ(appended([&](auto& list) { platform.getSupportedRuntimes(list); }),
+              "kept ocl CPP other ");
     EXPECT_EQ(platform.getNumRuntimes(), 3U);
-    HSTVector<std::string> names;
-    platform.getSupportedRuntimesByPrettyName(names);
-    EXPECT_EQ(names, HSTVector<std::string>{"C/C++"}) << "ocl has no name here";
-    EXPECT_TRUE(HMAVSoftwarePlatform::isRuntimeSupported("OPENCL"));
-    EXPECT_FALSE(HMAVSoftwarePlatform::isRuntimeSupported("other"));
-    EXPECT_TRUE(platform.isSystemConfigSupported("a"));
-    EXPECT_TRUE(platform.isSystemConfigSupported("c")) << "no runtimes";
-    EXPECT_FALSE(platform.isSystemConfigSupported("d"));
-    EXPECT_FALSE(platform.isSystemConfigSupported("none"));
+    EXPECT_EQ(appended([&](auto& list) { platform.getSupportedRuntimesByPrettyName(list); }),
+              "kept C/C++ ")
+        << "ocl has no name here";
+    EXPECT_EQ(row(platform.isRuntimeSupported("OPENCL"), platform.isRuntimeSupported("other")),
+              "true|false");
+    EXPECT_EQ(row(platform.isSystemConfigSupported("a"), platform.isSystemConfigSupported("c"),
+                  platform.isSystemConfigSupported("d"), platform.isSystemConfigSupported("none")),
+              "true|true|false|false");
 }
 
-TEST(SoftwarePlatform, ConfigurationsByLibraryType) {
-    HMAVSoftwarePlatform platform;
+TEST_F(SoftwareModel, ConfigurationsByLibraryType) {
     addConfig(platform, "linux", "Linux");
     addConfig(platform, "bare", "standalone");
     addConfig(platform, "empty");
     const auto names = [&](const char* type) {
-        HSTVector<std::string> out{"kept"};
-        const std::size_t count = platform.getSystemConfigNames(out, type);
-        EXPECT_EQ(count, out.size());
-        std::string text;
-        for (const std::string& name : out) text += name + " ";
-        return text;
+        return appended([&](auto& list) {
+            const std::size_t count = platform.getSystemConfigNames(list, type);
+            EXPECT_EQ(count, list.size());
+        });
     };
     EXPECT_EQ(names("Shared"), "kept linux ");
     EXPECT_EQ(names("c-callable"), "kept bare ");

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <memory>
@@ -43,6 +42,16 @@ struct Repository {
         return joined;
     }
 
+    /// Files of the refusals with their reasons, a line each; directories end with "/".
+    std::string refusals() const {
+        std::string lines;
+        for (const HMAVPlatformMgr::Refusal& one : mgr.getRefusals()) {
+            lines += one.file.substr(dir.path().size() + 1) + (one.isDir ? "/|" : "|");
+            lines += one.reason + "\n";
+        }
+        return lines;
+    }
+
     TempDir dir;
     CapturedMessages messages;
     CapturedConsole console;
@@ -55,9 +64,11 @@ TEST(HMAVPlatformMgr, DescriptionsAreFoundThreeLevelsDeepTheLastFoundFirst) {
         described(r.dir, stem);
     }
     described(r.dir, "up", metadata(), ".QPFM");
+    bareArchive(r.dir, "dir.pka");
+    fs::create_directory(r.dir.path("dir.qpfm"));
     EXPECT_TRUE(r.mgr.addPlatformsFromDirs({r.dir.path()}));
     EXPECT_EQ(r.files(), "top.qpfm\na/b/c/3 \xc3\xa4:x.qpfm\na/b/2.qpfm\na/1.qpfm\n");
-    EXPECT_EQ(r.bare(), "up.pka\n") << "the description in capitals counts for nothing";
+    EXPECT_EQ(r.bare(), "dir.pka\nup.pka\n") << "no descriptions of theirs";
     EXPECT_EQ(r.messages.text(), "");
     HMAVPlatform* const top = r.mgr.getPlatform("top");
     EXPECT_TRUE(top->isQpfm());
@@ -95,16 +106,17 @@ TEST(HMAVPlatformMgr, DirectoriesAreSearchedInOrderAndTwiceListedOnesOnce) {
     EXPECT_FALSE(r.mgr.addPlatformsFromDirs({r.dir.path("absent")}));
 }
 
-TEST(HMAVPlatformMgr, LinkedDirectoriesAreFollowedAndLoopsEndByDepth) {
+TEST(HMAVPlatformMgr, LinkedDirectoriesAreFollowedAndLoopsAreNot) {
     Repository r;
     described(r.dir, "outside/card");
     fs::create_directories(r.dir.path("in"));
     fs::create_directory_symlink("../outside", r.dir.path("in/link"));
     fs::create_symlink("nowhere", r.dir.path("in/gone.qpfm"));
     fs::create_directory_symlink(".", r.dir.path("outside/loop"));
+    fs::create_directory_symlink("..", r.dir.path("outside/up"));
+    fs::create_directory_symlink("../in", r.dir.path("outside/in"));
     EXPECT_TRUE(r.mgr.addPlatformsFromDirs({r.dir.path("in")}));
-    EXPECT_EQ(r.files(),
-              "in/link/loop/loop/card.qpfm\nin/link/loop/card.qpfm\nin/link/card.qpfm\n");
+    EXPECT_EQ(r.files(), "in/link/card.qpfm\n");
     EXPECT_EQ(r.messages.text(), "");
 }
 
@@ -127,32 +139,30 @@ TEST(HMAVPlatformMgr, ANameLoadsTheFirstDescriptionOfThatStemAlone) {
 TEST(HMAVPlatformMgr, EachReasonToLeaveAPlatformOutIsReportedAndGathered) {
     Repository r;
     const auto in = [&](const std::string& name) { return r.dir.path(name); };
+    const auto has = [&](const std::string& text) {
+        EXPECT_NE(r.errors().find(text + " Unable to load platform.\n"), std::string::npos)
+            << text << r.errors();
+    };
     bareArchive(r.dir, "hw/ok.dsa");
     r.dir.write("hw/ok.qpfm", "<a></b>");
     r.dir.write("hw/zip.zip", "");
-    const std::string software =
-        R"(<mav:softwarePlatforms><mav:softwarePlatform mav:path="." mav:name="s.spfm"/>
-        </mav:softwarePlatforms>)";
     r.dir.write("1.qpfm", descriptionOf("none.pka"));
     r.dir.write("2.qpfm", descriptionOf("hw/zip.zip"));
-    r.dir.write("3.qpfm", descriptionOf("hw/ok.dsa", software));
+    r.dir.write("3.qpfm", descriptionOf("hw/ok.dsa", R"(<mav:softwarePlatforms>
+        <mav:softwarePlatform mav:path="." mav:name="s.spfm"/></mav:softwarePlatforms>)"));
     EXPECT_FALSE(r.mgr.addPlatformsFromDirs({in("")}));
     EXPECT_EQ(r.messages.text(), "@74-14@%s%s|" + in("none.pka|") + in("1.qpfm\n@74-55@%s%s%s|") +
                                      in("hw/zip.zip|") + in("2.qpfm| '.dsa', '.pka'\n@74-9@%s|") +
                                      in("hw/ok.qpfm\n@74-3@%s|") + in("hw/ok.qpfm\n"))
         << "a missing software platform has its text alone";
+    has("Hardware platform file " + in("none.pka") + " for platform " + in("1.qpfm") +
+        " does not exist on disk.");
+    has("Found bad hardware platform file " + in("hw/zip.zip") + " for platform " + in("2.qpfm") +
+        ". Supported extensions are '.dsa', '.pka'.");
+    has("Software platform file " + in("./s.spfm") + " for platform " + in("3.qpfm") +
+        " does not exist on disk.");
+    has("Encountered Errors while parsing platform: " + in("hw/ok.qpfm") + ".");
     const std::string errors = r.errors();
-    for (const std::string& text :
-         {"Hardware platform file " + in("none.pka") + " for platform " + in("1.qpfm") +
-              " does not exist on disk. Unable to load platform.\n",
-          "Found bad hardware platform file " + in("hw/zip.zip") + " for platform " + in("2.qpfm") +
-              ". Supported extensions are '.dsa', '.pka'. Unable to load platform.\n",
-          "Software platform file " + in("./s.spfm") + " for platform " + in("3.qpfm") +
-              " does not exist on disk. Unable to load platform.\n",
-          "Encountered Errors while parsing platform: " + in("hw/ok.qpfm") +
-              ". Unable to load platform.\n"}) {
-        EXPECT_NE(errors.find(text), std::string::npos) << text << errors;
-    }
     EXPECT_NE(errors.find(in("hw/ok.qpfm")), errors.rfind(in("hw/ok.qpfm"))) << "and the reader's";
 
     r.mgr.clearParsingErrorMsgs();
@@ -161,27 +171,28 @@ TEST(HMAVPlatformMgr, EachReasonToLeaveAPlatformOutIsReportedAndGathered) {
     r.dir.write("s.spfm", "<?xml version=\"1.0\"?>\n<a/>");
     r.mgr.addPlatformsFromDirs("3", {in("")});
     EXPECT_TRUE(r.messages.has("@74-4@%s|" + in("3.qpfm"))) << r.messages.text();
-    EXPECT_NE(r.errors().find(" Line number:2. "), std::string::npos) << r.errors();
-    EXPECT_TRUE(r.errors().ends_with("Encountered Errors while parsing software platform for: " +
-                                     in("3.qpfm") + ". Unable to load platform.\n"));
+    has("Encountered Errors while parsing software platform for: " + in("3.qpfm") + ".");
 }
 
 TEST(HMAVPlatformMgr, PartitionsAreAllTriedAndTheDefaultOneIsThePlatforms) {
     Repository r;
-    const auto partition = [](const std::string& id, const std::string& file) {
-        return "<mav:reconfigurablePartition mav:id=\"" + id +
-               R"("><mav:hardwarePlatform mav:path="." mav:name=")" + file +
-               "\"/></mav:reconfigurablePartition>";
-    };
-    const auto platform = [&](const std::string& parts) {
-        return R"(<?xml version="1.0"?><mav:platform xmlns:mav="urn:mav:platform:1" mav:vendor="v"
- mav:library="l" mav:name="n" mav:version="1.0"><mav:hardwarePlatforms mav:defaultRP="2">)" +
-               parts + "</mav:hardwarePlatforms></mav:platform>";
+    const auto write = [&](const char* name, const std::string& one, const std::string& two) {
+        const auto file = [](const std::string& archive) {
+            return "<mav:hardwarePlatform mav:path='.' mav:name='" + archive + "'/>";
+        };
+        r.dir.write(name,
+                    "<mav:platform mav:vendor='v' mav:library='l' mav:name='n' mav:version='1.0'>"
+                    "<mav:hardwarePlatforms mav:defaultRP='2'><mav:reconfigurablePartition "
+                    "mav:id='1'>" +
+                        file(one) +
+                        "</mav:reconfigurablePartition><mav:reconfigurablePartition mav:id='2'>" +
+                        file(two) +
+                        "</mav:reconfigurablePartition></mav:hardwarePlatforms></mav:platform>");
     };
     bareArchive(r.dir, "x/one.pka", metadata("", "one"));
     bareArchive(r.dir, "x/two.pka", metadata("", "two"));
-    r.dir.write("good.qpfm", platform(partition("1", "x/one.pka") + partition("2", "x/two.pka")));
-    r.dir.write("bad.qpfm", platform(partition("1", "n1.pka") + partition("2", "n2.zip")));
+    write("good.qpfm", "x/one.pka", "x/two.pka");
+    write("bad.qpfm", "n1.pka", "n2.zip");
     r.mgr.addPlatformsFromDirs({r.dir.path()});
     ASSERT_EQ(r.files(), "good.qpfm\n") << r.messages.text() << r.errors();
     const HMAVPlatform* const good = r.mgr.getPlatform("good");
@@ -203,22 +214,20 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
     };
     Repository r;
     r.dir.write("all/a.qpfm", "broken");
-    const std::string vanishing = described(r.dir, "all/b");
+    Remover remover(described(r.dir, "all/b"));
     described(r.dir, "all/c");
-    {
-        Remover remover(vanishing);
-        ComMsgSink* const before = ComMsgMgr::setSink(&remover);
-        r.mgr.addPlatformsFromDirs({r.dir.path("all")});
-        ComMsgMgr::setSink(before);
-        EXPECT_EQ(remover.ids, "@74-9@%s @74-3@%s @74-9@%s @74-3@%s ");
-    }
+    ComMsgSink* const before = ComMsgMgr::setSink(&remover);
+    r.mgr.addPlatformsFromDirs({r.dir.path("all")});
+    ComMsgMgr::setSink(before);
+    EXPECT_EQ(remover.ids, "@74-9@%s @74-3@%s @74-9@%s @74-3@%s ");
     EXPECT_EQ(r.files(), "all/c.qpfm\n");
-    EXPECT_NE(r.errors().find("Encountered Errors while parsing platform: " + vanishing),
-              std::string::npos);
 
     r.mgr.clearAllPlatforms();
+    r.mgr.clearParsingErrorMsgs();
+    EXPECT_EQ(r.errors() + r.refusals(), "");
     fs::create_directory(r.dir.path("all/b"));
     described(r.dir, "next/d");
+    for (const char* stem : {"all/0.pka", "next/e.pka"}) bareArchive(r.dir, stem);
     fs::permissions(r.dir.path(), fs::perms::all);
     fs::permissions(r.dir.path("all/b"), fs::perms::none);
     r.dir.write("all/a.qpfm", descriptionOf("c.pka"));
@@ -226,28 +235,40 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
     r.mgr.addPlatformsFromDirs({r.dir.path("all"), r.dir.path("next")});
     EXPECT_EQ(r.files(), "next/d.qpfm\nall/a.qpfm\n") << "the rest of that directory is not seen";
     EXPECT_TRUE(r.messages.has("@74-5@%s|" + r.dir.path("all")));
+    const std::string refused =
+        "all/|The directory '" + r.dir.path("all/b") + "' cannot be read: Permission denied\n";
+    EXPECT_EQ(r.refusals(), refused);
+    r.mgr.clearParsingErrorMsgs();
+    HSTVector<HMAVHardwarePlatform*> bare;
+    r.mgr.getHardwarePlatformsFromDirs({r.dir.path("all"), r.dir.path("next")}, bare, false);
+    EXPECT_EQ(r.refusals(), refused) << "the search for bare archives too";
+    EXPECT_EQ(bare.size(), 2U) << "what was found stays, and the next directory is searched";
 }
 
-TEST(HMAVPlatformMgr, NamedPipesAndDirectoriesInPlaceOfFilesDoNotHoldTheSearch) {
+TEST(HMAVPlatformMgr, ArchivesWithoutMetadataAreRefusedAndTheirPlatformsBad) {
     Repository r;
-    ASSERT_EQ(::mkfifo(r.dir.path("a.qpfm").c_str(), 0600), 0);
-    ASSERT_EQ(::mkfifo(r.dir.path("b.pka").c_str(), 0600), 0);
-    const std::string c = described(r.dir, "c");
-    ASSERT_EQ(::mkfifo(r.dir.path("soft.spfm").c_str(), 0600), 0);
-    r.dir.write(
-        "c.qpfm",
-        descriptionOf(
-            "c.pka",
-            R"(<mav:softwarePlatforms><mav:softwarePlatform mav:path="." mav:name="soft.spfm"/></mav:softwarePlatforms>)"));
-    fs::create_directory(r.dir.path("d.qpfm"));
-    bareArchive(r.dir, "d.pka");
-    r.mgr.addPlatformsFromDirs({r.dir.path()});
-    EXPECT_EQ(r.files(), "");
-    EXPECT_EQ(r.bare(), "b.pka\nd.pka\n") << "a directory describes no archive";
-    EXPECT_NE(r.errors().find("a.qpfmLine number:0. the path is not a regular file"),
-              std::string::npos);
-    EXPECT_NE(r.errors().find("soft.spfm Line number:0. the path is not a regular file"),
-              std::string::npos);
+    r.dir.write("a.pka", "");
+    bareArchive(r.dir, "b.pka", R"({"vendor": "v"})");
+    bareArchive(r.dir, "c.pka");
+    r.dir.write("x/one.qpfm", descriptionOf("../b.pka"));
+    const std::string missing = "'boardId': the required key is missing";
+    for (int search = 0; search < 2; ++search) r.mgr.addPlatformsFromDirs({r.dir.path()});
+    EXPECT_EQ(r.files() + r.bare(), "x/one.qpfm\na.pka\nb.pka\nc.pka\n");
+    const std::string expected = "x/one.qpfm|" + r.dir.path("b.pka") + ": pka.json: " + missing +
+                                 "\na.pka|The archive '" + r.dir.path("a.pka") +
+                                 "' is not a zip archive; check that it is the file you mean" +
+                                 "\nb.pka|pka.json: " + missing + "\n";
+    EXPECT_EQ(r.refusals(), expected);
+    EXPECT_EQ(r.mgr.getRefusals()[0].faulty, Dirs{r.dir.path("b.pka")});
+    EXPECT_EQ(r.mgr.getPlatform("one")->getBadReason(),
+              r.dir.path("b.pka") + ": pka.json: " + missing);
+    r.mgr.setProjectType(Type::PLATFORM);
+    EXPECT_TRUE(r.mgr.getPlatform("a")->isBad());
+    EXPECT_FALSE(r.mgr.getPlatform("c")->isBad());
+    HMAVPlatformMgr other;
+    HSTVector<HMAVHardwarePlatform*> bare;
+    other.getHardwarePlatformsFromDirs({r.dir.path()}, bare, true);
+    EXPECT_EQ(other.getRefusals().size(), 2U);
 }
 
 TEST(HMAVPlatformMgr, LookUpsAskEachPlatformAllThreeQuestionsInTurn) {
@@ -360,25 +381,28 @@ TEST(HMAVPlatformMgr, TheFirstGlobalSearchesTheDefaultDirectories) {
 }
 
 TEST(HMAVPlatformMgr, BoardPathsReachTheBoardDataOfTheHost) {
+    static std::string changes;
     struct Board final : HBOBoardCDataManager {
         void setBoardPartRepoPaths(const HSTVector<std::string>& paths, bool& changed) override {
             HBOBoardCDataManager::setBoardPartRepoPaths(paths, changed);
             changes += changed ? "y" : "n";
         }
-        std::string changes;
     };
     HBOBoardCDataManager::setFactory([]() -> HBOBoardCDataManager* { return new Board; });
     HMAVPlatformMgr mgr;
+    HBOBoardCDataManager::setFactory([]() -> HBOBoardCDataManager* { return nullptr; });
+    HMAVPlatformMgr withoutBoards;
     HBOBoardCDataManager::setFactory(nullptr);
-    for (const Dirs& paths : {Dirs{"a", "b"}, Dirs{"a", "b"}, Dirs{"b"}}) {
+    withoutBoards.setBoardRepoPaths({"a"});
+    EXPECT_NE(withoutBoards.getBoardDataMgr(), nullptr) << "the default host's";
+    for (const Dirs& paths : {Dirs{"a", "b"}, Dirs{"a", "b"}, Dirs{"b"}})
         mgr.setBoardRepoPaths(paths);
-    }
+    EXPECT_EQ(changes, "yny");
     Dirs out{"gone"};
     mgr.getBoardRepoPaths(out);
     EXPECT_EQ(out, Dirs{"b"});
     mgr.getBoardDataMgr()->getBoardPartRepoPaths(out);
     EXPECT_EQ(out, Dirs{"b"});
-    EXPECT_EQ(dynamic_cast<Board*>(mgr.getBoardDataMgr())->changes, "yny");
 }
 
 }  // namespace

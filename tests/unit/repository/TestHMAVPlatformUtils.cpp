@@ -75,18 +75,17 @@ TEST_F(PlatformUtils, FieldsAreComparedExactlyPartsInAnyCaseAndEmptyTextsMatchAl
     EXPECT_EQ(by("", "", "", "b1"), "c a ");
     EXPECT_EQ(by("", "", "V1", ""), "");
 
+    const auto boards = [](const char* category, const char* family, const char* vendor) {
+        Texts out;
+        Utils::getBoardsByCategoryFamilyAndVendor(category, family, vendor, out);
+        return out;
+    };
+    EXPECT_EQ(boards("", "", ""), (Texts{"b1", "b2"}));
+    EXPECT_EQ(boards("", "other", "v1"), Texts{"b2"});
     Texts out{"kept"};
     Utils::getSupportedFpgaParts(out);
-    EXPECT_EQ(out, (Texts{"kept", "XC-1"}));
-    out.clear();
-    Utils::getBoardsByCategoryFamilyAndVendor("", "", "", out);
-    EXPECT_EQ(out, (Texts{"b1", "b2"}));
-    out.clear();
     Utils::getBoardsByPartAndVendor("XC-1", "v1", out);
-    EXPECT_EQ(out, (Texts{"b1", "b2"}));
-    out.clear();
-    Utils::getBoardsByCategoryFamilyAndVendor("", "other", "v1", out);
-    EXPECT_EQ(out, Texts{"b2"});
+    EXPECT_EQ(out, (Texts{"kept", "XC-1", "b1", "b2"}));
 
     EXPECT_EQ(Utils::getFpgaPart("C"), "XC-1");
     EXPECT_EQ(Utils::getDevice("c"), "d-XC-1");
@@ -124,6 +123,7 @@ TEST_F(PlatformUtils, VersionsCompareByTwoNumbersWithinVendorBoardAndName) {
                   identity("v", "b", "n", majors[i], minors[i]));
     }
     described(dir, "other", identity("v", "b2", "n", "1", "0"));
+    bareArchive(dir, "bare.pka", identity("v", "b2", "n", "2", "0"));
     search();
     Platforms all;
     mgr()->getPlatforms(all);
@@ -134,10 +134,23 @@ TEST_F(PlatformUtils, VersionsCompareByTwoNumbersWithinVendorBoardAndName) {
         << "compared with what was found";
     EXPECT_FALSE(Utils::isLatestVersion(all[0]));
     EXPECT_TRUE(Utils::isLatestVersion(all[1]));
+    EXPECT_FALSE(Utils::isLatestVersion(all[3])) << "bare archives are asked too";
     EXPECT_TRUE(Utils::isLatestVersion(all[0], {all[0], all[0], all[2], nullptr}));
     EXPECT_FALSE(Utils::isLatestVersion(nullptr));
     const HMAVPlatform empty;
     EXPECT_TRUE(Utils::isLatestVersion(&empty));
+
+    HMAVPlatform partitioned;
+    const std::shared_ptr<HPLPlatform> hardware = partitioned.createMutableHardwarePlatform();
+    hardware->setVendor("v");
+    hardware->setBoardId("b");
+    hardware->setName("n");
+    auto* const partition = new HMAVReconfigurablePartition(7);
+    partition->setHardwarePlatform(hardware.get());
+    partitioned.addReconfigurablePartition(partition);
+    EXPECT_TRUE(Utils::isLatestVersion(&partitioned));
+    partitioned.setDefaultRPId(7);
+    EXPECT_FALSE(Utils::isLatestVersion(&partitioned)) << "the default partition's hardware";
 }
 
 TEST_F(PlatformUtils, OnlyTheInstallationDirectoryItselfMakesAFactoryPlatform) {

@@ -47,12 +47,15 @@ TEST(NativePlatformRepoService, TheRepositoryPathHoldsEachDirectoryOnce) {
     dir.write("file", "");
     fs::create_directory_symlink("a", dir.path("link"));
     OtherDefaults service(dir.path("d"));
-    const Texts dirs{dir.path("b"),      dir.path("link"), dir.path("file"),
-                     dir.path("absent"), dir.path("a"),    dir.path("b/.")};
+    Texts dirs{dir.path("b"),      dir.path("link"), dir.path("file"),
+               dir.path("absent"), dir.path("a"),    dir.path("b/.")};
+    const Texts given = dirs;
     EXPECT_EQ(service.getPlatformRepoPath(dirs, false), dir.path("b") + ":" + dir.path("a"));
     EXPECT_EQ(service.getPlatformRepoPath(dirs, true),
               dir.path("b") + ":" + dir.path("a") + ":" + dir.path("d"));
-    EXPECT_EQ(service.getPlatformRepoPath({dir.path("file")}, false), "");
+    EXPECT_EQ(dirs, given);
+    dirs = {dir.path("file")};
+    EXPECT_EQ(service.getPlatformRepoPath(dirs, false), "");
 }
 
 TEST(NativePlatformRepoService, DescriptionsAreFoundByStemAtAnyDepth) {
@@ -84,12 +87,22 @@ TEST(NativePlatformRepoService, DescriptionsAreFoundByStemAtAnyDepth) {
     service.getQpfmFiles("card", dir.path("absent") + ":" + dir.path("one") + "/.:", out);
     EXPECT_EQ(out, (Texts{"kept", deep, dir.path("one/link/Card.qpfm")}));
 
+    fs::create_directory(dir.path("many"));
+    std::string fromMany;
+    for (int link = 10; link < 40; ++link) {
+        const std::string name = std::string("many/").append(std::to_string(link));
+        fs::create_directory_symlink("../two", dir.path(name));
+        fromMany += name + "/Card.qpfm\n";
+    }
+    fs::remove(dir.path("two/up"));
+    EXPECT_EQ(found("", {dir.path("many")}, false), fromMany) << "links are followed as given";
+
     fs::create_directory(dir.path("one/locked"));
     fs::permissions(dir.path(), fs::perms::all);
     fs::permissions(dir.path("one/locked"), fs::perms::none);
     const Unprivileged rights;
     testing::internal::CaptureStderr();
-    EXPECT_EQ(found("", {dir.path("one"), dir.path("two/up/two")}, true), fromOne.substr(0, 24));
+    EXPECT_EQ(found("", {dir.path("one"), dir.path("two")}, true), fromOne.substr(0, 24));
     EXPECT_EQ(found("other", {dir.path("one"), dir.path("one")}, true), "");
     const std::string line = "Exception: The directory '" + dir.path("one/locked") +
                              "' cannot be read: Permission denied\n";

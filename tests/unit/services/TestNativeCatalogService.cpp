@@ -6,6 +6,7 @@
 #include "mav_platform/PlatformLoader.h"
 #include "support/Archives.h"
 #include "support/Json.h"
+#include "support/Paths.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ using mav_platform::PlatformLoader;
 
 const NativeCatalogService SERVICE;
 
-const std::string SAMPLES = std::string(MAV_BINARY_DIR) + "/share/mav/samples/";
+const std::string SAMPLES = std::string(BINARY_DIR) + "/share/mav/samples/";
 
 constexpr const char* HARDWARE =
     R"(, "unifiedPlatform": true, "platformState": "impl", "usesPR": true, "hardware": true,
@@ -50,7 +51,7 @@ TEST(NativeCatalogService, SumsAnArchiveUp) {
     const std::string path =
         packArchive(dir, "a.pka", {{"pka.json", metadata(HARDWARE)}, {"a.hpfm", ""}});
     const std::string head =
-        "baseName=a\nversion=3.1\ntype=pellux\ndataCenter=false\nembedded=false\n"
+        "baseName=a\nversion=\ntype=pellux\ndataCenter=false\nembedded=false\n"
         "externalHost=false\nserverManaged=true\nplatformState=impl\nusesPR=true\nplatformFile=" +
         path + "\nplatformHwFile=" + path +
         "\nplatformHwEmuFile=\nhpfmFile=<DSA>/a.hpfm\nsystemClockCount=2\nhwEmuHpfmFile=\n"
@@ -78,7 +79,12 @@ TEST(NativeCatalogService, PartitionsAndEmulationPlatforms) {
               "id platformState usesPR platformHwFile platformHwEmuFile hpfmFile systemClockCount "
               "hwEmuHpfmFile hwEmuSystemClockCount partArchitecture dpeArchitecture ");
     EXPECT_EQ(partitions.front().second.get<std::string>("dpeArchitecture"), "DPE_A");
-    EXPECT_EQ(board.get<std::string>("twoHwEmuBd"), "true");
+    EXPECT_EQ(board.get<std::string>("twoHwEmuBd"), "false") << "the partitions' archives";
+    EXPECT_EQ(board.get<std::string>("version"), "2.0");
+    for (const char* key : {"platformHwFile", "platformHwEmuFile"}) {
+        EXPECT_EQ(board.get<std::string>(key), partitions.back().second.get<std::string>(key))
+            << "that of the default partition";
+    }
     EXPECT_EQ(infoOf(SAMPLES + "ostrivel_e7/ostrivel_e7.qpfm", false, false)
                   .get<std::string>("twoHwEmuBd"),
               "true");

@@ -7,6 +7,7 @@
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "support/Doubles.h"
 #include "support/Json.h"
+#include "support/Paths.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ const NativeDocService SERVICE;
 
 /// The documentation that ships, without the application root of another test.
 ptree shipped() {
-    const EnvVar root("MAV_APP_ROOT", std::string(MAV_BINARY_DIR) + "/share/mav");
+    const EnvVar root("MAV_APP_ROOT", std::string(BINARY_DIR) + "/share/mav");
     ptree doc;
     EXPECT_TRUE(SERVICE.getFromFile(doc));
     return doc;
@@ -42,8 +43,13 @@ TEST(NativeDocService, BranchesByClassMemberAndPath) {
     EXPECT_TRUE(SERVICE.isValidDocKey(doc, "list_keys"));
     EXPECT_EQ(console.text(), "");
     std::string expected;
+    EXPECT_EQ(SERVICE.getDocKeyBranch(doc,
+                                      "HMAVPlatform.hardwarePlatforms.hardwarePlatform."
+                                      "systemClocks[0].frequency"),
+              clock);
+    EXPECT_EQ(SERVICE.getDocKeyBranch(doc, "HMAVSystemClock.frequency.unit").data(), "MHz");
     for (const char* key : {"", "nothing", "HMAVSystemClock.Frequency", "vendor.more",
-                            "hardwarePlatform.name.more", "HMAVPlatform.vendor.meaning"}) {
+                            "hardwarePlatform.name.more"}) {
         EXPECT_TRUE(SERVICE.getDocKeyBranch(doc, key).empty()) << key;
         EXPECT_FALSE(SERVICE.isValidDocKey(doc, key));
         expected.append("Could not find the specified key: <").append(key).append(">.\n");
@@ -77,8 +83,12 @@ TEST(NativeDocService, FilesThatAreMissingOrDamaged) {
                                 " >. Check the install area.  Can not continue with this task.\n";
     EXPECT_EQ(console.text(), missing + missing + "Exception: Failed to read platform: " + file +
                                   "(1): expected key string\n");
-    dir.write("platforms/platform_keys_doc.json", R"({"documentation_keys": {"A": {"b": {}}}})");
+    dir.write("platforms/platform_keys_doc.json", R"({"documentation_keys":
+        {"A": {"b": {"c": {"d": "1"}}, "b.c": {"d": "2"}}, "A.b": {"c": {"e": "3"}}}})");
     EXPECT_TRUE(SERVICE.isValidDocKey(doc, "A.b")) << "read when it is asked for";
+    // The longest documented key wins; a shorter one serves where that leads nowhere.
+    EXPECT_EQ(SERVICE.getDocKeyBranch(doc, "A.b.c.e").data(), "3");
+    EXPECT_EQ(SERVICE.getDocKeyBranch(doc, "A.b.c.d").data(), "2");
 }
 
 }  // namespace

@@ -86,6 +86,11 @@ TEST(NativeObjectService, FindsTheRootOfTheHardwarePlatform) {
     EXPECT_EQ(rewritten(DEFAULT, "hardwarePlatform.n"), "hardwarePlatforms.hardwarePlatform.n");
     EXPECT_EQ(rewritten(PARTITION, "hardwarePlatform.n"),
               "hardwarePlatforms.reconfigurablePartitions[0].hardwarePlatform.n");
+    for (const char* marked :
+         {"hardwarePlatform[].n", "hardwarePlatform[*][].n", "[]hardwarePlatform.n"}) {
+        EXPECT_EQ(rewritten(DEFAULT, marked), "hardwarePlatforms.hardwarePlatform.n") << marked;
+        EXPECT_TRUE(SERVICE.isLegacyHwPlatformPath(marked));
+    }
     EXPECT_EQ(rewritten(LEGACY, "hardwarePlatform"), "hardwarePlatform");
     EXPECT_EQ(rewritten(R"({"k": "v"})", "hardwarePlatform"), "hardwarePlatforms.hardwarePlatform");
     for (const char* other :

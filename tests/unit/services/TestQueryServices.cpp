@@ -36,7 +36,8 @@ class QueryServices : public testing::Test {
     std::string file_ = packArchive(
         dir_, "a.pka", {{"pka.json", metadata(R"(, "systemClocks": [{"name": "c0", "id": "0",
             "frequency": "100"}, {"name": "c1", "id": "7"}], "memories": [{"name": "m",
-            "configParams": [{"name": "p", "value": "1"}, {"name": "q", "value": "2"}]}])")}});
+            "configParams": [{"name": "p", "value": "1"}, {"name": "q", "value": "2"}]}],
+            "extensions": {"l": [{"a": [{"v": "1"}, {"v": "2"}]}, "x", {"a": [{"v": "3"}]}]})")}});
     PlatformLoader loader_{file_, PlatformLoader::HW_METADATA_AUTO};
 };
 
@@ -54,6 +55,20 @@ TEST_F(QueryServices, KeysInOrderOfAppearance) {
     EXPECT_EQ(service.get(file_), own);
     EXPECT_EQ(tree(service.getAsJsonStr(file_)), own);
     EXPECT_EQ(service.getAsJsonStr(&loader_), service.getAsJsonStr(file_));
+}
+
+TEST_F(QueryServices, WhatLoadsAtTheDepthLimitIsAnswered) {
+    constexpr int DEEPEST = 511;
+    const std::string deep = packArchive(
+        dir_, "deep.pka",
+        {{"pka.json", metadata(R"(, "extensions": {"k": )" + std::string(DEEPEST - 1, '[') + "1" +
+                               std::string(DEEPEST - 1, ']') + "}")}});
+    bool found = false;
+    EXPECT_FALSE(NativeKeyService().get(deep).empty());
+    EXPECT_EQ(
+        NativeDictService().getAsDict(deep, "hardwarePlatform.extensions", found).front().second,
+        "1");
+    EXPECT_FALSE(NativeObjectService().getNodeByPath(deep, "hardwarePlatform", found).empty());
 }
 
 TEST_F(QueryServices, DictionariesOfNodes) {
@@ -95,7 +110,9 @@ TEST_F(QueryServices, FilteredDictionaries) {
     EXPECT_EQ(filtered(clocks + "[0]", keys), "id=0\nfrequency=100\n");
     EXPECT_EQ(filtered(clocks + "[*].id", keys), "[0]=0\n[1]=7\n");
     EXPECT_EQ(filtered("hardwarePlatform.memories[*].configParams[*]", {"value"}),
-              "[0].value=1\n[1].value=2\n");
+              "[0][0].value=1\n[0][1].value=2\n");
+    EXPECT_EQ(filtered("hardwarePlatform[].extensions.l[*].a[*]", {"v"}),
+              "[0][0].v=1\n[0][1].v=2\n[2][0].v=3\n");
     EXPECT_EQ(filtered(clocks + "[*]", {"none"}), "");
     EXPECT_EQ(filtered("nowhere[*]", keys), "");
 }

@@ -9,7 +9,8 @@
 #include "mav_platform/HMAVNativeCatalogService.h"
 #include "mav_platform/PlatformLoader.h"
 #include "mav_platform/PlatformParseException.h"
-#include "support/Archives.h"
+#include "support/Paths.h"
+#include "support/Platforms.h"
 #include "support/ZipFixture.h"
 
 namespace {
@@ -68,25 +69,22 @@ class SupportPolicy : public testing::Test {
         const bool supported = ask(&loader, reason);
         return (supported ? YES : NO) + reason;
     }
+    std::string judgedOf(const std::string& more, const std::string& tool, const Ask& ask) {
+        service_.setTestCompilerVersion_(tool);
+        return judged(platform(more), ask);
+    }
     std::string warrantyOf(const std::string& more, const std::string& tool,
                            const std::string& product = "mav") {
-        service_.setTestCompilerVersion_(tool);
-        return judged(platform(more), [&](PlatformLoader* loader, std::string& reason) {
+        return judgedOf(more, tool, [&](PlatformLoader* loader, std::string& reason) {
             return service_.isUnderWarranty(loader, reason, product);
         });
     }
-    std::string preSynthOf(const std::string& more, const std::string& tool) {
-        service_.setTestCompilerVersion_(tool);
-        return judged(platform(more), [&](PlatformLoader* loader, std::string& reason) {
-            return service_.isPreSynthPlatformSupported(loader, reason);
-        });
-    }
-    std::string archiveOf(const std::string& more, const std::string& tool) {
-        service_.setTestCompilerVersion_(tool);
-        return judged(platform(more), [&](PlatformLoader* loader, std::string& reason) {
-            return service_.canDsaBeOpened(loader, reason);
-        });
-    }
+    const Ask preSynth_ = [this](PlatformLoader* loader, std::string& reason) {
+        return service_.isPreSynthPlatformSupported(loader, reason);
+    };
+    const Ask archive_ = [this](PlatformLoader* loader, std::string& reason) {
+        return service_.canDsaBeOpened(loader, reason);
+    };
 
     TempDir dir_;
     EnvVar root_{"MAV_APP_ROOT", dir_.path()};
@@ -125,22 +123,36 @@ TEST_F(SupportPolicy, ReleaseRules) {
               NO + refusal("0.0", "2026.1", OLDER));
 }
 
+TEST_F(SupportPolicy, WhatOnePlatformThrowsLeavesTheOthersIn) {
+    struct NoKey final : mav_host::KeyProvider {
+        std::optional<std::string> key() const override { throw std::bad_alloc(); }
+    };
+    putList("{}");
+    described(dir_, "asked", metadata(CARD + created("2026.1")));
+    described(dir_, "unasked", metadata(created("2026.1")));
+    service_.setTestCompilerVersion_("2026.1");
+    NoKey provider;
+    mav_host::KeyProvider* const before = mav_host::setKeyProvider(&provider);
+    const std::string text = service_.getAllAsJsonStr(dir_.path(), true, false);
+    mav_host::setKeyProvider(before);
+    EXPECT_EQ(text.find("\"asked\""), std::string::npos) << text;
+    EXPECT_NE(text.find("\"unasked\""), std::string::npos) << text;
+    EXPECT_EQ(console_.text(), "Error: failed to load platform: std::bad_alloc\n");
+}
+
 TEST_F(SupportPolicy, KindComesBeforeReleases) {
     putList(R"({"white_list": [{"products": ["mav"], "key": "hardwarePlatform.name",
                                 "value": "card"}]})");
-    const std::string old = R"(, "generatedVersion": "2012.1")";
-    EXPECT_EQ(warrantyOf(CARD + old, "2026.1"), NO + NAME + NOT_UNIFIED);
-    EXPECT_EQ(warrantyOf(created("2030.1"), "2026.1"), "+") << "no intent is an embedded platform";
-    for (const char* intent : {"dataCenter", "serverManaged", "externalHost"}) {
-        const std::string more =
-            std::string(R"(, "designIntent": {"embedded": {"value": true}, ")") + intent +
-            R"(": {"value": true}})";
-        EXPECT_EQ(warrantyOf(more + created("2030.1"), "2026.1"),
-                  NO + refusal("2030.1", "2026.1", NEWER));
-    }
-    EXPECT_EQ(warrantyOf(R"(, "designIntent": {"embedded": {"value": true}})" + created("2030.1"),
-                         "2026.1"),
-              "+");
+    const std::string late = created("2030.1");
+    EXPECT_EQ(warrantyOf(CARD + std::string(R"(, "generatedVersion": "2012.1")"), "2026.1"),
+              NO + NAME + NOT_UNIFIED);
+    EXPECT_EQ(warrantyOf(late, "2026.1"), "+") << "no intent is an embedded platform";
+    const std::string embedded = R"(, "designIntent": {"embedded": {"value": true})";
+    EXPECT_EQ(warrantyOf(embedded + "}" + late, "2026.1"), "+");
+    for (const std::string intent : {"dataCenter", "serverManaged", "externalHost"})
+        EXPECT_EQ(
+            warrantyOf(embedded + ", \"" + intent + R"(": {"value": true}})" + late, "2026.1"),
+            NO + refusal("2030.1", "2026.1", NEWER));
     EXPECT_TRUE(messages_.all.empty()) << messages_.text();
 }
 
@@ -164,80 +176,73 @@ TEST_F(SupportPolicy, ExtendedWarranty) {
 
 TEST_F(SupportPolicy, SupportList) {
     const auto entry = [](const std::string& value, const std::string& more = "",
-                          const std::string& products = R"(["other", "mav"])") {
-        return R"({"products": )" + products + R"(, "key": "hardwarePlatform.name", "value": ")" +
-               value + "\"" + more + "}";
-    };
-    const auto list = [&](const std::string& white, const std::string& black) {
-        putList(R"({"white_list": [)" + white + R"(], "black_list": [)" + black + "]}");
+                          const std::string& key = "hardwarePlatform.name") {
+        return R"({"products": ["other", "mav"], "key": ")" + key + R"(", "value": ")" + value +
+               "\"" + more + "}";
     };
     const std::string fresh = CARD + created("2026.1");
     const std::string old = CARD + created("2015.1");
+    const std::string extended = fresh + warranty(R"(["2026.1"])");
     const std::string oldRefused = NO + refusal("2015.1", "2026.1", OLDER);
-    list(entry("card"), "");
+    const struct {
+        std::string white, black, platform, answer;
+    } rows[] = {
+        {entry("card"), "", old, YES + GOOD},
+        {entry("card"), "", CARD + created("2026.2"), NO + refusal("2026.2", "2026.1", NEWER)},
+        {"", entry("card"), fresh, NO + BAD},
+        // An extended warranty wins over the list, and the black list over the white one.
+        {"", entry("card"), extended, YES + EXTENDED},
+        {entry("card"), entry("Card") + "," + entry("card", R"(, "reason": "Clock drifts.")"),
+         fresh, NO + BAD + " Reason: Clock drifts."},
+        {entry("card", R"(, "reason": "first")") + "," + entry("card", R"(, "reason": "second")"),
+         R"({"products": ["none"], "key": "hardwarePlatform.name", "value": "card"})", old,
+         YES + GOOD + " Reason: first"},
+        {entry("Pellux", "", "type"), "", old, YES + GOOD},
+        {entry("", "", "no.such"), "", old, oldRefused},
+        {"", "", fresh, "+"},
+    };
+    for (const auto& row : rows) {
+        putList(R"({"white_list": [)" + row.white + R"(], "black_list": [)" + row.black + "]}");
+        EXPECT_EQ(warrantyOf(row.platform, "2026.1"), row.answer) << row.white << row.black;
+    }
+    putList(R"({"white_list": [)" + entry("card") + "]}");
     EXPECT_EQ(warrantyOf(old, "2026.1"), YES + GOOD);
     EXPECT_EQ(warrantyOf(old, "2026.1", "pellux"), oldRefused) << "a list of another product";
-    EXPECT_EQ(warrantyOf(CARD + created("2026.2"), "2026.1"),
-              NO + refusal("2026.2", "2026.1", NEWER));
-    list("", entry("card"));
-    EXPECT_EQ(warrantyOf(fresh, "2026.1"), NO + BAD);
-    EXPECT_EQ(warrantyOf(fresh + warranty(R"(["2026.1"])"), "2026.1"), YES + EXTENDED)
-        << "an extended warranty wins over the list";
-    list(entry("card"), entry("Card") + "," + entry("card", R"(, "reason": "Clock drifts.")"));
-    EXPECT_EQ(warrantyOf(fresh, "2026.1"), NO + BAD + " Reason: Clock drifts.")
-        << "the black list is asked first wherever it stands; values are compared exactly";
-    list(entry("card", R"(, "reason": "first")") + "," + entry("card", R"(, "reason": "second")"),
-         entry("card", "", R"(["none"])"));
-    EXPECT_EQ(warrantyOf(old, "2026.1"), YES + GOOD + " Reason: first");
-    putList(R"({"white_list": [{"products": ["mav"], "key": "type", "value": "Pellux"}]})");
-    EXPECT_EQ(warrantyOf(old, "2026.1"), YES + GOOD) << "any path of the document";
-    putList(R"({"white_list": [{"products": ["mav"], "key": "no.such", "value": ""}]})");
-    EXPECT_EQ(warrantyOf(old, "2026.1"), oldRefused);
-    putList(R"({"white_list": []})");
-    EXPECT_EQ(warrantyOf(fresh, "2026.1"), "+");
     EXPECT_FALSE(messages_.has("@74-49@") || messages_.has("@74-50@")) << messages_.text();
 }
 
 TEST_F(SupportPolicy, ListsThatCannotBeUsed) {
-    const std::string fresh = CARD + created("2026.1");
     const auto told = [&](const std::string& id) {
         messages_.all.clear();
-        EXPECT_EQ(warrantyOf(fresh, "2026.1"), "+");
+        EXPECT_EQ(warrantyOf(CARD + created("2026.1"), "2026.1"), "+");
         const std::string status = "@74-78@%s|2026.1\n";
         EXPECT_EQ(messages_.text(), id.empty() ? status : status + id + "|" + listPath() + "\n");
-        EXPECT_EQ(messages_.all.front().mask, ComMsgMgr::STATUS);
-        EXPECT_EQ(messages_.all.back().mask, id.empty() ? ComMsgMgr::STATUS : ComMsgMgr::WARNING);
         HUTFileUtils::removeDirs(dir_.path("platforms"));
     };
-    constexpr const char* UNUSABLE = "@74-49@%s";
-    constexpr const char* MALFORMED = "@74-50@%s";
     const std::string good = R"({"black_list": [{"products": ["mav"],
         "key": "hardwarePlatform.name", "value": "card"}]})";
     told("");
     HUTFileUtils::makeDirs(listPath());
-    told(UNUSABLE);
+    told("@74-49@%s");
     dir_.write("platforms/achromatic", good);
-    told(UNUSABLE);
-    for (const char* empty : {"", "{}", "[]", "{\"black_list\": ["}) {
-        putList(empty);
-        told(UNUSABLE);
-    }
+    told("@74-49@%s");
     putList(good);
     std::string tampered = dir_.read("platforms/achromatic");
     tampered[tampered.size() / 2] = static_cast<char>(tampered[tampered.size() / 2] ^ 1);
     dir_.write("platforms/achromatic", tampered);
-    told(UNUSABLE);
+    told("@74-49@%s");
     {
         putList(good);
         const HostKey none(std::nullopt);
-        told(UNUSABLE);
+        told("@74-49@%s");
     }
-    for (const char* malformed :
-         {R"({"black_list": [], "grey_list": []})", R"({"black_list": [{"key": "a"}]})",
-          R"({"black_list": {"products": ["mav"]}})", R"({"white_list": "text"})",
-          R"({"white_list": [{"products": "mav"}]})", R"([["black_list"]])"}) {
-        putList(malformed);
-        told(MALFORMED);
+    for (const std::string list :
+         {"", "{}", "[]", "{\"black_list\": [", R"({"black_list": [], "grey_list": []} )",
+          R"({"black_list": [{"key": "a"}]} )", R"({"black_list": {"products": ["mav"]}} )",
+          R"({"white_list": "text"} )", R"({"white_list": [{"products": "mav"}]} )",
+          R"([["black_list"]] )"}) {
+        putList(list);
+        told(list.ends_with(' ') ? "@74-50@%s" : "@74-49@%s");
     }
 }
 
@@ -246,41 +251,37 @@ TEST_F(SupportPolicy, VersionlessTool) {
         "Critical Warning: the current tool is versionless, please set the appropriate product "
         "name/version";
     EXPECT_EQ(warrantyOf(CARD + created("2019.1"), ""), "+");
-    EXPECT_EQ(console_.text(), warning + "\n");
     EXPECT_EQ(warrantyOf(CARD + created("2019.2"), ""), NO + refusal("2019.2", "2019.1", NEWER));
-    EXPECT_EQ(archiveOf(created("2019.1"), ""), "+");
-    EXPECT_EQ(console_.text(), warning + "\n" + warning + "\n" + warning + "\n");
-    const std::size_t before = console_.text().size();
+    EXPECT_EQ(judgedOf(created("2019.1"), "", archive_), "+");
     const std::string state = R"(, "platformState": "pre_synth")";
-    EXPECT_EQ(preSynthOf(created("2020.1") + state, ""), "+");
-    EXPECT_EQ(console_.text().substr(before),
-              warning + ". Setting a default value of 2020.1 for the major and minor version.\n");
-    const EnvVar release("MAV_TOOL_RELEASE", "0");
-    EXPECT_EQ(NativeCatalogService().getCompilerVersion_(), "");
-    const EnvVar other("MAV_TOOL_RELEASE", "2031.2");
-    EXPECT_EQ(NativeCatalogService().getCompilerVersion_(), "2031.2");
+    EXPECT_EQ(judgedOf(created("2020.1") + state, "", preSynth_), "+");
+    EXPECT_EQ(console_.text(),
+              warning + "\n" + warning + "\n" + warning + "\n" + warning +
+                  ". Setting a default value of 2020.1 for the major and minor version.\n");
+    for (const auto& [release, version] : {std::pair("0", ""), std::pair("2031.2", "2031.2")}) {
+        const EnvVar variable("MAV_TOOL_RELEASE", release);
+        EXPECT_EQ(NativeCatalogService().getCompilerVersion_(), version);
+    }
 }
 
 TEST_F(SupportPolicy, PreSynthesis) {
     const std::string state = R"(, "platformState": "pre_synth")";
-    EXPECT_EQ(preSynthOf(state + created("2026.1"), "2026.1"), "+");
-    for (const char* tool : {"2026.2", "2027.1"})
-        EXPECT_EQ(preSynthOf(state + created("2026.1"), tool),
+    const std::string late = state + created("2026.1");
+    EXPECT_EQ(judgedOf(late, "2026.1", preSynth_), "+");
+    for (const std::string tool : {"2026.2", "2027.1"})
+        EXPECT_EQ(judgedOf(late, tool, preSynth_),
                   NO + NAME +
                       " (version 2026.1) is a PRE_SYNTH platform and is not supported by the "
                       "current tool version (" +
                       tool +
                       "). By policy, platforms are only supported on the same tool release on "
                       "which the platform was created.");
-    EXPECT_EQ(preSynthOf(state + created("2026.2"), "2026.1"),
+    EXPECT_EQ(judgedOf(state + created("2026.2"), "2026.1", preSynth_),
               NO + refusal("2026.2", "2026.1", NEWER));
-    EXPECT_EQ(preSynthOf(state, "2026.1"), NO + NAME + NOT_UNIFIED);
-    EXPECT_EQ(preSynthOf(R"(, "platformState": "synth")" + created("2026.1"), "2026.1"),
+    EXPECT_EQ(judgedOf(state, "2026.1", preSynth_), NO + NAME + NOT_UNIFIED);
+    EXPECT_EQ(judgedOf(R"(, "platformState": "synth")" + created("2026.1"), "2026.1", preSynth_),
               NO + NAME + " is not a PRE_SYNTH platform");
-    EXPECT_EQ(judged("/nowhere/a.pka",
-                     [&](PlatformLoader* loader, std::string& reason) {
-                         return service_.isPreSynthPlatformSupported(loader, reason);
-                     }),
+    EXPECT_EQ(judged("/nowhere/a.pka", preSynth_),
               "-Failed to load the platform. Can not continue with establishing platform support "
               "with respect to the tool flow.");
 }
@@ -292,10 +293,9 @@ TEST_F(SupportPolicy, IsPreSynthPlatform) {
     };
     EXPECT_TRUE(answer(platform(R"(, "platformState": "pre_synth")")));
     EXPECT_FALSE(answer(platform(R"(, "platformState": "impl")")));
-    EXPECT_EQ(console_.text(), "");
     EXPECT_FALSE(service_.isPreSynthPlatform(nullptr));
     EXPECT_FALSE(answer("/nowhere/a.pka"));
-    EXPECT_FALSE(answer(std::string(MAV_SOURCE_DIR) + "/samples/ostrivel_e7/sw/ostrivel_e7.spfm"));
+    EXPECT_FALSE(answer(std::string(SOURCE_DIR) + "/samples/ostrivel_e7/sw/ostrivel_e7.spfm"));
     EXPECT_EQ(console_.text(),
               "Error: failed to acquire a platform loader.\n"
               "Error: failed to load platform.\n"
@@ -304,9 +304,9 @@ TEST_F(SupportPolicy, IsPreSynthPlatform) {
 
 TEST_F(SupportPolicy, DeviceSupportArchives) {
     const std::string dsa = "DSA 'a.pka'";
-    EXPECT_EQ(archiveOf(created("2012.1"), "2026.1"), "+") << "age does not matter";
-    EXPECT_EQ(archiveOf("", "2026.1"), NO + dsa + NOT_UNIFIED);
-    EXPECT_EQ(archiveOf(created("2026.2"), "2026.1"),
+    EXPECT_EQ(judgedOf(created("2012.1"), "2026.1", archive_), "+") << "age does not matter";
+    EXPECT_EQ(judgedOf("", "2026.1", archive_), NO + dsa + NOT_UNIFIED);
+    EXPECT_EQ(judgedOf(created("2026.2"), "2026.1", archive_),
               NO + refusal("2026.2", "2026.1",
                            "the DSA version can not be newer than the current tool version", dsa));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "formats/array_engine/HMAVDpePartitionsJsonReader.h"
+#include "mav_platform/HMAVDpePartitionsJsonReader.h"
 
 #include <boost/container_hash/hash.hpp>
 #include <charconv>
@@ -14,16 +14,12 @@
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
 #include "mav_platform/HMAVDpePartition.h"
+#include "mav_platform/HMAVHardwarePlatform.h"
 
 namespace {
 
 using mav_platform::json::Document;
 using mav_platform::json::Node;
-
-std::string textOf(const Node& entry, std::string_view key) {
-    const std::optional<Node> found = entry.find(key);
-    return found ? std::string(found->data()) : std::string();
-}
 
 /// The number of that key; 0 when it is absent or not wholly an integer.
 int numberOf(const Node& entry, std::string_view key) {
@@ -90,8 +86,8 @@ class HMAVDpePartitionsJsonReaderImpl {
         partition.dpeInst(std::string(entry.key()));
         partition.startColumn(numberOf(entry, "startColumn"));
         partition.numColumns(numberOf(entry, "numColumns"));
-        partition.uuid(textOf(entry, "uuid"));
-        partition.plIntefaceID(textOf(entry, "dpe_pl_intf_id"));
+        partition.uuid(entry.text("uuid"));
+        partition.plIntefaceID(entry.text("dpe_pl_intf_id"));
     }
 
     std::list<HMAVDpePartition> read_;
@@ -100,7 +96,7 @@ class HMAVDpePartitionsJsonReaderImpl {
 
 Document readDocument(const std::string& path) {
     try {
-        return Document(HUTFileUtils::readWhole(path, HUTZip::MAX_METADATA_SIZE), path);
+        return Document::fromBytes(HUTFileUtils::readWhole(path, HUTZip::MAX_METADATA_SIZE), path);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
@@ -114,7 +110,8 @@ Document readDocument(const std::string& path) {
 void HMAVDpePartitionsJsonReader::parse(const std::string& path) {
     if (!HUTFile::isFile(path)) return;
     const Document document = readDocument(path);
-    HMAVDpePartitionsJsonReaderImpl impl(partitions_);
+    std::list<HMAVDpePartition>& partitions = platform_->dpePartitions_;
+    HMAVDpePartitionsJsonReaderImpl impl(partitions);
     impl.parseDpe(document.root());
-    partitions_.splice(partitions_.end(), impl.read());
+    partitions.splice(partitions.end(), impl.read());
 }

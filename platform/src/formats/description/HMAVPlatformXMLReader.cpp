@@ -6,11 +6,10 @@
 #include <utility>
 
 #include "formats/description/MAVPlatformLMX.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVReconfigurablePartition.h"
 
@@ -38,17 +37,18 @@ void HMAVPlatformXMLReader::report_(const std::string& text, std::size_t line) {
     const std::string detail = "Line number:" + std::to_string(line) + ". " + text + "\n";
     mav_host::console() << head << "\n" << detail << std::flush;
     errorMsg_ += head + detail;
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-9@%s", {filePath_});
+    mav_host::report(mav_host::messages::DESCRIPTION_NOT_VALID, filePath_);
 }
 
 void HMAVPlatformXMLReader::parsePlatform_(const lmx::Platform& root) {
-    platform_->setVendor(HI18N::convert(root.vendor));
-    platform_->setLibrary(HI18N::convert(root.library));
-    platform_->setName(HI18N::convert(root.name));
-    platform_->setVersion(HI18N::convert(root.version.text));
-    platform_->setDescription(HI18N::convert(root.description));
+    platform_->setVendor(root.vendor);
+    platform_->setLibrary(root.library);
+    platform_->setName(root.name);
+    platform_->setVersion(root.version.text);
+    platform_->setDescription(root.description);
     if (!root.hardwarePlatforms)
         throw BindingError(
+            BindingError::Kind::Format,
             "element 'mav:platform': required element 'mav:hardwarePlatforms' is missing",
             root.line);
     parseHardwarePlatforms_(*root.hardwarePlatforms);
@@ -110,8 +110,8 @@ std::string HMAVPlatformXMLReader::join_(const FileReference& element) const {
     if (joined.empty()) joined.push_back('.');
     const std::string& separator = HUTFile::getDirSeparator();
     joined.reserve(joined.size() + element.path.size() + element.name.size() + 2);
-    joined.append(separator).append(HI18N::convert(element.path));
-    joined.append(separator).append(HI18N::convert(element.name));
+    joined.append(separator).append(element.path);
+    joined.append(separator).append(element.name);
     return joined;
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "formats/metadata/Fields.h"
+#include "formats/Fields.h"
 #include "json/Document.h"
 #include "mav_host/HUTZip.h"
 
@@ -33,17 +33,17 @@ struct Place {
 /// so that "./x" is "x".
 std::string normalizedMember(const std::string& member);
 
-/// Text of the member `place.member`. Nothing after a report "@74-34@%s%s" (archive, member) and
-/// the reason on the console; the first form opens the archive `place.path`.
+/// Text of the member `place.member`, of the size that an XML document may have. Nothing after a
+/// report "@74-34@%s%s" (archive, member); the first form opens the archive `place.path`.
 std::optional<std::string> readMember(const Place& place);
 std::optional<std::string> readMember(const mav_host::ZipArchive& archive, const Place& place);
 
-/// Text of the file `path`. Nothing after a report "@74-63@%s%s" (path, reason).
+/// Text of the file `path`, of that size. Nothing after a report "@74-63@%s%s" (path, reason).
 std::optional<std::string> readFile(const std::string& path);
 
 /// Parses a JSON text and hands its root to `read`, which throws for what it refuses. False after a
 /// report: "@74-64@%s%s%s" (archive, member, text) for a text that is no JSON, "@74-63@%s%s"
-/// (path, text) for all else. Keys that stand twice are reported as warnings.
+/// (path, text) for all else.
 using ReadRoot = std::function<void(const json::Node& root, metadata::Trail& trail)>;
 bool readJson(std::string text, const Place& place, const ReadRoot& read);
 

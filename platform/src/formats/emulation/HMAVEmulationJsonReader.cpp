@@ -6,7 +6,6 @@
 
 #include "formats/emulation/EmulationSource.h"
 #include "formats/emulation/MAVEmulationLMX.h"
-#include "mav_host/HI18N.h"
 
 namespace emulation = mav_platform::emulation;
 namespace lmx = mav_platform::lmx;
@@ -82,8 +81,7 @@ bool HMAVEmulationJsonReader::parseFromDsa(const mav_host::ZipArchive& archive,
 
 bool HMAVEmulationJsonReader::isJsonValid(const std::string& text) {
     try {
-        const mav_platform::json::Document document(
-            HI18N_isAscii(text) ? std::string(text) : HI18N_convertToUTF8(text));
+        const auto document = mav_platform::json::Document::fromBytes(text);
         return document.root().find("emulations").has_value();
     } catch (const boost::property_tree::json_parser::json_parser_error&) {
         return false;

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVEmulationXMLReader.h"
 
-#include <ostream>
-
 #include "formats/emulation/EmulationSource.h"
 #include "formats/emulation/MAVEmulationLMX.h"
-#include "mav_host/ComMsgMgr.h"
-#include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVEmulations.h"
 
 namespace emulation = mav_platform::emulation;
@@ -15,11 +12,7 @@ namespace lmx = mav_platform::lmx;
 namespace {
 
 void report(const std::string& file, const mav_host::xml::BindingError& error) {
-    const std::string line = std::to_string(error.line());
-    mav_host::console() << "Error parsing emulation metadata file: " << file
-                        << " Line number:" << line << ". " << error.what() << "\n"
-                        << std::flush;
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-24@%s%d", {file, line});
+    mav_host::report(mav_host::messages::EMULATION_NOT_VALID, file, std::to_string(error.line()));
 }
 
 }  // namespace

@@ -4,10 +4,10 @@
 #include <string_view>
 
 #include "formats/emulation/MAVEmulationLMX.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Messages.h"
 #include "mav_host/xml/Tree.h"
 #include "mav_platform/HMAVEmulations.h"
 
@@ -22,7 +22,7 @@ xml::Node& addElement(xml::Node& parent, const char* name) {
 }
 
 void addAttribute(xml::Node& node, const char* name, const std::string& value) {
-    node.attributes.push_back({name, HI18N::convert(value)});
+    node.attributes.push_back({name, HI18N_convertToUTF8(value)});
 }
 
 void addFile(xml::Node& files, const HMAVEmulationFile& file) {
@@ -57,8 +57,7 @@ std::string textOf(const HMAVEmulations& emulations) {
 
 bool HMAVEmulationXMLWriter::writeXml() {
     const auto fail = [&](const HEXError& error, const std::string& step, const std::string& more) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-15@%s%s%s%s",
-                           {path_, error.what(), step, more});
+        mav_host::report(mav_host::messages::FILE_NOT_PROCESSED, path_, error.what(), step, more);
         return false;
     };
     try {
@@ -72,6 +71,6 @@ bool HMAVEmulationXMLWriter::writeXml() {
     } catch (const HEXError& error) {
         return fail(error, "writing", "the file is as it was");
     }
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-10@%s", {path_});
+    mav_host::report(mav_host::messages::FILE_WRITTEN, path_);
     return true;
 }

@@ -7,21 +7,12 @@
 #include <vector>
 
 #include "formats/hpfm/MAVHpfmLMX.h"
-#include "mav_host/ComMsgMgr.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HPLPlatform.h"
 
 namespace lmx = mav_platform::lmx;
-
-namespace {
-
-std::string conv(const std::string& text) {
-    return HI18N::convert(text);
-}
-
-}  // namespace
 
 HMAVHpfmReader::HMAVHpfmReader(std::string text, HPLPlatform* platform)
     : text_(std::move(text)), platform_(platform) {
@@ -37,13 +28,14 @@ bool HMAVHpfmReader::parseFile() {
         mav_host::console() << errorMsg_ << std::flush;
         return false;
     }
+    source_ = Source::PATH;
+    document_.reset();
     try {
         document_ = std::make_unique<lmx::HpfmRepository>(lmx::hpfmFormat().parseFile(path_));
     } catch (const mav_host::xml::BindingError& error) {
-        errorMsg_ = std::string("Error parsing hardware platform file: ") + error.what() + ". " +
-                    "Line number:" + std::to_string(error.line());
-        mav_host::console() << errorMsg_ << "\n" << std::flush;
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-12@%s", {path_});
+        fail_("Error parsing hardware platform file: " + path_ + ": " + error.what() +
+              ". Line number:" + std::to_string(error.line()));
+        mav_host::report(mav_host::messages::HPFM_FILE_NOT_VALID);
         return false;
     }
     parseRepository_();
@@ -51,13 +43,14 @@ bool HMAVHpfmReader::parseFile() {
 }
 
 bool HMAVHpfmReader::parseStream() {
-    if (!bindText_()) return false;
+    if (source_ != Source::TEXT) bindText_();
+    if (!document_) return false;
     parseRepository_();
     return true;
 }
 
 bool HMAVHpfmReader::parseBusInterfaces() {
-    if (!bindText_()) return false;
+    if (!isBound_()) return false;
     walk_([this](const lmx::HpfmComponent& component) {
         for (const lmx::HpfmBusInterface& bus : component.busInterfaces) parseBusInterface_(bus);
     });
@@ -65,7 +58,7 @@ bool HMAVHpfmReader::parseBusInterfaces() {
 }
 
 bool HMAVHpfmReader::parseNocConnectivity() {
-    if (!bindText_()) return false;
+    if (!isBound_()) return false;
     for (const lmx::HpfmComponent& component : document_->components) {
         for (const lmx::HpfmNocConnectivity& noc : component.nocConnectivity) {
             parseNocConnectivity_(noc);
@@ -74,26 +67,33 @@ bool HMAVHpfmReader::parseNocConnectivity() {
     return true;
 }
 
-/// Binds the text unless a document is there; one that has failed fails again without a new report.
-bool HMAVHpfmReader::bindText_() {
-    if (document_) return true;
-    if (!errorMsg_.empty()) return false;
+/// True when what was parsed last has bound; the text is parsed when nothing was.
+bool HMAVHpfmReader::isBound_() {
+    if (source_ == Source::NONE) bindText_();
+    return document_ != nullptr;
+}
+
+void HMAVHpfmReader::bindText_() {
+    source_ = Source::TEXT;
+    document_.reset();
     if (text_.empty()) {
         document_ = std::make_unique<lmx::HpfmRepository>();
-        return true;
+        return;
     }
     try {
         document_ = std::make_unique<lmx::HpfmRepository>(lmx::hpfmFormat().parseText(text_));
-        return true;
     } catch (const mav_host::xml::BindingError& error) {
-        const std::string place = "line " + std::to_string(error.line()) + ": " + error.what();
-        errorMsg_ = "Error parsing hardware platform stream from DSA " + place;
-        mav_host::console() << errorMsg_ << "\n" << std::flush;
         const std::string archive = platform_ != nullptr ? platform_->getPlatformFile() : "";
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-31@%s",
-                           {archive.empty() ? place : archive + ": " + place});
-        return false;
+        fail_("Error parsing hardware platform stream from DSA line " +
+              std::to_string(error.line()) + ": " + error.what() +
+              (archive.empty() ? "" : ", in " + archive));
+        mav_host::report(mav_host::messages::HPFM_MEMBER_NOT_VALID);
     }
+}
+
+void HMAVHpfmReader::fail_(std::string text) {
+    errorMsg_ = std::move(text);
+    mav_host::console() << errorMsg_ << "\n" << std::flush;
 }
 
 /// Hands on each component, and reads the bus interfaces beside the components where they stand.
@@ -130,14 +130,14 @@ void HMAVHpfmReader::parseDeviceInfo_(const lmx::HpfmDeviceInfo& element) {
     HPLDevice* device =
         devices.empty() ? platform_->addDevice() : dynamic_cast<HPLDevice*>(devices.front());
     if (device == nullptr) return;
-    if (device->getName().empty()) device->setName(conv(element.device));
-    if (device->getFpgaPart().empty()) device->setFpgaPart(conv(element.name));
+    if (device->getName().empty()) device->setName(element.device);
+    if (device->getFpgaPart().empty()) device->setFpgaPart(element.name);
     HPLDevice::Part& part = device->getPart();
-    part.setName(conv(element.name));
-    part.setArchitecture(conv(element.architecture));
-    part.setDevice(conv(element.device));
-    part.setPackage(conv(element.package));
-    part.setSpeedGrade(conv(element.speedGrade));
+    part.setName(element.name);
+    part.setArchitecture(element.architecture);
+    part.setDevice(element.device);
+    part.setPackage(element.package);
+    part.setSpeedGrade(element.speedGrade);
 }
 
 void HMAVHpfmReader::parseSystemClocks_(const lmx::HpfmSystemClocks& element) {
@@ -145,13 +145,13 @@ void HMAVHpfmReader::parseSystemClocks_(const lmx::HpfmSystemClocks& element) {
     if (element.defaultClock) platform_->setDefaultClockId(*element.defaultClock);
     for (const lmx::HpfmClock& source : element.clocks) {
         HMAVSystemClock& clock = *platform_->addSystemClock();
-        clock.setName(conv(source.name));
-        clock.setOrigName(conv(source.name));
-        clock.setCompRef(conv(source.componentRef));
-        clock.setInstRef(conv(source.instanceRef));
-        clock.setStatus(conv(source.status));
-        clock.setFrequency(conv(source.frequency));
-        clock.setPeriod(conv(source.period));
+        clock.setName(source.name);
+        clock.setOrigName(source.name);
+        clock.setCompRef(source.componentRef);
+        clock.setInstRef(source.instanceRef);
+        clock.setStatus(source.status);
+        clock.setFrequency(source.frequency);
+        clock.setPeriod(source.period);
         if (!source.id) continue;
         clock.setId(*source.id);
         clock.setDisplayName("PL " + std::to_string(*source.id));
@@ -160,35 +160,35 @@ void HMAVHpfmReader::parseSystemClocks_(const lmx::HpfmSystemClocks& element) {
 
 void HMAVHpfmReader::parseBusInterface_(const lmx::HpfmBusInterface& element) {
     HMAVHardwareBusInterface& bus = *platform_->addBusInterface();
-    bus.setName(conv(element.name));
-    bus.setMode(conv(element.mode));
-    bus.setBusTypeRef(conv(element.busTypeRef));
-    bus.setBusInterfaceRef(conv(element.busInterfaceRef));
-    bus.setCompRef(conv(element.componentRef));
-    bus.setInstRef(conv(element.instanceRef));
-    bus.setClockRef(conv(element.clockRef));
-    bus.setResetRef(conv(element.resetRef));
-    bus.setMemPort(conv(element.memPort));
-    bus.setSPTag(conv(element.spTag));
-    bus.setSLR(conv(element.slr));
-    bus.setMemoryInstance(conv(element.memoryInstance));
+    bus.setName(element.name);
+    bus.setMode(element.mode);
+    bus.setBusTypeRef(element.busTypeRef);
+    bus.setBusInterfaceRef(element.busInterfaceRef);
+    bus.setCompRef(element.componentRef);
+    bus.setInstRef(element.instanceRef);
+    bus.setClockRef(element.clockRef);
+    bus.setResetRef(element.resetRef);
+    bus.setMemPort(element.memPort);
+    bus.setSPTag(element.spTag);
+    bus.setSLR(element.slr);
+    bus.setMemoryInstance(element.memoryInstance);
     bus.setDataWidth(element.dataWidth);
     bus.setNumIdBits(element.idBits);
-    bus.setDirection(conv(element.direction));
-    bus.setIsrId(conv(element.isrId));
-    bus.setCategory(conv(element.category));
+    bus.setDirection(element.direction);
+    bus.setIsrId(element.isrId);
+    bus.setCategory(element.category);
     for (const lmx::HpfmAddressSegment& source : element.addressSegments) {
         HMAVHardwareAddressSegment& segment = *bus.addAddressSegment();
-        segment.setName(conv(source.name));
-        segment.setBaseName(conv(source.baseName));
+        segment.setName(source.name);
+        segment.setBaseName(source.baseName);
         segment.setIndex(source.index);
-        segment.setInstRef(conv(source.instanceRef));
-        segment.setMemoryInstance(conv(source.memoryInstance));
-        segment.setSLR(conv(source.slr));
-        segment.setSPTag(conv(source.spTag));
-        segment.setAuto(conv(source.automatic));
+        segment.setInstRef(source.instanceRef);
+        segment.setMemoryInstance(source.memoryInstance);
+        segment.setSLR(source.slr);
+        segment.setSPTag(source.spTag);
+        segment.setAuto(source.automatic);
         segment.setMaxMasters(source.maxMasters);
-        segment.setRegion(conv(source.region));
+        segment.setRegion(source.region);
         segment.setReadBwUsed(source.readBwUsed);
         segment.setWriteBwUsed(source.writeBwUsed);
         segment.setInterleave(source.interleave);
@@ -199,25 +199,25 @@ void HMAVHpfmReader::parseBusInterface_(const lmx::HpfmBusInterface& element) {
 }
 
 void HMAVHpfmReader::updateHBMBankInfo_(const lmx::HpfmBusInterface& element) {
-    const std::string instance = conv(element.instanceRef);
+    const std::string instance = element.instanceRef;
     for (const lmx::HpfmAddressSegment& bank : element.addressSegments) {
-        platform_->updateHBMBankInfo(instance, conv(bank.name), bank.automatic);
+        platform_->updateHBMBankInfo(instance, bank.name, bank.automatic);
     }
 }
 
 void HMAVHpfmReader::parseParameter_(const lmx::HpfmParameter& element) {
     HMAVHardwareIPParam& parameter = *platform_->addHardwareIPParam();
-    parameter.setName(conv(element.name));
-    parameter.setValue(conv(element.value));
-    parameter.setValid(conv(element.isValid));
-    parameter.setCompRef(conv(element.componentRef));
-    parameter.setInstRef(conv(element.instanceRef));
+    parameter.setName(element.name);
+    parameter.setValue(element.value);
+    parameter.setValid(element.isValid);
+    parameter.setCompRef(element.componentRef);
+    parameter.setInstRef(element.instanceRef);
 }
 
 void HMAVHpfmReader::parseNocConnectivity_(const lmx::HpfmNocConnectivity& element) {
     HMAVHardwareNocConnectivity& noc = *platform_->addNocConnectivity();
-    noc.setInstRef(conv(element.instanceRef));
+    noc.setInstRef(element.instanceRef);
     for (const lmx::HpfmConnectedInterface& bus : element.busInterfaces) {
-        noc.addBusInterface(conv(bus.name ? *bus.name : boost::trim_copy(bus.text)));
+        noc.addBusInterface(bus.name ? *bus.name : boost::trim_copy(bus.text));
     }
 }

@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "formats/hpfm/MAVHpfmLMX.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_host/xml/Tree.h"
 
 namespace lmx = mav_platform::lmx;
@@ -36,12 +36,11 @@ bool isMixedHbm(const lmx::HpfmBusInterface& bus) {
 }
 
 bool needsChange(const lmx::HpfmRepository& repository) {
-    const auto any = [](const std::vector<lmx::HpfmBusInterface>& list) {
-        return std::any_of(list.begin(), list.end(), isMixedHbm);
-    };
-    return any(repository.busInterfaces) ||
-           std::any_of(repository.components.begin(), repository.components.end(),
-                       [&](const lmx::HpfmComponent& part) { return any(part.busInterfaces); });
+    return std::any_of(repository.components.begin(), repository.components.end(),
+                       [](const lmx::HpfmComponent& part) {
+                           return std::any_of(part.busInterfaces.begin(), part.busInterfaces.end(),
+                                              isMixedHbm);
+                       });
 }
 
 bool isElement(const xml::Node& node, std::string_view name) {
@@ -70,8 +69,10 @@ void preferBanks(xml::Node& bus) {
 
 std::string withPreferredBanks(std::string_view text) {
     xml::Tree tree = xml::Tree::parse(text);
+    if (tree.root.attribute("xmlns:qd") == nullptr) {
+        tree.root.attributes.insert(tree.root.attributes.begin(), {"xmlns:qd", "urn:mav:hpfm:1"});
+    }
     for (xml::Node& child : tree.root.children) {
-        if (isElement(child, "qd:busInterface")) preferBanks(child);
         if (!isElement(child, "qd:component")) continue;
         for (xml::Node& inner : child.children) {
             if (isElement(inner, "qd:busInterface")) preferBanks(inner);
@@ -83,31 +84,31 @@ std::string withPreferredBanks(std::string_view text) {
 }  // namespace
 
 void HMAVHpfmUtl::ChangeAndWriteHpfmIfNeeded(const std::string& path) {
-    const auto report = [](const char* id, const HSTVector<std::string>& arguments) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, id, arguments);
-    };
+    using mav_host::report;
+    namespace messages = mav_host::messages;
     if (!HUTFile::exists(path)) {
         mav_host::console() << "File: " << path << " doesn't exist.\n" << std::flush;
-        report("@74-12@%s", {path});
+        report(messages::HPFM_FILE_NOT_VALID);
         return;
     }
     std::string text;
     try {
         text = HUTFileUtils::readWhole(path, xml::Limits().bytes);
     } catch (const HEXError& error) {
-        report("@74-260@%s%s%s", {path, error.what(), "reading"});
+        report(messages::HPFM_NOT_REWRITTEN, path, error.what(), "reading");
         return;
     }
     try {
         const lmx::HpfmRepository repository = lmx::hpfmFormat().parseText(text);
         if (!needsChange(repository)) return;
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-261@");
+        report(messages::HBM_PARTLY_PREFERRED);
         HUTFileUtils::writeWhole(path, withPreferredBanks(text));
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-10@%s", {path});
+        report(messages::FILE_WRITTEN, path);
     } catch (const xml::BindingError& error) {
-        report("@74-15@%s%s%s%s", {path, error.what(), "line " + std::to_string(error.line()),
-                                   "column " + std::to_string(error.column())});
+        report(messages::FILE_NOT_PROCESSED, path, error.what(),
+               "line " + std::to_string(error.line()), "column " + std::to_string(error.column()));
     } catch (const HEXError& error) {
-        report("@74-15@%s%s%s%s", {path, error.what(), "writing", "the file is as it was"});
+        report(messages::FILE_NOT_PROCESSED, path, error.what(), "writing",
+               "the file is as it was");
     }
 }

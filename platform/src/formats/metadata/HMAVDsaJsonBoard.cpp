@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "formats/metadata/Fields.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "formats/Fields.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "mav_platform/HPLBoard.h"
 #include "mav_platform/HPLCore.h"
 #include "mav_platform/HPLDevice.h"
@@ -134,7 +134,7 @@ void readPort(HPLCore& core, const Node& node, Trail& trail) {
 
 }  // namespace
 
-void HMAVDsaJsonReader::parseBoard_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseBoard_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Board = HPLBoard;
     static constexpr Field<Board> FIELDS[] = {
         {"name", &text<&Board::setName>},
@@ -151,7 +151,7 @@ void HMAVDsaJsonReader::parseBoard_(HPLPlatform& platform, const Node& node, Tra
     readFields(FIELDS, node, platform.createBoard(), trail);
 }
 
-void HMAVDsaJsonReader::parseDevices_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDevices_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Device = HPLDevice;
     static constexpr Field<Device> FIELDS[] = {
         {"name", &text<&Device::setName>},
@@ -166,7 +166,7 @@ void HMAVDsaJsonReader::parseDevices_(HPLPlatform& platform, const Node& node, T
               [&](const Node& item) { readFields(FIELDS, item, *platform.addDevice(), trail); });
 }
 
-void HMAVDsaJsonReader::parseCore_(HPLDevice& device, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseCore_(HPLDevice& device, const Node& node, Trail& trail) {
     using Core = HPLCore;
     static constexpr Field<Core> FIELDS[] = {
         {"name", &text<&Core::setName>},
@@ -193,7 +193,8 @@ void HMAVDsaJsonReader::parseCore_(HPLDevice& device, const Node& node, Trail& t
     readFields(FIELDS, node, device.createCore(), trail);
 }
 
-void HMAVDsaJsonReader::parseInterfaces_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseInterfaces_(HPLPlatform& platform, const Node& node,
+                                             Trail& trail) {
     static constexpr Field<HPLInterface> FIELDS[] = {
         {"id", &text<&HPLInterface::setId>},
         {"name", &text<&HPLInterface::setName>},
@@ -203,7 +204,7 @@ void HMAVDsaJsonReader::parseInterfaces_(HPLPlatform& platform, const Node& node
               [&](const Node& item) { readFields(FIELDS, item, *platform.addInterface(), trail); });
 }
 
-void HMAVDsaJsonReader::parseMemories_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseMemories_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Memory = HPLMemory;
     static constexpr Field<Memory> FIELDS[] = {
         {"name", &text<&Memory::setName>},
@@ -217,7 +218,7 @@ void HMAVDsaJsonReader::parseMemories_(HPLPlatform& platform, const Node& node, 
               [&](const Node& item) { readFields(FIELDS, item, *platform.addMemory(), trail); });
 }
 
-void HMAVDsaJsonReader::parseFiles_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseFiles_(HPLPlatform& platform, const Node& node, Trail& trail) {
     static constexpr bool REQUIRED = true;
     static constexpr Field<HPLFile> FIELDS[] = {
         {"name", &text<&HPLFile::setName>, REQUIRED},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "formats/metadata/Fields.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "formats/Fields.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "mav_platform/HMAVDpeHardware.h"
 #include "mav_platform/HMAVDpePartition.h"
 #include "mav_platform/HPLPlatform.h"
@@ -59,7 +59,8 @@ Partition readPartition(const Node& node, Trail& trail) {
 
 }  // namespace
 
-void HMAVDsaJsonReader::parseDpeHardware_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDpeHardware_(HPLPlatform& platform, const Node& node,
+                                              Trail& trail) {
     using Dpe = HMAVDpeHardware;
     static constexpr Field<Dpe> FIELDS[] = {
         {"arch",
@@ -78,7 +79,8 @@ void HMAVDsaJsonReader::parseDpeHardware_(HPLPlatform& platform, const Node& nod
     readFields(FIELDS, node, platform.getDpeHardware(), trail);
 }
 
-void HMAVDsaJsonReader::parseDpePartitions_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDpePartitions_(HPLPlatform& platform, const Node& node,
+                                                Trail& trail) {
     readItems(node, trail, [&](const Node& item) {
         Partition root = readPartition(item, trail);
         if (!root.value.isPartition()) return;

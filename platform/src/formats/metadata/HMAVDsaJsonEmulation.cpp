@@ -4,7 +4,7 @@
 
 #include "archive/OpenArchives.h"
 #include "formats/emulation/EmulationSource.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "mav_platform/HMAVEmulationExtMetaJsonReader.h"
 #include "mav_platform/HMAVEmulationJsonReader.h"
 #include "mav_platform/HMAVEmulationXMLReader.h"
@@ -12,7 +12,7 @@
 
 using Types = HMAVPfmFileTypes;
 
-void HMAVDsaJsonReader::readEmulations() {
+void HMAVDsaJsonReaderImpl::readEmulations() {
     auto emulations = std::make_unique<HMAVEmulations>();
     bool any = readEmulationMember_(*emulations);
     const std::string extension = presentMember_(Types::EXT_META_JSON);
@@ -28,7 +28,7 @@ void HMAVDsaJsonReader::readEmulations() {
     platform_->setEmulations(std::move(emulations));
 }
 
-bool HMAVDsaJsonReader::readEmulationMember_(HMAVEmulations& emulations) {
+bool HMAVDsaJsonReaderImpl::readEmulationMember_(HMAVEmulations& emulations) {
     const std::string json = presentMember_(Types::EMU_JSON);
     const std::string xml = json.empty() ? presentMember_(Types::EMU_XML) : std::string();
     if (json.empty() && xml.empty()) return false;
@@ -39,13 +39,16 @@ bool HMAVDsaJsonReader::readEmulationMember_(HMAVEmulations& emulations) {
     return HMAVEmulationXMLReader(xml, &emulations).parseFromDsa(archive, xml, &emulations);
 }
 
-/// The first file of that type as a reader takes it, when the archive holds it; else empty.
-std::string HMAVDsaJsonReader::presentMember_(HMAVPfmFileTypes::FileType type) const {
-    const std::string listed = platform_->getFile(type);
-    if (listed.empty()) return {};
-    const std::string normalized = mav_platform::emulation::normalizedMember(listed);
-    const std::string member = placed_(normalized);
-    if (!archives_->open(platform_->getPlatformFile()).contains(member)) return {};
-    // Readers normalise for themselves, and twice would be once too often.
-    return member == normalized ? listed : member;
+/// The first file of that type that the archive holds, as a reader takes it; else empty.
+std::string HMAVDsaJsonReaderImpl::presentMember_(HMAVPfmFileTypes::FileType type) const {
+    const std::string wanted = Types::toString(type);
+    for (const HPLFile* file : platform_->getFiles()) {
+        if (file->getType() != wanted || file->getName().empty()) continue;
+        const std::string normalized = mav_platform::emulation::normalizedMember(file->getName());
+        const std::string member = placed_(normalized);
+        if (!archives_->open(platform_->getPlatformFile()).contains(member)) continue;
+        // Readers normalise for themselves, and twice would be once too often.
+        return member == normalized ? file->getName() : member;
+    }
+    return {};
 }

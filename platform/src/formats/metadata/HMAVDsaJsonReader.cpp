@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "mav_platform/HMAVDsaJsonReader.h"
 
 #include <boost/property_tree/json_parser/error.hpp>
 #include <exception>
-#include <fstream>
+#include <optional>
+#include <ostream>
 #include <utility>
 
-#include "archive/OpenArchives.h"
-#include "formats/metadata/Fields.h"
+#include "formats/Fields.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "json/Document.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
+#include "mav_host/Messages.h"
+#include "mav_host/xml/Binding.h"
 #include "mav_platform/HMAVHpfmReader.h"
 #include "mav_platform/HPLPlatform.h"
 
@@ -20,28 +22,28 @@ namespace {
 
 using Mode = HMAVDsaJsonReader::Mode;
 
-void reportParse(const std::string& path, const std::string& text) {
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-63@%s%s", {path, text});
-}
-
-void reportMember(std::uint32_t mask, const std::string& path, const std::string& member,
-                  const std::string& text) {
-    ComMsgMgr::sendMsg(1, "platform", mask, "@74-64@%s%s%s", {path, member, text});
-}
-
 }  // namespace
 
-HMAVDsaJsonReader::HMAVDsaJsonReader(HPLPlatform* platform, mav_platform::OpenArchives* archives)
-    : platform_(platform), archives_(archives) {
-    if (archives_ != nullptr) return;
-    own_ = std::make_unique<mav_platform::OpenArchives>();
-    archives_ = own_.get();
+HMAVDsaJsonReaderImpl::HMAVDsaJsonReaderImpl(HPLPlatform* platform,
+                                             mav_platform::OpenArchives* archives)
+    : platform_(platform), archives_(archives != nullptr ? archives : &own_) {}
+
+bool HMAVDsaJsonReaderImpl::refuse_(const std::string& path, const std::string& text) {
+    mav_host::report(mav_host::messages::METADATA_UNUSABLE, path, text);
+    errorMsg_ = text;
+    return false;
 }
 
-HMAVDsaJsonReader::~HMAVDsaJsonReader() = default;
+bool HMAVDsaJsonReaderImpl::refuseSyntax_(const std::string& path, const std::string& member,
+                                          const std::string& text) {
+    mav_host::report(mav_host::messages::MEMBER_FAULT, path, member, text);
+    errorMsg_ = text;
+    return false;
+}
 
-bool HMAVDsaJsonReader::canParse_(const std::string& path, Mode mode, const std::string& primary,
-                                  const std::string& alternative, std::string& member) {
+bool HMAVDsaJsonReaderImpl::canParse_(const std::string& path, Mode mode,
+                                      const std::string& primary, const std::string& alternative,
+                                      std::string& member) {
     bool hasPrimary = false;
     bool hasAlternative = false;
     try {
@@ -56,9 +58,9 @@ bool HMAVDsaJsonReader::canParse_(const std::string& path, Mode mode, const std:
     return mode == Mode::HW_METADATA_PRIMARY_JSON ? hasPrimary : hasPrimary || hasAlternative;
 }
 
-bool HMAVDsaJsonReader::canParse(const std::string& path, Mode mode, std::string& member) {
+bool HMAVDsaJsonReaderImpl::canParse(const std::string& path, Mode mode, std::string& member) {
     if (!HUTPathUtils::exists(path)) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-66@%s", {path});
+        mav_host::report(mav_host::messages::NO_SUCH_ARCHIVE, path);
         return false;
     }
     if (mode == Mode::HW_METADATA_XML) return false;
@@ -67,9 +69,9 @@ bool HMAVDsaJsonReader::canParse(const std::string& path, Mode mode, std::string
                      member);
 }
 
-bool HMAVDsaJsonReader::canParseHwEmu(const std::string& path, Mode mode, std::string& member) {
+bool HMAVDsaJsonReaderImpl::canParseHwEmu(const std::string& path, Mode mode, std::string& member) {
     if (!HUTPathUtils::exists(path)) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-66@%s", {path});
+        mav_host::report(mav_host::messages::NO_SUCH_ARCHIVE, path);
         return false;
     }
     if (mode == Mode::HW_METADATA_XML) return false;
@@ -78,14 +80,14 @@ bool HMAVDsaJsonReader::canParseHwEmu(const std::string& path, Mode mode, std::s
                      platform_->getAltHwEmuJsonFileName(), member);
 }
 
-bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
+bool HMAVDsaJsonReaderImpl::parseDSA(const std::string& path, Mode mode) {
     std::string member;
     if (canParse(path, mode, member)) return parseMember(path, member);
     reportDeclined_(path, mode);
     return false;
 }
 
-bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
+bool HMAVDsaJsonReaderImpl::parseHwEmuPKA(const std::string& path, Mode mode) {
     std::string member;
     merged_ = true;
     const bool parsed = canParseHwEmu(path, mode, member) && parseMember(path, member);
@@ -93,140 +95,161 @@ bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
     return parsed;
 }
 
-void HMAVDsaJsonReader::reportDeclined_(const std::string& path, Mode mode) {
+void HMAVDsaJsonReaderImpl::reportDeclined_(const std::string& path, Mode mode) {
     if (!HUTPathUtils::exists(path)) return;  // canParse has reported it
     if (mode == Mode::HW_METADATA_XML) {
-        reportParse(path, "the metadata mode asks for device support XML, which is not read");
+        refuse_(path, "the metadata mode asks for device support XML, which is not read");
         return;
     }
     try {
         archives_->open(path);
-        reportParse(path, "no JSON metadata member ('" + platform_->getAltJsonFileName() +
-                              "' or '" + platform_->getJsonFileName() +
-                              "') that the metadata mode admits is in the archive");
+        refuse_(path, "no JSON metadata member ('" + platform_->getAltJsonFileName() + "' or '" +
+                          platform_->getJsonFileName() +
+                          "') that the metadata mode admits is in the archive");
     } catch (const HEXError& error) {
-        reportParse(path, error.what());
+        refuse_(path, error.what());
     }
 }
 
-bool HMAVDsaJsonReader::parseMember(const std::string& path, const std::string& member) {
+bool HMAVDsaJsonReaderImpl::parseMember(const std::string& path, const std::string& member) {
     std::string text;
     try {
         text = archives_->open(path).read(member, HUTZip::MAX_METADATA_SIZE);
     } catch (const HEXError& error) {
-        reportMember(ComMsgMgr::ERROR, path, member, error.what());
-        return false;
+        return refuse_(path, error.what());
     }
     return parseDocument_(std::move(text), path, member, true);
 }
 
-bool HMAVDsaJsonReader::parseFile(const std::string& path) {
-    // Asked before opening, which would wait for a writer of a named pipe.
-    std::ifstream file;
-    if (HUTFile::isFile(path)) file.open(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = file.is_open() ? std::streamoff(file.tellg()) : -1;
-    if (size < 0) {
-        reportParse(path, "the file cannot be read; name a readable file");
-        return false;
+bool HMAVDsaJsonReaderImpl::parseFile(const std::string& path) {
+    std::optional<std::string> text = HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE);
+    if (!text) return refuse_(path, "the file cannot be read; name a readable file");
+    if (text->size() > HUTZip::MAX_METADATA_SIZE) {
+        return refuse_(path, "the file is larger than " +
+                                 std::to_string(HUTZip::MAX_METADATA_SIZE) +
+                                 " bytes, the most that metadata may have");
     }
-    if (static_cast<std::uint64_t>(size) > HUTZip::MAX_METADATA_SIZE) {
-        reportParse(path, "the file is larger than " + std::to_string(HUTZip::MAX_METADATA_SIZE) +
-                              " bytes, the most that metadata may have");
-        return false;
-    }
-    std::string text(static_cast<std::size_t>(size), '\0');
-    if (!file.seekg(0).read(text.data(), size)) {
-        reportParse(path, "the file cannot be read to its end");
-        return false;
-    }
-    return parseDocument_(std::move(text), path, HUTPathUtils::stem(path));
+    return parseDocument_(*std::move(text), path, HUTPathUtils::stem(path));
 }
 
-bool HMAVDsaJsonReader::parseJsonString(const std::string& text) {
+bool HMAVDsaJsonReaderImpl::parseJsonString(const std::string& text) {
     return parseDocument_(text, "text", platform_->getJsonFileName());
 }
 
-bool HMAVDsaJsonReader::parseDocument_(std::string text, const std::string& path,
-                                       const std::string& member, bool inArchive) {
+bool HMAVDsaJsonReaderImpl::parseDocument_(std::string text, const std::string& path,
+                                           const std::string& member, bool inArchive) {
     namespace json_parser = boost::property_tree::json_parser;
-    if (text.empty()) {
-        reportMember(ComMsgMgr::ERROR, path, member, "the member is empty");
-        return false;
-    }
-    if (!HI18N_isAscii(text)) text = HI18N_convertToUTF8(text);
+    if (text.empty()) return refuseSyntax_(path, member, "the member is empty");
     Trail trail;
     try {
-        const mav_platform::json::Document document(std::move(text));
+        const auto document = mav_platform::json::Document::fromBytes(std::move(text));
         mav_platform::metadata::requireObject(document.root());
         parseRoot_(*platform_, document.root(), trail);
         if (inArchive) readEmulations();
-        if (const auto hpfm = inArchive ? getHpfmStr() : std::nullopt) {
-            readHpfmBusInterfaces(*hpfm);
-            readHpfmNocConnectivity(*hpfm);
+        if (auto hpfm = inArchive ? getHpfmStr() : std::nullopt) {
+            HMAVHpfmReader reader(std::move(*hpfm), platform_);
+            reader.parseBusInterfaces();
+            reader.parseNocConnectivity();
         }
         parseRest_(*platform_, document.root(), trail);
     } catch (const json_parser::json_parser_error& error) {
-        reportMember(ComMsgMgr::ERROR, path, member,
-                     "line " + std::to_string(error.line()) + ": " + error.message());
-        return false;
+        return refuseSyntax_(path, member,
+                             "line " + std::to_string(error.line()) + ": " + error.message());
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
         const std::string place = trail.text();
-        reportParse(path,
-                    member + ": " + (place.empty() ? "" : "'" + place + "': ") + error.what());
-        return false;
+        return refuse_(path,
+                       member + ": " + (place.empty() ? "" : "'" + place + "': ") + error.what());
     }
     platform_->setMetadataRead(true);
-    for (const std::string& key : trail.duplicates()) {
-        reportMember(ComMsgMgr::WARNING, path, member,
-                     "the key '" + key + "' stands more than once; the first one counts");
-    }
-    for (const std::string& place : trail.fallbacks()) {
-        reportMember(ComMsgMgr::WARNING, path, member,
-                     "the value of '" + place + "' is no unsigned number that fits; 0 counts");
-    }
     return true;
 }
 
-std::string HMAVDsaJsonReader::getHpfmFile() const {
+std::string HMAVDsaJsonReaderImpl::getHpfmFile() const {
     const std::string member = platform_->getFile(HMAVPfmFileTypes::HPFM);
     return member.empty() ? member : placed_(member);
 }
 
 /// The member's name in the archive.
-std::string HMAVDsaJsonReader::placed_(const std::string& member) const {
-    if (!merged_ && !platform_->isChildHardwareEmuPlatform()) return member;
-    return HMAVHardwarePlatform::getHwEmuDir() + "/" + member;
+std::string HMAVDsaJsonReaderImpl::placed_(const std::string& member) const {
+    return merged_ ? HMAVHardwarePlatform::hwEmuMemberName(member) : platform_->memberName(member);
 }
 
-std::optional<std::string> HMAVDsaJsonReader::getHpfmStr() {
+std::optional<std::string> HMAVDsaJsonReaderImpl::getHpfmStr() {
     const std::string member = getHpfmFile();
     if (member.empty()) return std::nullopt;
     const std::string path = platform_->getPlatformFile();
     try {
         const mav_host::ZipArchive& archive = archives_->open(path);
         if (!archive.contains(member)) return std::nullopt;
-        return archive.read(member, HUTZip::MAX_METADATA_SIZE);
+        return archive.read(member, mav_host::xml::Limits().bytes);
     } catch (const HEXError& error) {
-        reportMember(ComMsgMgr::ERROR, path, member, error.what());
+        mav_host::console() << "Error parsing hardware platform stream from DSA: " << error.what()
+                            << "\n"
+                            << std::flush;
+        mav_host::report(mav_host::messages::HPFM_MEMBER_NOT_VALID);
         return std::nullopt;
     }
 }
 
-/// Both questions about one text are answered by one reader, which binds it once.
-HMAVHpfmReader& HMAVDsaJsonReader::hpfmReader_(const std::string& text) {
-    if (!hpfm_ || hpfmText_ != text) {
-        hpfm_ = std::make_unique<HMAVHpfmReader>(text, platform_);
-        hpfmText_ = text;
-    }
-    return *hpfm_;
+bool HMAVDsaJsonReaderImpl::readHpfmBusInterfaces(std::string text) {
+    return HMAVHpfmReader(std::move(text), platform_).parseBusInterfaces();
 }
 
-void HMAVDsaJsonReader::readHpfmBusInterfaces(const std::string& text) {
-    hpfmReader_(text).parseBusInterfaces();
+bool HMAVDsaJsonReaderImpl::readHpfmNocConnectivity(std::string text) {
+    return HMAVHpfmReader(std::move(text), platform_).parseNocConnectivity();
 }
 
-void HMAVDsaJsonReader::readHpfmNocConnectivity(const std::string& text) {
-    hpfmReader_(text).parseNocConnectivity();
+HMAVDsaJsonReader::HMAVDsaJsonReader(HPLPlatform* platform, mav_platform::OpenArchives* archives)
+    : impl_(std::make_unique<HMAVDsaJsonReaderImpl>(platform, archives)) {}
+
+HMAVDsaJsonReader::~HMAVDsaJsonReader() = default;
+
+bool HMAVDsaJsonReader::canParse(const std::string& path, Mode mode, std::string& member) {
+    return impl_->canParse(path, mode, member);
+}
+
+bool HMAVDsaJsonReader::canParseHwEmu(const std::string& path, Mode mode, std::string& member) {
+    return impl_->canParseHwEmu(path, mode, member);
+}
+
+bool HMAVDsaJsonReader::parseDSA(const std::string& path, Mode mode) {
+    return impl_->parseDSA(path, mode);
+}
+
+bool HMAVDsaJsonReader::parseHwEmuPKA(const std::string& path, Mode mode) {
+    return impl_->parseHwEmuPKA(path, mode);
+}
+
+bool HMAVDsaJsonReader::parseMember(const std::string& path, const std::string& member) {
+    return impl_->parseMember(path, member);
+}
+
+const std::string& HMAVDsaJsonReader::getErrorMsg() const {
+    return impl_->getErrorMsg();
+}
+
+bool HMAVDsaJsonReader::parseFile(const std::string& path) {
+    return impl_->parseFile(path);
+}
+
+bool HMAVDsaJsonReader::parseJsonString(const std::string& text) {
+    return impl_->parseJsonString(text);
+}
+
+std::string HMAVDsaJsonReader::getHpfmFile() const {
+    return impl_->getHpfmFile();
+}
+
+std::string HMAVDsaJsonReader::getHpfmStr() {
+    return impl_->getHpfmStr().value_or("");
+}
+
+bool HMAVDsaJsonReader::readHpfmBusInterfaces(std::string text) {
+    return impl_->readHpfmBusInterfaces(std::move(text));
+}
+
+bool HMAVDsaJsonReader::readHpfmNocConnectivity(std::string text) {
+    return impl_->readHpfmNocConnectivity(std::move(text));
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdint>
 
-#include "formats/metadata/Fields.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "formats/Fields.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "mav_platform/HMAVHardwareAddressSegment.h"
 #include "mav_platform/HMAVHardwareBusInterface.h"
 #include "mav_platform/HMAVHardwareFeatureRom.h"
@@ -13,7 +13,8 @@
 
 using namespace mav_platform::metadata;
 
-void HMAVDsaJsonReader::parseSystemClocks_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseSystemClocks_(HPLPlatform& platform, const Node& node,
+                                               Trail& trail) {
     using Clock = HMAVSystemClock;
     static constexpr Field<Clock> FIELDS[] = {
         {"name", &text<&Clock::setName>},
@@ -36,11 +37,13 @@ void HMAVDsaJsonReader::parseSystemClocks_(HPLPlatform& platform, const Node& no
     });
 }
 
-void HMAVDsaJsonReader::parseBusInterfaces_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseBusInterfaces_(HPLPlatform& platform, const Node& node,
+                                                Trail& trail) {
     items<&parseBusInterface_>(platform, node, trail);
 }
 
-void HMAVDsaJsonReader::parseBusInterface_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseBusInterface_(HPLPlatform& platform, const Node& node,
+                                               Trail& trail) {
     using Bus = HMAVHardwareBusInterface;
     static constexpr Field<Bus> FIELDS[] = {
         {"name", &text<&Bus::setName>},
@@ -66,8 +69,8 @@ void HMAVDsaJsonReader::parseBusInterface_(HPLPlatform& platform, const Node& no
     readFields(FIELDS, node, *platform.addBusInterface(), trail);
 }
 
-void HMAVDsaJsonReader::parseAddressSegment_(HMAVHardwareBusInterface& bus, const Node& node,
-                                             Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseAddressSegment_(HMAVHardwareBusInterface& bus, const Node& node,
+                                                 Trail& trail) {
     using Segment = HMAVHardwareAddressSegment;
     static constexpr Field<Segment> FIELDS[] = {
         {"baseName", &text<&Segment::setBaseName>},
@@ -87,8 +90,8 @@ void HMAVDsaJsonReader::parseAddressSegment_(HMAVHardwareBusInterface& bus, cons
     readFields(FIELDS, node, *bus.addAddressSegment(), trail);
 }
 
-void HMAVDsaJsonReader::parseNocConnectivity_(HPLPlatform& platform, const Node& node,
-                                              Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseNocConnectivity_(HPLPlatform& platform, const Node& node,
+                                                  Trail& trail) {
     using Noc = HMAVHardwareNocConnectivity;
     static constexpr Field<Noc> FIELDS[] = {
         {"instRef", &text<&Noc::setInstRef>},
@@ -99,7 +102,7 @@ void HMAVDsaJsonReader::parseNocConnectivity_(HPLPlatform& platform, const Node&
     });
 }
 
-void HMAVDsaJsonReader::parseIPParams_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseIPParams_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Param = HMAVHardwareIPParam;
     static constexpr Field<Param> FIELDS[] = {
         {"name", &text<&Param::setName>},       {"value", &text<&Param::setValue>},
@@ -144,7 +147,8 @@ void uuid(Rom& rom, const Node& node, Trail&) {
 
 }  // namespace
 
-void HMAVDsaJsonReader::parseFeatureRoms_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseFeatureRoms_(HPLPlatform& platform, const Node& node,
+                                              Trail& trail) {
     static constexpr Field<Rom> FIELDS[] = {
         {"majorVersion", &unsignedFromInt<&Rom::setMajorVersion>},
         {"minorVersion", &unsignedFromInt<&Rom::setMinorVersion>},

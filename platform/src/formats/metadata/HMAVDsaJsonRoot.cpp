@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 
-#include "formats/metadata/Fields.h"
-#include "formats/metadata/HMAVDsaJsonReader.h"
+#include "formats/Fields.h"
+#include "formats/metadata/HMAVDsaJsonReaderImpl.h"
 #include "mav_platform/HMAVDesignIPInstance.h"
 #include "mav_platform/HMAVDesignIntentStorage.h"
 #include "mav_platform/HMAVReconfigPartition.h"
@@ -11,7 +11,7 @@
 
 using namespace mav_platform::metadata;
 
-void HMAVDsaJsonReader::parseRoot_(HPLPlatform& platform, const Node& root, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseRoot_(HPLPlatform& platform, const Node& root, Trail& trail) {
     using P = HPLPlatform;
     static constexpr bool REQUIRED = true;
     static constexpr Field<P> FIELDS[] = {
@@ -79,7 +79,7 @@ void HMAVDsaJsonReader::parseRoot_(HPLPlatform& platform, const Node& root, Trai
     readFields(FIELDS, root, platform, trail);
 }
 
-void HMAVDsaJsonReader::parseRest_(HPLPlatform& platform, const Node& root, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseRest_(HPLPlatform& platform, const Node& root, Trail& trail) {
     using P = HPLPlatform;
     static constexpr Field<P> FIELDS[] = {
         {"busInterfaces", &parseBusInterfaces_},
@@ -93,8 +93,8 @@ void HMAVDsaJsonReader::parseRest_(HPLPlatform& platform, const Node& root, Trai
     readFields(FIELDS, root, platform, trail);
 }
 
-void HMAVDsaJsonReader::parseValidBinaryContentValues_(HPLPlatform& platform, const Node& node,
-                                                       Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseValidBinaryContentValues_(HPLPlatform& platform, const Node& node,
+                                                           Trail& trail) {
     const auto add = [&](std::string_view value) {
         if (!value.empty()) platform.addValidBinaryContentValue(std::string(value));
     };
@@ -114,7 +114,8 @@ void HMAVDsaJsonReader::parseValidBinaryContentValues_(HPLPlatform& platform, co
     }
 }
 
-void HMAVDsaJsonReader::parseDesignIntent_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDesignIntent_(HPLPlatform& platform, const Node& node,
+                                               Trail& trail) {
     using Intent = HMAVDesignIntentStorage;
     struct Flags {
         bool value = false;
@@ -159,17 +160,17 @@ void HMAVDsaJsonReader::parseDesignIntent_(HPLPlatform& platform, const Node& no
     platform.setExplicitDesignIntent(intent);
 }
 
-void HMAVDsaJsonReader::parseCompileXPSwitches_(HPLPlatform& platform, const Node& node,
-                                                Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseCompileXPSwitches_(HPLPlatform& platform, const Node& node,
+                                                    Trail& trail) {
     texts<&HPLPlatform::addYarcCompileXpSwitch>(platform, node, trail);
 }
 
-void HMAVDsaJsonReader::parseLinkXPSwitches_(HPLPlatform& platform, const Node& node,
-                                             Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseLinkXPSwitches_(HPLPlatform& platform, const Node& node,
+                                                 Trail& trail) {
     texts<&HPLPlatform::addYarcLinkXpSwitch>(platform, node, trail);
 }
 
-void HMAVDsaJsonReader::parseDesignIPs_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDesignIPs_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Ip = HMAVDesignIPInstance;
     static constexpr Field<Ip> FIELDS[] = {
         {"vlnv", &text<&Ip::setVlnv>},
@@ -188,7 +189,7 @@ void HMAVDsaJsonReader::parseDesignIPs_(HPLPlatform& platform, const Node& node,
     });
 }
 
-void HMAVDsaJsonReader::parseFlash_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseFlash_(HPLPlatform& platform, const Node& node, Trail& trail) {
     static constexpr Field<HPLPlatform> FIELDS[] = {
         {"interfaceType", &text<&HPLPlatform::setFlashInterfaceType>},
         {"offsetAddress", &text<&HPLPlatform::setFlashOffsetAddress>},
@@ -197,8 +198,8 @@ void HMAVDsaJsonReader::parseFlash_(HPLPlatform& platform, const Node& node, Tra
     readFields(FIELDS, node, platform, trail);
 }
 
-void HMAVDsaJsonReader::parseReconfigPartition_(HMAVReconfigPartition& ids, const Node& node,
-                                                Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseReconfigPartition_(HMAVReconfigPartition& ids, const Node& node,
+                                                    Trail& trail) {
     using Ids = HMAVReconfigPartition;
     static constexpr Field<Ids> DPENGINE_IDS[] = {
         {"plInterfaceID", &unsignedNumber<&Ids::setDPEPlInterfaceID>},
@@ -219,18 +220,18 @@ void HMAVDsaJsonReader::parseReconfigPartition_(HMAVReconfigPartition& ids, cons
     readFields(FIELDS, node, ids, trail);
 }
 
-void HMAVDsaJsonReader::parseDesignIDs_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseDesignIDs_(HPLPlatform& platform, const Node& node, Trail& trail) {
     parseReconfigPartition_(platform.createDesignIDs(), node, trail);
 }
 
-void HMAVDsaJsonReader::parseReconfigPartitionIDs_(HPLPlatform& platform, const Node& node,
-                                                   Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseReconfigPartitionIDs_(HPLPlatform& platform, const Node& node,
+                                                       Trail& trail) {
     readItems(node, trail, [&](const Node& item) {
         parseReconfigPartition_(*platform.addReconfigPartition(), item, trail);
     });
 }
 
-void HMAVDsaJsonReader::parseResources_(HPLPlatform& platform, const Node& node, Trail& trail) {
+void HMAVDsaJsonReaderImpl::parseResources_(HPLPlatform& platform, const Node& node, Trail& trail) {
     using Resource = std::pair<std::string, std::string>;
     static constexpr Field<Resource> FIELDS[] = {
         {"type",

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "formats/metadata/HMAVDsaXmlReader.h"
+#include "mav_platform/HMAVDsaXmlReader.h"
 
 #include <utility>
 
 #include "archive/OpenArchives.h"
-#include "mav_host/ComMsgMgr.h"
 #include "mav_host/HEXError.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HPLPlatform.h"
 
 HMAVDsaXmlReader::HMAVDsaXmlReader(std::string path, HPLPlatform* platform,
@@ -25,6 +25,7 @@ bool HMAVDsaXmlReader::parseDSA() {
     } catch (const HEXError& error) {
         reason = error.what();
     }
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::ERROR, "@74-63@%s%s", {path_, reason});
+    mav_host::report(mav_host::messages::METADATA_UNUSABLE, path_, reason);
+    errorMsg_ = reason;
     return false;
 }

@@ -7,9 +7,8 @@
 #include <utility>
 
 #include "formats/software/MAVSoftwarePlatformLMX.h"
-#include "mav_host/ComMsgMgr.h"
-#include "mav_host/HI18N.h"
 #include "mav_host/Host.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVSoftwarePlatform.h"
 
 namespace lmx = mav_platform::lmx;
@@ -37,7 +36,7 @@ bool HMAVSoftwarePlatformXMLReader::parseFile() {
     try {
         const lmx::SoftwarePlatform root = lmx::softwarePlatformFormat().parseFile(filePath_);
         const lmx::SystemConfigurations& configs = root.systemConfigurations;
-        platform_->setDefaultConfigName(HI18N::convert(configs.defaultConfiguration));
+        platform_->setDefaultConfigName(configs.defaultConfiguration);
         for (const lmx::SystemConfiguration& element : configs.configurations) {
             parseConfiguration_(element, *platform_->addSystemConfig());
         }
@@ -54,18 +53,18 @@ void HMAVSoftwarePlatformXMLReader::report_(const std::string& text, std::size_t
     const std::string detail = "Line number:" + number + ". " + text;
     mav_host::console() << head << "\n" << detail << "\n" << std::flush;
     errorMsg_ = head + " " + detail;
-    ComMsgMgr::sendMsg(2, "platform", ComMsgMgr::ERROR, "@74-51@%s%d", {filePath_, number});
+    mav_host::report(mav_host::messages::SOFTWARE_NOT_VALID, filePath_, number);
 }
 
 void HMAVSoftwarePlatformXMLReader::parseConfiguration_(const lmx::SystemConfiguration& element,
                                                         HMAVSystemConfig& config) {
-    config.setName(HI18N::convert(element.name));
-    config.setPrettyName(HI18N::convert(element.displayName));
-    config.setDesc(HI18N::convert(element.description));
-    if (element.prebuilt) config.setPrebuiltData(HI18N::convert(element.prebuilt->data));
-    config.setDefaultProcGrpName(HI18N::convert(element.defaultProcessorGroup));
+    config.setName(element.name);
+    config.setPrettyName(element.displayName);
+    config.setDesc(element.description);
+    if (element.prebuilt) config.setPrebuiltData(element.prebuilt->data);
+    config.setDefaultProcGrpName(element.defaultProcessorGroup);
     splitRuntimes(element.runtimes,
-                  [&](std::string_view key) { config.addRuntime(HI18N::convert(key)); });
+                  [&](std::string_view key) { config.addRuntime(std::string(key)); });
     if (element.bootImages) parseBootImages_(*element.bootImages, config);
     for (const lmx::ProcessorGroup& group : element.processorGroups) {
         parseProcessorGroup_(group, config);
@@ -74,35 +73,35 @@ void HMAVSoftwarePlatformXMLReader::parseConfiguration_(const lmx::SystemConfigu
 
 void HMAVSoftwarePlatformXMLReader::parseBootImages_(const lmx::BootImages& element,
                                                      HMAVSystemConfig& config) {
-    config.setDefaultBootImgName(HI18N::convert(element.defaultImage));
+    config.setDefaultBootImgName(element.defaultImage);
     HMAVBootImg& image = *config.addBootImg();
-    image.setName(HI18N::convert(element.image.name));
-    image.setBif(HI18N::convert(element.image.bif));
-    image.setReadMe(HI18N::convert(element.image.readme));
-    image.setType(HI18N::convert(element.image.type));
-    image.setImgData(HI18N::convert(element.image.imageData));
-    image.setRootFS(HI18N::convert(element.image.rootfs));
-    image.setBootMode(HI18N::convert(element.image.bootmode));
-    image.setMountPath(HI18N::convert(element.image.mountPath));
-    image.setQemuArgs(HI18N::convert(element.image.qemuArguments));
-    image.setQemuBoot(HI18N::convert(element.image.qemuBoot));
-    image.setQemuDevTree(HI18N::convert(element.image.qemuDevicetree));
-    image.setHwBootBin(HI18N::convert(element.image.hwBootBin));
+    image.setName(element.image.name);
+    image.setBif(element.image.bif);
+    image.setReadMe(element.image.readme);
+    image.setType(element.image.type);
+    image.setImgData(element.image.imageData);
+    image.setRootFS(element.image.rootfs);
+    image.setBootMode(element.image.bootmode);
+    image.setMountPath(element.image.mountPath);
+    image.setQemuArgs(element.image.qemuArguments);
+    image.setQemuBoot(element.image.qemuBoot);
+    image.setQemuDevTree(element.image.qemuDevicetree);
+    image.setHwBootBin(element.image.hwBootBin);
 }
 
 void HMAVSoftwarePlatformXMLReader::parseProcessorGroup_(const lmx::ProcessorGroup& element,
                                                          HMAVSystemConfig& config) {
-    config.addProcessorGroup(HI18N::convert(element.name));
+    config.addProcessorGroup(element.name);
     HMAVProcessorGroup& group = *config.addProcessorGroup();
-    group.setName(HI18N::convert(element.name));
-    group.setPrettyName(HI18N::convert(element.displayName));
-    group.setCpuType(HI18N::convert(element.cpuType));
-    group.setCpuInstance(HI18N::convert(element.cpuInstance));
-    group.setArch(HI18N::convert(element.architecture));
-    group.setOSName(HI18N::convert(element.os.name));
-    group.setOSPrettyName(HI18N::convert(element.os.displayName));
-    group.setIncludePaths(HI18N::convert(element.os.includePaths));
-    group.setLibraryPaths(HI18N::convert(element.os.libraryPaths));
-    group.setCompilerOptions(HI18N::convert(element.os.compilerOptions));
-    group.setLinkerOptions(HI18N::convert(element.os.linkerOptions));
+    group.setName(element.name);
+    group.setPrettyName(element.displayName);
+    group.setCpuType(element.cpuType);
+    group.setCpuInstance(element.cpuInstance);
+    group.setArch(element.architecture);
+    group.setOSName(element.os.name);
+    group.setOSPrettyName(element.os.displayName);
+    group.setIncludePaths(element.os.includePaths);
+    group.setLibraryPaths(element.os.libraryPaths);
+    group.setCompilerOptions(element.os.compilerOptions);
+    group.setLinkerOptions(element.os.linkerOptions);
 }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVDpeHardware.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <stdexcept>
 #include <string_view>
 
+#include "json/Letters.h"
 #include "mav_host/HEXError.h"
 #include "mav_platform/JSONObjectWriter.h"
+
+using mav_platform::json::equalLetters;
 
 const std::map<HMAVDpeHardware::Arch, std::string>& HMAVDpeHardware::getArchMap() {
     static const std::map<Arch, std::string> NAMES = {
@@ -18,10 +20,10 @@ const std::map<HMAVDpeHardware::Arch, std::string>& HMAVDpeHardware::getArchMap(
 
 HMAVDpeHardware::Arch HMAVDpeHardware::stringToArch(const std::string& text) {
     std::string name = text;
-    if (boost::iequals(text, "NONE")) name = "NO_DPE";
-    if (boost::iequals(text, "DPE")) name = "DPE_A";
+    if (equalLetters(text, "NONE")) name = "NO_DPE";
+    if (equalLetters(text, "DPE")) name = "DPE_A";
     for (const auto& [arch, known] : getArchMap()) {
-        if (boost::iequals(known, name)) return arch;
+        if (equalLetters(known, name)) return arch;
     }
     throw HEXAlgException("HMAVDpeHardware::setArch() - Invalid dpe architecture specified: " +
                           name);

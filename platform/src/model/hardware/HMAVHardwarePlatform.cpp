@@ -5,22 +5,12 @@
 
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
-#include "mav_host/HUTZip.h"
 
 namespace {
 
 template <class T>
 void append(HSTVector<T*>& out, const OwnedList<T>& list) {
     out.insert(out.end(), list.items().begin(), list.items().end());
-}
-
-const std::string& emuDir() {
-    static const std::string DIR = "hw_emu";
-    return DIR;
-}
-
-std::string ifInArchive(const std::string& archive, const std::string& member) {
-    return HUTZip::containsFile(archive, member) ? member : "";
 }
 
 }  // namespace
@@ -291,23 +281,24 @@ std::string HMAVHardwarePlatform::getAltJsonFileName() const {
 
 std::string HMAVHardwarePlatform::getHwEmuJsonFileName() const {
     const std::string name = getJsonFileName();
-    return name.empty() ? "" : emuDir() + "/" + name;
+    return name.empty() ? "" : hwEmuMemberName(name);
 }
 
 std::string HMAVHardwarePlatform::getAltHwEmuJsonFileName() const {
-    return emuDir() + "/" + getAltJsonFileName();
+    return hwEmuMemberName(getAltJsonFileName());
 }
 
-std::string HMAVHardwarePlatform::getHwEmuJsonFileNameIfExist() const {
-    return ifInArchive(platformFile_, getHwEmuJsonFileName());
+std::string HMAVHardwarePlatform::memberName(const std::string& member) const {
+    return childHardwareEmuPlatform_ ? hwEmuMemberName(member) : member;
 }
 
-std::string HMAVHardwarePlatform::getAltHwEmuJsonFileNameIfExist() const {
-    return ifInArchive(platformFile_, getAltHwEmuJsonFileName());
+std::string HMAVHardwarePlatform::hwEmuMemberName(const std::string& member) {
+    return getHwEmuDir() + "/" + member;
 }
 
 const std::string& HMAVHardwarePlatform::getHwEmuDir() {
-    return emuDir();
+    static const std::string DIR = "hw_emu";
+    return DIR;
 }
 
 const HSTVector<std::string>& HMAVHardwarePlatform::getValidPlatformExts() {
@@ -348,31 +339,12 @@ bool HMAVHardwarePlatform::hasSimContent() const {
     return hasFile("SIM_BINARY");
 }
 
-bool HMAVHardwarePlatform::hasHardwareDef_() const {
-    return HUTZip::containsFile(platformFile_, "hwdef.xml") ||
-           HUTZip::containsFile(platformFile_, "sysdef.xml");
-}
-
-std::string HMAVHardwarePlatform::getHwDbName() {
-    if (!hwDb_ && (platformFile_.empty() || !hasHardwareDef_() || !createHwDb())) return "";
-    return hwDb_->getName();
-}
-
 std::shared_ptr<HHSMHwDb> HMAVHardwarePlatform::getHwDb() {
     return hwDb_;
 }
 
 std::shared_ptr<const HHSMHwDb> HMAVHardwarePlatform::getHwDb() const {
     return hwDb_;
-}
-
-bool HMAVHardwarePlatform::createHwDb() {
-    return createHwDb(platformFile_);
-}
-
-bool HMAVHardwarePlatform::createHwDb(const std::string& archive) {
-    hwDb_ = HHSMHwManager::get().open(archive, "fpga0");
-    return hwDb_ != nullptr;
 }
 
 void HMAVHardwarePlatform::enableSegmentedConfiguration(bool value) {

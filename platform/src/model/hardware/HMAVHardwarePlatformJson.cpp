@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "mav_host/HI18N.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
@@ -26,7 +25,7 @@ void HMAVHardwarePlatform::toJSON(JSONObjectWriter& writer) const {
     writer.addKey("fpgaPart", getFpgaPart());
     writer.addKey("fpgaDevice", getFpgaDevice());
     writer.addKey("interfaceDescription", getInterfaceDesc());
-    writer.addKey("platformFile", HI18N_convertToUTF8(platformFile_));
+    writer.addKey("platformFile", platformFile_);
     writeSupport_(writer);
     writeGeneration_(writer);
     writer.addObject("flash", [this](JSONObjectWriter& flash) {

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // Bus interfaces and the memory behind them.
 #include <algorithm>
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 
-#include "mav_host/ComMsgMgr.h"
+#include "json/Letters.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
+
+using mav_platform::json::equalLetters;
+using mav_platform::json::lowerCase;
 
 namespace {
 
 /// Memory port in lower case.
 std::string portOf(const HMAVHardwareBusInterface& bus) {
-    return boost::algorithm::to_lower_copy(bus.getMemPort());
+    return lowerCase(bus.getMemPort());
 }
 
 bool isGeneralPurpose(const std::string& port) {
@@ -28,8 +30,7 @@ bool HMAVHardwarePlatform::isMemoryResourceIndexed() const {
             memoryResourceIndexed_ = Indexed::YES;
             return true;
         }
-        if (!port.empty() && !isGeneralPurpose(port) &&
-            !boost::iequals(bus->getSPTag(), "default")) {
+        if (!port.empty() && !isGeneralPurpose(port) && !equalLetters(bus->getSPTag(), "default")) {
             memoryResourceIndexed_ = Indexed::NO;
             return false;
         }
@@ -50,7 +51,7 @@ std::size_t HMAVHardwarePlatform::getMemoryResourceBusInterfacesNonIndexed_(
     for (HMAVHardwareBusInterface* bus : busInterfaces_.items()) {
         const std::string port = portOf(*bus);
         if (port.empty() || port == "memss" || isGeneralPurpose(port)) continue;
-        if (!boost::iequals(bus->getSPTag(), "default")) out.push_back(bus);
+        if (!equalLetters(bus->getSPTag(), "default")) out.push_back(bus);
     }
     return out.size();
 }
@@ -85,8 +86,8 @@ int HMAVHardwarePlatform::countBusInterfaces_(const char* type, const char* mode
     const auto& buses = busInterfaces_.items();
     return static_cast<int>(
         std::count_if(buses.begin(), buses.end(), [&](const HMAVHardwareBusInterface* bus) {
-            return boost::iequals(bus->getBusTypeRef(), type) &&
-                   (mode == nullptr || boost::iequals(bus->getMode(), mode));
+            return equalLetters(bus->getBusTypeRef(), type) &&
+                   (mode == nullptr || equalLetters(bus->getMode(), mode));
         }));
 }
 
@@ -104,32 +105,32 @@ int HMAVHardwarePlatform::getMaxInterrupts() const {
 
 void HMAVHardwarePlatform::updateHBMBankInfo(const std::string& instance, const std::string& bank,
                                              const std::string& automatic) {
-    const bool wasMixed = hasMixedHBMBanks_();
-    hbmInstance_ = instance;
-    const auto known = hbmBanks_.find(bank);
-    if (known != hbmBanks_.end()) {
-        if (known->second) --preferredHBMBanks_;
-        hbmBanks_.erase(known);
+    HBMBanks& banks = hbmBanks_[instance];
+    if (banks.areMixed()) --mixedHBMs_;
+    const bool wasMixed = mixedHBMs_ != 0 || banks.areMixed();
+    const auto known =
+        bank.empty() ? banks.preferredByName.end() : banks.preferredByName.find(bank);
+    if (known != banks.preferredByName.end()) {
+        if (known->second) --banks.preferred;
+        banks.preferredByName.erase(known);
     }
     if (automatic != "false") {
         const bool preferred = automatic == "preferred";
-        hbmBanks_.emplace(bank, preferred);
-        if (preferred) ++preferredHBMBanks_;
+        banks.preferredByName.emplace(bank, preferred);
+        if (preferred) ++banks.preferred;
     }
-    if (!wasMixed && hasMixedHBMBanks_()) {
-        ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::STATUS, "@74-261@");
-    }
-}
-
-bool HMAVHardwarePlatform::hasMixedHBMBanks_() const {
-    return preferredHBMBanks_ != 0 && preferredHBMBanks_ != hbmBanks_.size();
+    if (!banks.areMixed()) return;
+    ++mixedHBMs_;
+    if (!wasMixed) mav_host::report(mav_host::messages::HBM_PARTLY_PREFERRED);
 }
 
 void HMAVHardwarePlatform::issueNormalizeMemoryBanksMessage(std::ostream& out) const {
-    if (!hasMixedHBMBanks_()) return;
-    out << "\nThe HBM instance '" << hbmInstance_
-        << "' has only a subset of its auto-assignable memory banks tagged as 'default'. "
-           "To attain better HBM bandwidth, use mcc parameter '--advanced.param "
-           "compiler.normalizeDefaultMemoryBanks=true' to change all HBM memory banks to "
-           "'default'.\n\n";
+    for (const auto& [instance, banks] : hbmBanks_) {
+        if (!banks.areMixed()) continue;
+        out << "\nThe HBM instance '" << instance
+            << "' has only a subset of its auto-assignable memory banks tagged as 'default'. "
+               "To attain better HBM bandwidth, use mcc parameter '--advanced.param "
+               "compiler.normalizeDefaultMemoryBanks=true' to change all HBM memory banks to "
+               "'default'.\n\n";
+    }
 }

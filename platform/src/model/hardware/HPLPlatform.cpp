@@ -3,22 +3,21 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <limits>
 #include <locale>
+#include <set>
 #include <stdexcept>
 #include <string_view>
-#include <unordered_set>
 
-#include "mav_host/ComMsgMgr.h"
-#include "mav_host/HEXError.h"
-#include "mav_host/HUTZip.h"
+#include "json/Letters.h"
+#include "mav_host/Messages.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
 
 using mav_platform::JSONObjectWriter;
+using mav_platform::json::equalLetters;
 
 namespace {
 
@@ -105,19 +104,24 @@ std::string HPLPlatform::getDeviceName() const {
 }
 
 unsigned HPLPlatform::getNumDDRs() const {
-    return static_cast<unsigned>(std::count_if(
-        getMemories().begin(), getMemories().end(),
-        [](const HPLMemory* memory) { return boost::istarts_with(memory->getType(), "ddr"); }));
+    return static_cast<unsigned>(
+        std::count_if(getMemories().begin(), getMemories().end(), [](const HPLMemory* memory) {
+            return equalLetters(memory->getType().substr(0, 3), "ddr");
+        }));
 }
 
 std::string HPLPlatform::getMemType() const {
-    const bool known = !getMemories().empty() && !getMemories().front()->getType().empty();
-    return known ? getMemories().front()->getType() : "ddr4";
+    for (const HPLMemory* memory : getMemories()) {
+        if (!memory->getType().empty()) return memory->getType();
+    }
+    return "ddr4";
 }
 
 std::string HPLPlatform::getMemSize() const {
-    const bool known = !getMemories().empty() && !getMemories().front()->getSize().empty();
-    return known ? getMemories().front()->getSize() : "8 GB";
+    for (const HPLMemory* memory : getMemories()) {
+        if (!memory->getSize().empty()) return memory->getSize();
+    }
+    return "8 GB";
 }
 
 int HPLPlatform::getMemSizeInGb(std::size_t index) const {
@@ -144,7 +148,7 @@ unsigned HPLPlatform::getUniqueMemoryTypeCount() const {
 }
 
 void HPLPlatform::getUniqueMemoryTypeStrings(HSTVector<std::string>& out) const {
-    std::unordered_set<std::string_view> seen;
+    std::set<std::string_view> seen;
     for (const HPLMemory* memory : getMemories()) {
         if (seen.insert(memory->getType()).second) out.push_back(memory->getType());
     }
@@ -174,7 +178,7 @@ std::string HPLPlatform::getInterfaceDesc() const {
     std::string description;
     const HMAVDesignIntentStorage intent = getDesignIntent();
     if (intent.getServerManaged() || intent.getExternalHost()) {
-        const bool wide = boost::iequals(getFpgaDevice(), WIDE_LINK_DEVICE);
+        const bool wide = equalLetters(getFpgaDevice(), WIDE_LINK_DEVICE);
         description = wide ? "PCIe gen3x16" : "PCIe gen3x8";
     }
     if (interfaces_.items().empty()) return description;
@@ -228,17 +232,6 @@ std::string HPLPlatform::getRegisterCount() const {
 
 unsigned HPLPlatform::getNumComputeUnits() const {
     return firstCore_() != nullptr ? firstCore_()->getNumComputeUnits() : 0;
-}
-
-std::string HPLPlatform::getHpfmString() const {
-    std::string member = getFile(HMAVPfmFileTypes::HPFM);
-    if (member.empty()) return "";
-    if (isChildHardwareEmuPlatform()) member = getHwEmuDir() + "/" + member;
-    try {
-        return mav_host::ZipArchive(getPlatformFile()).read(member, HUTZip::MAX_METADATA_SIZE);
-    } catch (const HEXError&) {
-        return "";
-    }
 }
 
 bool HPLPlatform::hasDimmConnectors() const {
@@ -338,7 +331,7 @@ bool HPLPlatform::removeFile(HMAVPfmFileTypes::FileType type) {
 
 bool HPLPlatform::validateFileType(const std::string& text) {
     if (HMAVPfmFileTypes::toFileType(text) != HMAVPfmFileTypes::FILE_TYPE_COUNT) return true;
-    ComMsgMgr::sendMsg(1, "platform", ComMsgMgr::WARNING, "@74-271@%s", {text});
+    mav_host::report(mav_host::messages::UNKNOWN_FILE_TYPE, text);
     return false;
 }
 

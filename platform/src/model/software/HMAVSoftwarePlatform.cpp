@@ -2,10 +2,12 @@
 #include "mav_platform/HMAVSoftwarePlatform.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/predicate.hpp>
 
+#include "json/Letters.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
+
+using mav_platform::json::equalLetters;
 
 namespace {
 
@@ -18,15 +20,15 @@ bool runsOn(const HMAVSystemConfig& config, const char* os) {
     HSTVector<HMAVProcessorGroup*> groups;
     config.getProcessorGroups(groups);
     return std::any_of(groups.begin(), groups.end(), [os](const HMAVProcessorGroup* group) {
-        return boost::iequals(group->getOSName(), os);
+        return equalLetters(group->getOSName(), os);
     });
 }
 
 bool admits(const std::string& libType, const HMAVSystemConfig& config) {
     if (libType.empty()) return true;
-    if (boost::iequals(libType, "shared")) return runsOn(config, "linux");
-    if (boost::iequals(libType, "c-callable")) return runsOn(config, "standalone");
-    return boost::iequals(libType, "static") &&
+    if (equalLetters(libType, "shared")) return runsOn(config, "linux");
+    if (equalLetters(libType, "c-callable")) return runsOn(config, "standalone");
+    return equalLetters(libType, "static") &&
            (runsOn(config, "linux") || runsOn(config, "standalone"));
 }
 
@@ -95,7 +97,7 @@ std::size_t HMAVSoftwarePlatform::getNumRuntimes() const {
 bool HMAVSoftwarePlatform::isRuntimeSupported(const std::string& runtime) {
     static constexpr const char* KNOWN[] = {"ocl", "OpenCL", "cpp", "C/C++"};
     return std::any_of(std::begin(KNOWN), std::end(KNOWN),
-                       [&](const char* known) { return boost::iequals(runtime, known); });
+                       [&](const char* known) { return equalLetters(runtime, known); });
 }
 
 bool HMAVSoftwarePlatform::isSystemConfigSupported(const std::string& name) const {

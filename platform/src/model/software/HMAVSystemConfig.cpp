@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVSystemConfig.h"
 
-#include <boost/algorithm/string/predicate.hpp>
-
+#include "json/Letters.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
+
+using mav_platform::json::equalLetters;
 
 namespace {
 
@@ -51,7 +52,7 @@ void HMAVSystemConfig::getRuntimes(HSTVector<std::string>& out) const {
 
 void HMAVSystemConfig::getRuntimesByPrettyName(HSTVector<std::string>& out) const {
     for (const std::string& key : runtimes_) {
-        if (boost::iequals(key, "cpp")) out.push_back("C/C++");
+        if (equalLetters(key, "cpp")) out.push_back("C/C++");
     }
 }
 

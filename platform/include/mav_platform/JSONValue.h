@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "mav_host/Export.h"
+
+namespace mav_platform {
+
+/// A JSON value that is made to be printed, with numbers and booleans as such, null, and lists and
+/// objects that may be empty. The platform document, whose scalars are texts, has a writer of its
+/// own: JSONObjectWriter.
+class MAV_API JSONValue {
+  public:
+    JSONValue(std::nullptr_t) : shown_("null") {}
+    template <std::same_as<bool> Boolean>
+    JSONValue(Boolean value) : shown_(value ? "true" : "false") {}
+    template <std::integral Number>
+    requires(!std::same_as<Number, bool>) JSONValue(Number value) : shown_(std::to_string(value)) {}
+    /// A text; one that is not UTF-8 is taken as ISO-8859-1.
+    JSONValue(const std::string& text);
+    JSONValue(const char* text) : JSONValue(std::string(text)) {}
+
+    static JSONValue list() { return JSONValue(Kind::LIST); }
+    static JSONValue object() { return JSONValue(Kind::OBJECT); }
+
+    /// Appends to a list, a member to an object, the member unless its text is empty. The answer is
+    /// this value. Throw std::logic_error for another kind of value.
+    JSONValue& add(JSONValue item);
+    JSONValue& add(std::string name, JSONValue value);
+    JSONValue& addUnlessEmpty(std::string name, const std::string& text);
+
+    /// The pretty form of the writers, with a line end. Members stand in the order of adding.
+    std::string text() const;
+
+  private:
+    enum class Kind { SCALAR, LIST, OBJECT };
+
+    explicit JSONValue(Kind kind) : kind_(kind) {}
+    void print(std::string& out, std::size_t depth) const;
+
+    Kind kind_ = Kind::SCALAR;
+    std::string shown_;  ///< of a scalar: as it is printed
+    std::vector<std::string> names_;
+    std::vector<JSONValue> items_;
+};
+
+}  // namespace mav_platform

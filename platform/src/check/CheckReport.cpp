@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "check/CheckReport.h"
+
+#include <algorithm>
+#include <boost/property_tree/json_parser/error.hpp>
+#include <map>
+
+#include "json/SyntaxError.h"
+#include "mav_host/HEXError.h"
+#include "mav_host/HI18N.h"
+
+namespace mav_platform {
+
+const HSTVector<CheckRule>& PlatformCheck::rules() {
+    using enum CheckFinding::Severity;
+    static const HSTVector<CheckRule> RULES = {
+        {"array-engine", ERROR, "The array-engine project holds readable partitions"},
+        {"clock-reference", ERROR, "A bus interface refers to a clock of the platform"},
+        {"default-clock", WARNING, "One of the clocks is the default one"},
+        {"default-partition", ERROR, "The default partition is one of the partitions"},
+        {"digest", ERROR, "The archive carries a digest that its members match"},
+        {"duplicate", ERROR, "Names and ids that tell things apart occur once"},
+        {"extension", ERROR, "A hardware platform is a .pka or .dsa archive"},
+        {"file-type", WARNING, "Files are listed under known types"},
+        {"hbm-preferred", WARNING, "All assignable HBM banks are preferred, or none"},
+        {"load", ERROR, "The platform loads"},
+        {"memory-overlap", ERROR, "Address ranges of memories lie apart"},
+        {"metadata", ERROR, "A hardware archive holds its metadata member"},
+        {"missing-file", ERROR, "The files that a description names exist"},
+        {"missing-member", ERROR, "The files that the metadata lists are in the archive"},
+        {"release", WARNING, "The support policy takes the platform with this tool release"},
+        {"reset-reference", ERROR, "A bus interface refers to a reset of the platform"},
+        {"schema", ERROR, "Items have the form that their format asks for"},
+        {"software-default", WARNING, "Defaults of a software platform name what is there"},
+        {"syntax", ERROR, "Documents are well-formed"},
+        {"unknown-item", WARNING, "Items are part of their format"},
+        {"unlisted-member", NOTE, "The files in the archive are listed"},
+        {"unreadable", ERROR, "Files can be read"},
+    };
+    return RULES;
+}
+
+const char* PlatformCheck::severityText(CheckFinding::Severity severity) {
+    static constexpr const char* TEXTS[] = {"error", "warning", "note"};
+    return TEXTS[severity];
+}
+
+namespace check {
+namespace {
+
+/// `lines` holds where each line begins.
+Place placeAt(const std::string& file, const std::vector<std::size_t>& lines, std::size_t offset) {
+    const auto next = std::upper_bound(lines.begin(), lines.end(), offset);
+    return {file, static_cast<std::size_t>(next - lines.begin()), offset - *(next - 1) + 1};
+}
+
+}  // namespace
+
+void Report::add(const char* rule, const Place& place, std::string text) {
+    const auto& rules = PlatformCheck::rules();
+    const auto found = std::find_if(rules.begin(), rules.end(),
+                                    [&](const CheckRule& known) { return known.name == rule; });
+    if (found == rules.end()) throw HEXAlgException(std::string("unknown rule ") + rule);
+    if (found->severity == CheckFinding::ERROR) ++errors_;
+    Tally& tally = tallies_[rule];
+    if (tally.all == LIMIT) {
+        if (tally.last.empty()) tally.last = place.file;
+        ++tally.more[tally.last];
+        return;
+    }
+    std::size_t& kept = tally.kept[place.file];
+    if (kept == LIMIT_IN_FILE) {
+        ++tally.more[place.file];
+        return;
+    }
+    ++kept;
+    ++tally.all;
+    findings_.push_back(
+        {place.file, place.line, place.column, found->severity, rule, std::move(text), 0});
+}
+
+void Report::addMore() {
+    for (const CheckRule& rule : PlatformCheck::rules()) {
+        const auto tally = tallies_.find(rule.name);
+        if (tally == tallies_.end()) continue;
+        for (const auto& [file, more] : tally->second.more) {
+            const char* const where = file == tally->second.last ? " here or in other files" : "";
+            findings_.push_back({file, 0, 0, rule.severity, rule.name,
+                                 std::to_string(more) + " more like these" + where +
+                                     (more == 1 ? " is" : " are") + " not shown",
+                                 more});
+        }
+    }
+    tallies_.clear();
+}
+
+HSTVector<CheckFinding> Report::take() {
+    addMore();
+    std::map<std::string, std::size_t> order;
+    for (const CheckFinding& finding : findings_) order.emplace(finding.file, order.size());
+    std::stable_sort(findings_.begin(), findings_.end(),
+                     [&](const CheckFinding& a, const CheckFinding& b) {
+                         if (a.file != b.file) return order.at(a.file) < order.at(b.file);
+                         if ((a.more > 0) != (b.more > 0)) return b.more > 0;
+                         if (a.line != b.line) return a.line < b.line;
+                         return a.column < b.column;
+                     });
+    return std::move(findings_);
+}
+
+std::optional<LocatedJson> LocatedJson::parse(std::string text, const std::string& file,
+                                              Report& report) {
+    if (!HI18N_isAscii(text)) text = HI18N_convertToUTF8(text);
+    std::vector<std::size_t> lines{0};
+    for (std::size_t i = text.find('\n'); i != std::string::npos; i = text.find('\n', i + 1)) {
+        lines.push_back(i + 1);
+    }
+    try {
+        json::Document document(std::move(text));
+        return LocatedJson(file, std::move(lines), std::move(document));
+    } catch (const json::SyntaxError& error) {
+        report.add("syntax", placeAt(file, lines, error.offset()), error.message());
+    } catch (const boost::property_tree::json_parser::json_parser_error& error) {
+        report.add("syntax", {file, error.line(), 0}, error.message());
+    }
+    return std::nullopt;
+}
+
+Place LocatedJson::place(const json::Node& node) const {
+    return placeAt(file_, lines_, node.offset());
+}
+
+Place LocatedJson::place(const json::Node& item, std::string_view key) const {
+    const auto found = item.find(key);
+    return place(found ? *found : item);
+}
+
+std::string shown(std::string_view text, std::size_t longest) {
+    std::size_t length = std::min(text.size(), longest);
+    // No character is cut in two.
+    const auto isInside = [&](std::size_t i) {
+        return i < text.size() && (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80;
+    };
+    for (int back = 0; back < 3 && length > 0 && isInside(length); ++back) --length;
+    std::string result = "'";
+    for (const char c : text.substr(0, length)) {
+        result += static_cast<unsigned char>(c) < 0x20 || c == 0x7f ? '?' : c;
+    }
+    return result + (length < text.size() ? "...'" : "'");
+}
+
+}  // namespace check
+}  // namespace mav_platform
