@@ -67,24 +67,4 @@ TEST(HMAVHardwareFeatureRom, CdmaIndexesEndAtFour) {
     }
 }
 
-TEST(HMAVHardwareFeatureRom, WritesExtremeNumbers) {
-    Rom rom;
-    rom.setFeatureBitMap(0x80000000U);
-    rom.setCorvelBuildID(4294967295U);
-    rom.setIpBuildID(18446744073709551615U);
-    rom.setTimeSinceEpoch(9007199254740993U);
-    rom.setDrBaseAddress(0x00AB000000000000U);
-    rom.setMaxPowerLimit(-5);
-    const auto tree = jsonTree(rom);
-    std::string seen;
-    for (const char* key : {"corvelBuildID", "ipBuildID", "timeSinceEpoch", "drBaseAddress",
-                            "featureBitMap.bit30", "featureBitMap.bit31", "maxPowerLimit"}) {
-        seen += tree.get<std::string>(key) + " ";
-    }
-    EXPECT_EQ(seen,
-              "4294967295 18446744073709551615 9007199254740993 0xab000000000000 disabled enabled "
-              "-5 ");
-    EXPECT_EQ(tree.count("fpgaPartName") + tree.count("maxTempLimit"), 0U);
-}
-
 }  // namespace

@@ -58,22 +58,6 @@ TEST_F(PlatformModel, RefusesWhatItDidNotCreate) {
     EXPECT_EQ(platform.getSoftwarePlatform(), nullptr);
 }
 
-TEST(HMAVPlatform, DeletesItsPartitions) {
-    struct Counted : HMAVReconfigurablePartition {
-        explicit Counted(int& count) : HMAVReconfigurablePartition(1), deleted(count) {}
-        ~Counted() override { ++deleted; }
-        int& deleted;
-    };
-    int deleted = 0;
-    auto platform = std::make_unique<HMAVPlatform>();
-    platform->addReconfigurablePartition(new Counted(deleted));
-    platform->addReconfigurablePartition(new Counted(deleted));
-    platform->addReconfigurablePartition(nullptr);
-    EXPECT_EQ(deleted, 0);
-    platform.reset();
-    EXPECT_EQ(deleted, 2);
-}
-
 TEST_F(PlatformModel, SoftwarePlatformsAppendAndPartitionsReplace) {
     const auto first = platform.createMutableSoftwarePlatform();
     const auto second = platform.createMutableSoftwarePlatform();
@@ -162,14 +146,6 @@ TEST_F(PlatformModel, HardwareEmulationComesFromTheFirstThatKnows) {
     EXPECT_EQ(answers(), "true|false|true");
 }
 
-TEST_F(PlatformModel, EmulationPlatformFallsBackToTheDefaultPartition) {
-    platform.setDefaultRPHardwareEmulationPlatform(hardware.get());
-    EXPECT_EQ(platform.getHardwareEmulationPlatform(), hardware.get());
-    EXPECT_FALSE(platform.hasHWEmulationPlatform());
-    platform.setHardwareEmulationPlatform(emulation.get());
-    EXPECT_EQ(platform.getHardwareEmulationPlatform(), emulation.get());
-}
-
 TEST_F(PlatformModel, TypeFollowsTheEffectiveDesignIntent) {
     EXPECT_EQ(row(platform.getTypeString(), platform.getTypePrettyString()), "|Undefined");
     platform.setDefaultRPHardwarePlatform(hardware.get());
@@ -242,18 +218,6 @@ TEST_F(PlatformModel, WritesWhatItHas) {
     platform.addReconfigurablePartition(new HMAVReconfigurablePartition(3));
     EXPECT_EQ(keysOf(jsonTree(platform).get_child("hardwarePlatforms")),
               "hardwarePlatform hwEmuPlatform reconfigurablePartitions ");
-}
-
-TEST(HMAVReconfigurablePartition, WritesItsEmulationPlatformOnlyWithAnArchiveOfItsOwn) {
-    HMAVReconfigurablePartition partition(9);
-    EXPECT_EQ(compactJson(partition), R"({"id":"9"})");
-    HPLPlatform own;
-    partition.setHardwarePlatform(&own);
-    partition.setHardwareEmulationPlatform(&own);
-    EXPECT_EQ(keysOf(jsonTree(partition)), "id hardwarePlatform ");
-    partition.setHardwareEmuPlatformFile("emu.pka");
-    EXPECT_TRUE(partition.hasDistinctHardwareEmulationPlatform());
-    EXPECT_EQ(keysOf(jsonTree(partition)), "id hardwarePlatform hwEmuPlatform ");
 }
 
 }  // namespace

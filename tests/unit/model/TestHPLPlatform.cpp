@@ -224,6 +224,13 @@ TEST_F(CardModel, SwitchListsReplace) {
     EXPECT_EQ(list, HSTVector<std::string>{"c"});
 }
 
+TEST_F(CardModel, ExtensionsAsText) {
+    boost::property_tree::ptree extensions;
+    extensions.push_back({"a.b", boost::property_tree::ptree("1")});
+    platform.setExtensions(extensions);
+    EXPECT_EQ(platform.getExtMetaJsonAsString(), "{\n    \"a.b\": \"1\"\n}\n");
+}
+
 TEST_F(CardModel, HpfmTextComesFromTheArchive) {
     const TempDir dir;
     EXPECT_EQ(platform.getHpfmString(), "");
@@ -235,34 +242,6 @@ TEST_F(CardModel, HpfmTextComesFromTheArchive) {
     EXPECT_EQ(platform.getHpfmString(), "<own/>");
     platform.setIsChildHardwareEmuPlatform(true);
     EXPECT_EQ(platform.getHpfmString(), "<emu/>");
-}
-
-TEST_F(CardModel, DefaultsAndFlagsInTheDocument) {
-    platform.addInterface();
-    platform.addDpePartition();
-    platform.setStatic(true);
-    platform.setHasExternalSources(true);
-    platform.setGeneratedByLink(true);
-    boost::property_tree::ptree extensions;
-    extensions.push_back({"a.b", boost::property_tree::ptree("1")});
-    EXPECT_TRUE(platform.getExtMetaJsonAsPtree().empty());
-    platform.setExtensions(extensions);
-    EXPECT_EQ(platform.getExtMetaJsonAsString(), "{\n    \"a.b\": \"1\"\n}\n");
-    EXPECT_EQ(
-        compactJson(platform),
-        R"({"versionMajor":"0","versionMinor":"0","hostArchitecture":"unknown","usesPR":"false",)"
-        R"("acceleratorBinaryFormat":"qclbin2","acceleratorBinaryContent":"bitstream",)"
-        R"("dcpFunctionStripped":"false","dcpEncrypted":"false","designIntent":{)"
-        R"("dataCenter":"false","embedded":"false","externalHost":"false",)"
-        R"("serverManaged":"false"},"extensions":{"a.b":"1"},"unifiedPlatform":"false",)"
-        R"("expandablePlatform":"false","hardware":"false","softwareEmulation":"false",)"
-        R"("hardwareEmulation":"false","hardwareEmuPlatform":"false","usesNIFD":"false",)"
-        R"("static":"true","generatedChangeList":"0","hasExternalSources":"true",)"
-        R"("genLink":"true","dpeHardware":{"arch":"NO_DPE","npiBaseAddress":"0","shimRows":{)"
-        R"("start":"4294967295","num":"0"},"coreRows":{"start":"4294967295","num":"0"},)"
-        R"("memRows":{"start":"4294967295","num":"0"},"archMap":{"0":"NO_DPE","1":"DPE_A",)"
-        R"("2":"DPE_B","3":"DPE_C","4":"DPE_D","5":"DPE_E","6":"DPE_F"}},)"
-        R"("dpePartitions":[{"startColumn":"0","numColumns":"0"}]})");
 }
 
 TEST_F(CardModel, MarksEveryClockOfTheDefaultName) {
