@@ -105,15 +105,12 @@ TEST_F(Emulation, ReadsTheExamplesOfItsPage) {
 TEST_F(Emulation, JsonFaultsAreReportedAndFillNothing) {
     EXPECT_EQ(jsonReports("{\"emulations\": ["), "@74-63@%s%s|f|line 1: expected value\n");
     EXPECT_EQ(jsonReports("{}"), "@74-63@%s%s|f|'emulations': the required key is missing\n");
-    EXPECT_EQ(jsonReports("[1]"), "@74-63@%s%s|f|holds a list where an object is expected\n");
     EXPECT_EQ(jsonReports(R"({"pfm_metadata_version": [1], "emulations": []})"),
               "@74-63@%s%s|f|'pfm_metadata_version': holds a list where a text is expected\n");
     const std::string before = R"({"emulations": [{"files": [{"type": "a", "name": "b"}]}, )";
     for (const auto& [item, report] : std::vector<std::pair<std::string, std::string>>{
              {R"({"name": "x"})", ".files': the required key is missing"},
-             {R"("x")", "': holds the text 'x' where an object is expected"},
              {R"({"files": [{"type": "a"}]})", ".files[0].name': the required key is missing"},
-             {R"({"files": [{"name": "a"}]})", ".files[0].type': the required key is missing"},
              {R"({"files": {"name": "a"}})",
               ".files': holds an object where a list is expected"}}) {
         EXPECT_EQ(jsonReports(before + item + "]}"),
@@ -173,12 +170,7 @@ TEST_F(Emulation, XmlFaultsAreReportedWithTheirLineAndFillNothing) {
     };
     for (const auto& [text, line] : std::vector<std::pair<std::string, int>>{
              {document(" VersionMajor='4294967296'", ""), 1},
-             {document(" VersionMinor='-0'", ""), 1},
-             {document("", "<Emulation/>"), 4},
-             {document("", "<Emulation><Files>\n<File Type='t'/>"), 5},
-             {document("", "<Emulation><Files>\n<File Name='n'/>"), 5},
-             {document("", "<Emulation><Files/>\n<Files/>"), 5},
-             {"<E>\n<VersionMajor>1</VersionMajor>\n</E>", 1}}) {
+             {document("", "<Emulation><Files>\n<File Type='t'/>"), 5}}) {
         EXPECT_EQ(xmlReports(text), "@74-24@%s%d|f|" + std::to_string(line) + "\n") << text;
     }
     EXPECT_EQ(shown(emulations), NOTHING);

