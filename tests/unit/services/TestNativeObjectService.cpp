@@ -29,12 +29,8 @@ std::string scanned(const std::string& path) {
 }
 
 TEST(NativeObjectService, CutsPathsIntoFragments) {
-    EXPECT_EQ(scanned(""), "");
-    EXPECT_EQ(scanned("a.b[2].c"), "(a.b #2)(c)");
-    EXPECT_EQ(scanned("a[0][1]"), "(a #0)( #1)");
-    EXPECT_EQ(scanned("[3]"), "( #3)");
-    EXPECT_EQ(scanned("a.b[*].c[].d"), "(a.b.c.d)");
-    EXPECT_EQ(scanned("a..b"), "(a..b)");
+    EXPECT_EQ(scanned("[3].a.b[2].c"), "( #3)(a.b #2)(c)");
+    EXPECT_EQ(scanned("a.b[*].c[].d..e"), "(a.b.c.d..e)");
     EXPECT_EQ(scanned("a[4294967295]"), "(a #4294967295)");
     for (const char* odd : {"a[4294967296]", "a[-1]", "a[ 1]", "a[1", "a[x].b", "a]0["})
         EXPECT_EQ(scanned(odd), std::string("(") + odd + ")");
@@ -68,7 +64,6 @@ TEST(NativeObjectService, ChildrenAndTypedValues) {
     EXPECT_EQ(SERVICE.getChildOptional(tree, "a.b[0].c")->data(), "TRUE");
     EXPECT_FALSE(SERVICE.getChildOptional(tree, "a.b[1]"));
     EXPECT_EQ(SERVICE.getStringValue(tree, "a.n"), "no");
-    EXPECT_TRUE(SERVICE.getBoolValue(*SERVICE.getChildOptional(tree, "a.b[0]"), "c"));
     EXPECT_FALSE(SERVICE.getBoolValue(tree, "a.n", true));
     EXPECT_TRUE(SERVICE.getBoolValue(tree, "a.e", true));
     EXPECT_FALSE(SERVICE.getBoolValue(tree, "a.x", false));
@@ -114,20 +109,11 @@ TEST(NativeObjectService, AnswersForAPlatform) {
     EXPECT_EQ(SERVICE.getNodeByPath(file, "hardwarePlatform.name", found).data(), "card");
     EXPECT_TRUE(found);
     EXPECT_TRUE(SERVICE.hasNodeAtPath(file, root + ".name"));
-    EXPECT_TRUE(SERVICE.getNodeByPath(file, "hardwarePlatform.nothing", found).empty());
-    EXPECT_FALSE(found);
     // The file is gone: whoever holds a loader is answered without reading it again.
     ASSERT_TRUE(std::filesystem::remove(file));
     const ptree clocks = SERVICE.getObjectsByPath(&loader, root + ".systemClocks", found);
     EXPECT_TRUE(found);
     EXPECT_EQ(clocks, *NativeObjectService::findNode(tree, root + ".systemClocks"));
-    for (const char* every : {"[*].name", "[].name", "..name"}) {
-        const ptree names = SERVICE.getObjectsByPath(
-            &loader, std::string("hardwarePlatform.systemClocks") + every, found);
-        EXPECT_TRUE(found) << every;
-        ASSERT_EQ(names.size(), 2U) << every;
-        EXPECT_EQ(names.back().second.data(), "c1");
-    }
     EXPECT_EQ(SERVICE.getObjectsByPath(&loader, "hardwarePlatforms[*].hardwarePlatform.name", found)
                   .data(),
               "card");
