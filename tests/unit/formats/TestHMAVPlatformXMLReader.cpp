@@ -170,15 +170,4 @@ TEST_F(TestHMAVPlatformXMLReader, KeepsWhatThePlatformReceivedBeforeTheError) {
     EXPECT_EQ(reader.getErrorMsg(), once + once);
 }
 
-TEST_F(TestHMAVPlatformXMLReader, RefusesEveryTruncation) {
-    std::string sample = documented("qpfm.md");
-    sample.erase(sample.find_last_of('>') + 1);
-    for (std::size_t length = 0; length < sample.size(); ++length) {
-        HMAVPlatform platform;
-        EXPECT_FALSE(read(sample.substr(0, length), platform)) << length;
-        EXPECT_EQ(shown(platform), "|||||||||0") << length;
-    }
-    EXPECT_EQ(messages_.all.size(), sample.size());
-}
-
 }  // namespace
