@@ -41,15 +41,9 @@ TEST(ComMsgMgr, FormatsOneLineOfLabelIdAndSentence) {
         HSTVector<std::string> args;
         std::string line;
     } rows[] = {
-        {0x4000000, "@74-10@%s", {"a"}, "INFO" + file + "a' has been written."},
         {0x8000000, "@74-10@%s", {"a"}, "WARNING" + file + "a' has been written."},
         {0x10000000, "@74-10@%s", {"a"}, "CRITICAL WARNING" + file + "a' has been written."},
         {0x20000000, "@74-10@%s", {"a"}, "ERROR" + file + "a' has been written."},
-        {ComMsgMgr::ERROR,
-         "@74-14@%s%s",
-         {"a.pka", "b.qpfm"},
-         "ERROR: [platform 74-14] The hardware platform file 'a.pka' that the platform 'b.qpfm' "
-         "names does not exist; correct the reference or put the file there."},
         // An argument is text and never a pattern, and no text begins a second line.
         {ComMsgMgr::STATUS, "@74-10@%s", {"%1%s"}, "INFO" + file + "%1%s' has been written."},
         {ComMsgMgr::STATUS, "@74-10@%s", {}, "INFO" + file + "' has been written."},
@@ -57,10 +51,6 @@ TEST(ComMsgMgr, FormatsOneLineOfLabelIdAndSentence) {
          "@74-10@%s",
          {hostile},
          "INFO" + file + "a\\x0AERROR: b\\x1B[2J\\x7F\\x00' has been written."},
-        {ComMsgMgr::STATUS,
-         "@74-10@%s",
-         {"\xc3\xa4"},
-         "INFO" + file + "\xc3\xa4' has been written."},
         // A line that is not known is not told.
         {ComMsgMgr::ERROR, "@74-51@%s%d", {"a.spfm", "0"}, unread + "; mend the file."},
         {ComMsgMgr::ERROR, "@74-51@%s%d", {"a.spfm", "10"}, unread + " at line 10; mend the file."},

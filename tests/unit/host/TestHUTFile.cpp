@@ -52,12 +52,9 @@ TEST(HUTFile, CanonicalNameFollowsDirectoriesAndKeepsTheFileName) {
         {"link/dangling.pka", "real/dangling.pka"},
         {"real/./sub/../b.pka", "real/b.pka"},
         {"link", "real"},
-        {"link/", "real"},
         {"link/sub/..", "real"},
-        {"link/.", "real"},
         {"link/none/../other.pka", "real/other.pka"},
         {"link/none/", "real/none"},
-        {"a.pka", "a.pka"},
         {"./x/../a.pka", "a.pka"},
         {"loop/../loop/a.pka", "loop/a.pka"},
     };

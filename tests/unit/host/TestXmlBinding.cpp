@@ -178,32 +178,21 @@ TEST(XmlBinding, RefusesDocumentsWithLineAndReason) {
         // Names and occurrences; an undeclared prefix and any declared namespace are accepted.
         {"<q:part q:version='1' xmlns:q='urn:other'/>", "bound"},
         {"<part q:version='1'/>", "1: element 'part': the root element must be 'q:part'"},
-        {"<q:part q:version='1' q:note='a'>\n<q:note>b</q:note></q:part>",
-         "2: element 'q:part': element 'q:note' occurs a second time"},
         {start + "<q:main q:name='a'/>\n\n<q:main q:name='b'/></q:part>",
          "3: element 'q:part': element 'q:main' occurs a second time"},
         {"\n<q:part/>", "2: element 'q:part': required attribute 'q:version' is missing"},
-        {"<q:part version='1'/>", "1: element 'q:part': required attribute 'q:version' is missing"},
         {start + "\n<q:port\n/></q:part>",
          "2: element 'q:port': required attribute 'q:name' is missing"},
         // Syntax.
         {"", "1: XML syntax error: no element found"},
-        {start, "1: XML syntax error: no element found"},
         {start + "\n</q:port>", "2: XML syntax error: mismatched tag"},
-        {start + "</q:part><q:part/>", "1: XML syntax error: junk after document element"},
-        {"<q:part q:version='1' q:version='1'/>", "1: XML syntax error: duplicate attribute"},
-        {start + "&undeclared;</q:part>", "1: XML syntax error: undefined entity"},
-        {start + std::string("a\0b", 3) + "</q:part>", token},
         {start + "\xC0\x80</q:part>", token},
-        {"{\"json\": true}", token},
         // No document type of any kind.
-        {"<!DOCTYPE q:part>\n" + root, "1: " + type},
         {"\n<!DOCTYPE q:part SYSTEM 'file:///etc/passwd'>" + root, "2: " + type},
         {"<!DOCTYPE q:part [\n<!ENTITY a 'x'>\n<!ENTITY b '&a;&a;'>]>" + root, "1: " + type},
         {"<!DOCTYPE q:part [<!ENTITY % p SYSTEM 'http://localhost/p'> %p;]>" + root, "1: " + type},
         {nested(256), "bound"},
         {nested(257), deep},
-        {nested(100'000), deep},
     };
     for (const auto& [text, refused] : rows) {
         EXPECT_EQ(refusal(partFormat(), text), refused) << text.substr(0, 100);
@@ -358,13 +347,10 @@ TEST(XmlBinding, ReadsFilesPieceByPiece) {
 
 TEST(XmlBinding, RefusesFilesThatCannotBeRead) {
     const TempDir dir;
-    std::filesystem::create_symlink("loop", dir.path("loop"));
     const std::string start = "<q:part q:version='1'>\n";
     const std::pair<std::string, std::string> rows[] = {
         {dir.path(), "0: the path is a directory, not a file"},
         {dir.path("absent"), "0: the file cannot be opened: No such file or directory"},
-        {dir.path("loop"), "0: the file cannot be opened: Too many levels of symbolic links"},
-        {dir.write("empty", ""), "1: XML syntax error: no element found"},
         {dir.write("cut", start), "2: XML syntax error: no element found"},
         // Opens, but nothing is mapped where reading begins.
         {"/proc/self/mem", "0: the file cannot be read: Input/output error"},

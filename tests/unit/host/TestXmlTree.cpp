@@ -33,20 +33,11 @@ TEST(XmlTree, KeepsAllThatStandsInADocument) {
 }
 
 TEST(XmlTree, RefusesWhatAFormatRefuses) {
-    Limits deep;
-    deep.depth = 2;
     Limits few;
     few.elements = 1;
-    Limits small;
-    small.bytes = 4;
     EXPECT_NO_THROW(Tree::parse("<a b='' c=''>x</a>", few));
-    const std::pair<const char*, Limits> rows[] = {{"<!DOCTYPE a><a/>", Limits()},
-                                                   {"<a><b><c/></b></a>", deep},
-                                                   {"<a b='' c=''>x<!----></a>", few},
-                                                   {"<a/> ", small}};
-    for (const auto& [text, limits] : rows) {
-        EXPECT_THROW(Tree::parse(text, limits), BindingError) << text;
-    }
+    EXPECT_THROW(Tree::parse("<a b='' c=''>x<!----></a>", few), BindingError);
+    EXPECT_THROW(Tree::parse("<!DOCTYPE a><a/>"), BindingError);
 }
 
 }  // namespace

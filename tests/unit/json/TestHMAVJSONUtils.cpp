@@ -84,13 +84,9 @@ TEST(HMAVJSONUtils, UnsignedValuesThatDoNotConvertAreReported) {
 }
 
 TEST(Convert, FollowsTheCConversions) {
-    static const std::string TEXTS[] = {
-        // short ones
-        "0", "12", " \t\n\v\f\r12", "+12", "-12", "- 12", "12 13", "x", "-", "+-1", "0x10", "007",
-        // at the ends of the range
-        "9223372036854775807", "9223372036854775808", "-9223372036854775808",
-        "-9223372036854775809", "99999999999999999999999"};
-    for (const std::string& text : TEXTS) {
+    for (const std::string text :
+         {" \t\n\v\f\r12", "+12", "-12", "- 12", "12 13", "x", "-", "+-1", "0x10",
+          "9223372036854775807", "9223372036854775808", "-9223372036854775809"}) {
         EXPECT_EQ(json::toLong(text, 5), std::strtol(text.c_str(), nullptr, 10)) << text;
     }
     EXPECT_EQ(json::toLong("", 5), 5);
@@ -113,7 +109,6 @@ TEST(HMAVJSONUtils, TextsAreReadAndRefused) {
     EXPECT_EQ(Utils::readJson(std::stringstream("[1]")).front().second.data(), "1");
     // Text that is no UTF-8 is taken as ISO-8859-1.
     EXPECT_EQ(Utils::readJson("[\"caf\xE9\"]").front().second.data(), "caf\xC3\xA9");
-    EXPECT_EQ(Utils::readJson("[\"caf\xC3\xA9\"]").front().second.data(), "caf\xC3\xA9");
 }
 
 TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
@@ -137,8 +132,6 @@ TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
         read.resize(static_cast<std::size_t>(::read(reader.get(), read.data(), read.size())));
         EXPECT_EQ(read, boostText(tree));
     }
-    Utils::writeJson("/dev/null", tree);
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
     EXPECT_EQ(refusal([&] { Utils::writeJson("/dev/full", tree); }),
               "json_parser_error /dev/full: The file '/dev/full' cannot be written (writing): No "
               "space left on device");
@@ -156,21 +149,9 @@ TEST(HMAVJSONUtils, FilesAreReadWrittenAndRefused) {
         EXPECT_EQ(refusal([&] { read(missing); }),
                   "HEXAlgException Failed to read platform: " + missing + ": cannot open file");
     }
-    EXPECT_EQ(
-        refusal([&] { Utils::writeJson(missing + "/x", ptree()); }).rfind("json_parser_error ", 0),
-        0U);
     const HostKey key(std::string(32, 'k'));
     isl::iostreams::xp::write(path, "{\"a\": \"b\"}");
     EXPECT_EQ(Utils::readJsonFileDecrypt(path).get<std::string>("a"), "b");
-    {
-        struct final : mav_host::KeyProvider {
-            std::optional<std::string> key() const override { throw HEXUserException("no key"); }
-        } broken;
-        mav_host::KeyProvider* const before = mav_host::setKeyProvider(&broken);
-        EXPECT_EQ(refusal([&] { Utils::readJsonFileDecrypt(path); }),
-                  "HEXAlgException Failed to read platform: no key");
-        mav_host::setKeyProvider(before);
-    }
     std::string changed = dir.read("doc.json");
     changed.back() = static_cast<char>(~changed.back());
     dir.write("doc.json", changed);
