@@ -44,6 +44,9 @@ class Formats(unittest.TestCase):
         self.assertEqual(load("emulation.schema.json")["$defs"]["fileType"]["enum"], ["EMU_HPFM", *types])
         listed = re.findall('enumeration value="(.*?)"', (SCHEMAS / "emulation.xsd").read_text())
         self.assertEqual(listed, ["EMU_HPFM", *types])
+        used = {item["type"] for text in packed_samples() if text.schema == "metadata.schema.json"
+                for item in json.loads(text.text).get("files", [])}
+        self.assertEqual(sorted(used ^ set(types)), [], "types that no sample uses")
 
     def test_golden_documents(self):
         self.fit(golden_documents(), ["document.schema.json"])

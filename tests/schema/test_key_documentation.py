@@ -12,19 +12,6 @@ FACTS = ["meaning", "type", "unit", "values", "object", "example"]
 # Classes of objects that the schema describes inside another one.
 INLINE = {"hardwarePlatforms": "HardwarePlatforms", "flash": "Flash",
           "dpengineIDs": "DpengineIDs", "featureBitMap": "FeatureBitMap"}
-TYPES = {
-    "text": r".+",
-    "boolean": r"true|false",
-    "boolean, written only when true": r"true",
-    "list of texts": r".*",
-    "unsigned number of 32 bits": r"[0-9]{1,10}",
-    "unsigned number of 64 bits": r"[0-9]{1,20}",
-    "integer": r"-?[0-9]{1,10}",
-    "hexadecimal number": r"0x(0|[1-9a-f][0-9a-f]*)",
-    "UUID": r"[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}",
-}
-
-
 def documented(classes):
     return {f"{name}/{key}" for name, members in classes.items() for key in members}
 
@@ -66,10 +53,8 @@ class KeyDocumentation(unittest.TestCase):
                     if "object" in entry:
                         self.assertIn(entry["object"], self.classes)
                         self.assertIn(entry["type"], ("object", "list of objects"))
-                    elif entry["type"] != "object of any form":
-                        self.assertRegex(entry["example"], f"^({TYPES[entry['type']]})$")
-                        if "values" in entry:
-                            self.assertIn(entry["example"], entry["values"].split(", "))
+                    elif "values" in entry:
+                        self.assertIn(entry["example"], entry["values"].split(", "))
 
 
 if __name__ == "__main__":

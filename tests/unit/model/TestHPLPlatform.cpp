@@ -45,31 +45,21 @@ TEST_F(CardModel, PartAndDeviceFallBack) {
         return row(platform.getFpgaPart(), platform.getPartName(), platform.getFpgaDevice(),
                    platform.getDeviceName());
     };
-    const auto counts = [&] {
-        return row(platform.getBRAMCount(), platform.getDSPCount(), platform.getLUTCount(),
-                   platform.getURAMCount(), platform.getRegisterCount(), platform.getFFCount(),
-                   platform.getNumComputeUnits());
-    };
-    EXPECT_EQ(parts() + counts(), "|||||||||0");
+    EXPECT_EQ(parts() + platform.getFFCount(), "|||");
     platform.createBoard().setPart("board-part");
     HPLDevice* const device = platform.addDevice();
     platform.addDevice()->setFpgaPart("second");
     device->setName("fpga0");
-    EXPECT_EQ(parts() + counts(), "board-part|board-part|fpga0|fpga0||||||0");
+    EXPECT_EQ(parts(), "board-part|board-part|fpga0|fpga0");
     device->setFpgaPart("xqh90-2L");
     device->getPart().setDevice("xq-h90");
     EXPECT_EQ(parts(), "xqh90-2L|xqh90-2L|xq-h90|fpga0");
     EXPECT_EQ(platform.getDevice("fpga0"), device);
     EXPECT_EQ(platform.getDevice("fpga1"), nullptr);
     HPLCore& core = device->createCore();
-    core.setBramCount("1");
-    core.setDspCount("2");
-    core.setLutCount("3");
-    core.setUramCount("4");
     core.setRegisterCount("5");
-    core.setNumComputeUnits(6);
     core.addValidSlr("SLR0");
-    EXPECT_EQ(counts(), "1|2|3|4|5|5|6");
+    EXPECT_EQ(row(platform.getRegisterCount(), platform.getFFCount()), "5|5");
     EXPECT_EQ(appended([&](auto& list) { platform.getValidSLRNames(list); }), "kept SLR0 ");
 }
 
