@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 
@@ -77,6 +78,19 @@ simdjson::padded_string inflate(const Mapping& file, std::string_view name) {
     fail();
 }
 
+/// The document's key for an attribute of the hpfm, without its prefix.
+std::string_view keyOf(std::string_view name) {
+    static constexpr std::pair<std::string_view, std::string_view> OTHERS[] = {
+        {"instanceRef", "instRef"}, {"componentRef", "compRef"},
+        {"busTypeRef", "typeRef"},  {"busInterfaceRef", "interfaceRef"},
+        {"memport", "memPort"},     {"sptag", "spTag"},
+        {"idBits", "numIdBits"},
+    };
+    for (const auto& [attribute, key] : OTHERS)
+        if (name == attribute) return key;
+    return name;
+}
+
 /// Writes pretty JSON into one buffer that is large enough from the start; untouched pages of it
 /// cost nothing.
 class Writer {
@@ -113,7 +127,21 @@ class Writer {
     }
     void list(od::array items, int depth) {
         raw("[\n");
+        items_(items, depth, true);
+    }
+    /// The list of bus interfaces: those of the hpfm first.
+    void list(const pugi::xml_document& hpfm, od::array items, int depth) {
+        raw("[\n");
         bool first = true;
+        for (const pugi::xml_node bus : hpfm.first_child().first_child()) {
+            if (!first) raw(",\n");
+            first = false;
+            blanks(depth + 1);
+            element(bus, depth + 1);
+        }
+        items_(items, depth, first);
+    }
+    void items_(od::array items, int depth, bool first) {
         for (od::value item : items) {
             if (!first) raw(",\n");
             first = false;
@@ -123,6 +151,33 @@ class Writer {
         raw("\n");
         blanks(depth);
         raw("]");
+    }
+    void element(pugi::xml_node node, int depth) {
+        raw("{\n");
+        bool first = true;
+        for (const pugi::xml_attribute attribute : node.attributes()) {
+            if (!first) raw(",\n");
+            first = false;
+            blanks(depth + 1);
+            quoted(keyOf(attribute.name() + 3));
+            raw(": ");
+            quoted(attribute.value());
+        }
+        if (node.first_child()) {
+            raw(",\n");
+            blanks(depth + 1);
+            raw("\"addressSegments\": [\n");
+            for (const pugi::xml_node child : node) {
+                blanks(depth + 2);
+                element(child, depth + 2);
+                raw(child.next_sibling() ? ",\n" : "\n");
+            }
+            blanks(depth + 1);
+            raw("]");
+        }
+        raw("\n");
+        blanks(depth);
+        raw("}");
     }
     void object(od::object members, int depth) {
         raw("{\n");
@@ -242,7 +297,10 @@ FloorText floorJson(const char* path) {
     const Mapping file(path);
     const simdjson::padded_string text = inflate(file, "pka.json");
     // What 2-blank indentation and bare text become with deeper indentation stays below this.
-    Writer out(text.size() * 3 + (1U << 16U));
+    simdjson::padded_string hpfmText = inflate(file, "card.hpfm");
+    pugi::xml_document hpfm;
+    if (!hpfm.load_buffer_inplace(hpfmText.data(), hpfmText.size(), pugi::parse_minimal)) fail();
+    Writer out((text.size() + hpfmText.size()) * 3 + (1U << 16U));
     od::parser parser;
     od::document document = parser.iterate(text);
     od::object root = document.get_object();
@@ -266,7 +324,10 @@ FloorText floorJson(const char* path) {
     betweenLists(out, path, vendor, board, name);
     list("systemClocks", ",\n");
     list("ipParameters", ",\n");
-    list("busInterfaces", "\n");
+    out.blanks(3);
+    out.raw("\"busInterfaces\": ");
+    out.list(hpfm, next("busInterfaces").get_array(), 3);
+    out.raw("\n");
     out.raw("        }\n    }\n}\n");
     return out.take();
 }

@@ -34,8 +34,9 @@ std::string attribute(std::string_view name) {
 
 /// Namespace declarations and what the XML standards themselves put on elements.
 bool isStandard(std::string_view attribute) {
-    return attribute == "xmlns" || attribute.starts_with("xmlns:") ||
-           attribute.starts_with("xml:") || attribute.starts_with("xsi:");
+    return attribute.starts_with('x') &&
+           (attribute == "xmlns" || attribute.starts_with("xmlns:") ||
+            attribute.starts_with("xml:") || attribute.starts_with("xsi:"));
 }
 
 std::string missing(const Item& item) {
@@ -56,7 +57,7 @@ std::string_view Binder::compared(std::string_view name) const {
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
-void Binder::start(std::string_view name, const char* const* attributes) {
+void Binder::start(std::string_view name, Attributes attributes) {
     if (open_ + ignored_ >= document_.limits.depth)
         stop(BindingError::Kind::Limit, locator_.position(),
              element(name) + ": nested deeper than " + std::to_string(document_.limits.depth) +
@@ -69,14 +70,14 @@ void Binder::start(std::string_view name, const char* const* attributes) {
         startChild(name, attributes);
 }
 
-void Binder::startRoot(std::string_view name, const char* const* attributes) {
+void Binder::startRoot(std::string_view name, Attributes attributes) {
     if (!document_.root.empty() && compared(name) != document_.root)
         stop(BindingError::Kind::Format, locator_.position(),
              element(name) + ": the root element must be " + quoted(document_.root));
     open(name, document_.list.get(), nullptr, root_, attributes);
 }
 
-void Binder::startChild(std::string_view name, const char* const* attributes) {
+void Binder::startChild(std::string_view name, Attributes attributes) {
     Frame& parent = frames_[open_ - 1];
     const std::size_t index =
         parent.list != nullptr ? parent.list->findElement(compared(name)) : ElementList::npos;
@@ -108,7 +109,7 @@ void Binder::startChild(std::string_view name, const char* const* attributes) {
 }
 
 void Binder::open(std::string_view name, const ElementList* list, const Item* value, void* object,
-                  const char* const* attributes) {
+                  Attributes attributes) {
     if (++elements_ > document_.limits.elements)
         stop(BindingError::Kind::Limit, locator_.position(),
              element(name) + ": the document has more than " +
@@ -135,12 +136,11 @@ void Binder::open(std::string_view name, const ElementList* list, const Item* va
     bindAttributes(frame, attributes);
 }
 
-void Binder::bindAttributes(Frame& frame, const char* const* attributes) {
-    for (; *attributes != nullptr; attributes += 2) {
-        const std::string_view name = attributes[0];
-        const std::string_view text = attributes[1];
+void Binder::bindAttributes(Frame& frame, Attributes attributes) {
+    std::size_t guess = 0;
+    for (const auto& [name, text] : attributes) {
         if (isStandard(name)) continue;
-        const std::size_t index = frame.list->findAttribute(compared(name));
+        const std::size_t index = frame.list->findAttribute(compared(name), guess);
         if (index == ElementList::npos) {
             find(Finding::Kind::Attribute, name, frame.name);
             continue;
@@ -159,9 +159,9 @@ void Binder::bindAttributes(Frame& frame, const char* const* attributes) {
     checkAttributes(frame);
 }
 
-void Binder::ignoreAttributes(const Frame& frame, const char* const* attributes) {
-    for (; *attributes != nullptr; attributes += 2)
-        if (!isStandard(*attributes)) find(Finding::Kind::Attribute, *attributes, frame.name);
+void Binder::ignoreAttributes(const Frame& frame, Attributes attributes) {
+    for (const AttributeView& attribute : attributes)
+        if (!isStandard(attribute.name)) find(Finding::Kind::Attribute, attribute.name, frame.name);
 }
 
 void Binder::checkAttributes(const Frame& frame) {

@@ -16,9 +16,11 @@ namespace mav_host::xml::detail {
 /// BindingError for what the format does not allow.
 class Binder final : public Events {
   public:
+    using Attributes = std::span<const AttributeView>;
+
     Binder(const Document& document, void* root, Findings* findings, const Locator& locator);
 
-    void start(std::string_view name, const char* const* attributes) override;
+    void start(std::string_view name, Attributes attributes) override;
     void end() override;
     void characters(std::string_view text) override;
 
@@ -36,12 +38,12 @@ class Binder final : public Events {
     };
 
     std::string_view compared(std::string_view name) const;
-    void startRoot(std::string_view name, const char* const* attributes);
-    void startChild(std::string_view name, const char* const* attributes);
+    void startRoot(std::string_view name, Attributes attributes);
+    void startChild(std::string_view name, Attributes attributes);
     void open(std::string_view name, const ElementList* list, const Item* value, void* object,
-              const char* const* attributes);
-    void bindAttributes(Frame& frame, const char* const* attributes);
-    void ignoreAttributes(const Frame& frame, const char* const* attributes);
+              Attributes attributes);
+    void bindAttributes(Frame& frame, Attributes attributes);
+    void ignoreAttributes(const Frame& frame, Attributes attributes);
     void checkAttributes(const Frame& frame);
     void checkContent(const Frame& frame);
     /// Keeps the fault when that is asked for, else throws it.

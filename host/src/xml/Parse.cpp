@@ -11,17 +11,31 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
 #include <random>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "xml/Binder.h"
+#include "xml/plain/PlainDocument.h"
 
 namespace mav_host::xml::detail {
 namespace {
 
 constexpr int FIRST_PIECE = 64 << 10;
 constexpr int LARGEST_PIECE = 64 << 20;
+#ifdef MAV_PLAIN_XML
+constexpr bool PLAIN_FIRST = true;
+#else
+constexpr bool PLAIN_FIRST = false;
+#endif
+
+void checkSize(std::size_t size, const Limits& limits) {
+    if (size <= limits.bytes) return;
+    throw BindingError(BindingError::Kind::Limit,
+                       "the document is larger than " + std::to_string(limits.bytes) + " bytes");
+}
 
 struct FreeParser {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
@@ -100,7 +114,12 @@ class Parse final : public Locator {
         }
     }
     static void XMLCALL onStart(void* self, const XML_Char* name, const XML_Char** attributes) {
-        guarded(self, [&](Parse& parse) { parse.events_->start(name, attributes); });
+        guarded(self, [&](Parse& parse) {
+            parse.attributes_.clear();
+            for (; *attributes != nullptr; attributes += 2)
+                parse.attributes_.push_back({attributes[0], attributes[1]});
+            parse.events_->start(name, parse.attributes_);
+        });
     }
     static void XMLCALL onEnd(void* self, const XML_Char*) {
         guarded(self, [](Parse& parse) { parse.events_->end(); });
@@ -149,10 +168,7 @@ class Parse final : public Locator {
     }
     void addSize(std::size_t size) {
         size_ += size;
-        if (size_ > limits_.bytes)
-            throw BindingError(
-                BindingError::Kind::Limit,
-                "the document is larger than " + std::to_string(limits_.bytes) + " bytes");
+        checkSize(size_, limits_);
     }
 
     const Limits& limits_;
@@ -161,6 +177,7 @@ class Parse final : public Locator {
     std::exception_ptr failure_;
     std::unique_ptr<Events> events_;
     MarkupEvents* markup_ = nullptr;  ///< the events, when they take markup too
+    std::vector<AttributeView> attributes_;
 };
 
 void Parse::text(std::string_view text) {
@@ -236,17 +253,42 @@ class OpenFile {
     int file_;
 };
 
+/// The text of a small file that ends where it claims to.
+std::optional<std::string> smallText(int file, std::size_t claimedSize) {
+    if (claimedSize >= std::size_t{FIRST_PIECE}) return std::nullopt;
+    std::string text(claimedSize + 1, '\0');
+    text.resize(readPiece(file, text.data(), text.size()));
+    if (text.size() == claimedSize) return text;
+    if (lseek(file, 0, SEEK_SET) != 0)
+        throw BindingError(BindingError::Kind::Unreadable,
+                           "the file cannot be read: " + std::generic_category().message(errno));
+    return std::nullopt;
+}
+
 }  // namespace
+
+bool parsePlain(std::string_view text, const MakeEvents& make) {
+    PlainDocument document(text);
+    if (!document.check()) return false;
+    document.replay(*make(document));
+    return true;
+}
 
 void parseFile(const std::string& path, const Limits& limits, const MakeEvents& make) {
     const OpenFile file(path);
     const std::size_t size = file.size();
+    if (const auto text = smallText(file.get(), size)) {
+        parseText(*text, limits, make);
+        return;
+    }
     Parse parse(limits);
     parse.to(make(parse));
     parse.stream(file.get(), size);
 }
 
 void parseText(std::string_view text, const Limits& limits, const MakeEvents& make) {
+    checkSize(text.size(), limits);
+    if (PLAIN_FIRST && parsePlain(text, make)) return;
     Parse parse(limits);
     parse.to(make(parse));
     parse.text(text);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -24,12 +25,17 @@ class Locator {
     virtual Position position() const = 0;
 };
 
+/// One attribute of a start tag.
+struct AttributeView {
+    std::string_view name;
+    std::string_view value;
+};
+
 /// Takes the parts of a document in its order, as UTF-8. What an operation throws ends the parse.
 class Events {
   public:
     virtual ~Events() = default;
-    /// `attributes` is name, value, name, value, … and a null.
-    virtual void start(std::string_view name, const char* const* attributes) = 0;
+    virtual void start(std::string_view name, std::span<const AttributeView> attributes) = 0;
     virtual void end() = 0;
     virtual void characters(std::string_view text) = 0;
 };
@@ -51,5 +57,7 @@ using MakeMarkupEvents = std::function<std::unique_ptr<MarkupEvents>(const Locat
 void parseFile(const std::string& path, const Limits& limits, const MakeEvents& make);
 void parseText(std::string_view text, const Limits& limits, const MakeEvents& make);
 void parseMarkup(std::string_view text, const Limits& limits, const MakeMarkupEvents& make);
+/// The quick way of the others. False, with nothing made, for a document that is not plain.
+bool parsePlain(std::string_view text, const MakeEvents& make);
 
 }  // namespace mav_host::xml::detail

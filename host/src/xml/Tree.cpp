@@ -18,15 +18,15 @@ class Builder final : public detail::MarkupEvents {
     Builder(Tree& tree, const Limits& limits, const detail::Locator& locator)
         : tree_(tree), limits_(limits), locator_(locator) {}
 
-    void start(std::string_view name, const char* const* attributes) override {
+    void start(std::string_view name, std::span<const detail::AttributeView> attributes) override {
         if (open_.size() == limits_.depth)
             refuse("elements are nested deeper than " + std::to_string(limits_.depth));
         count();
         Node node;
         node.name = name;
-        for (; *attributes != nullptr; attributes += 2) {
+        for (const auto& [key, value] : attributes) {
             count();
-            node.attributes.push_back({attributes[0], attributes[1]});
+            node.attributes.push_back({std::string(key), std::string(value)});
         }
         if (open_.empty()) {
             tree_.root = std::move(node);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/xml/Binding.h"
 #include "support/Doubles.h"
+#include "support/PlainXml.h"
 
 namespace {
 
@@ -214,6 +216,51 @@ TEST(XmlBinding, RefusesDocumentsWithLineAndReason) {
               "2: element 'q:tag': the document has more than 3 elements");
     EXPECT_EQ(refusal(limited, start + std::string(100, ' ') + "</q:part>"),
               "0: the document is larger than 60 bytes");
+}
+
+// Beside the rows each beginning of one, and each with one byte changed or put in.
+TEST(XmlBinding, PlainDocumentsAreReadAsTheParserReadsThem) {
+    using plain_xml::Way;
+    const std::string many = [] {
+        std::string text = "<a";
+        for (int i = 0; i < 64; ++i) text += " a" + std::to_string(i) + "=''";
+        return text;
+    }();
+    const std::pair<std::string, bool> rows[] = {
+        {"<a/>", true},
+        {"<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>\n<a/>\n", true},
+        {"<!-- c -->\n<a:b c.d=\"x 'y'\"\n\t_e-1='\"z\"' >\n t<b /> ]] u\n</a:b >\n<!--->--> ",
+         true},
+        {"<a>" + nested(255) + "</a>", true},
+        {nested(257), false},
+        {many + "/>", true},
+        {many + " z=''/>", false},
+        {"<a b='\n'/>", false},
+        {"<a b = ''/>", false},
+        {"<a>&amp;</a>", false},
+        {"<a>\r\n</a>", false},
+        {"<a>\xC3\xA4</a>", false},
+        {"<a><![CDATA[b]]></a>", false},
+        {"<a b='1' b='1'/>", false},
+        {"<a></b>", false},
+        {"<a/><b/>", false},
+        {"<a/>text", false},
+        {"<!-- c -- c --><a/>", false},
+    };
+    for (const auto& [text, plain] : rows) {
+        EXPECT_EQ(plain_xml::compare(text), plain ? Way::SAME : Way::LEFT_TO_THE_PARSER) << text;
+        for (std::size_t at = 0; at < std::min<std::size_t>(text.size(), 200); ++at) {
+            EXPECT_NE(plain_xml::compare(text.substr(0, at)), Way::DIFFERENT) << text << at;
+            for (const char c : {'<', '>', '/', '"', '-', '=', 'a', ' ', '\n', ']', '&', '\0'}) {
+                std::string changed = text;
+                changed[at] = c;
+                EXPECT_NE(plain_xml::compare(changed), Way::DIFFERENT) << changed;
+                changed = text;
+                changed.insert(at, 1, c);
+                EXPECT_NE(plain_xml::compare(changed), Way::DIFFERENT) << changed;
+            }
+        }
+    }
 }
 
 TEST(XmlBinding, NamesRequiredElementsAndTexts) {

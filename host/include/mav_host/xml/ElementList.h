@@ -50,8 +50,17 @@ class MAV_API ElementList {
     /// names, and for a second choice.
     void addChoice(const std::vector<std::vector<std::string>>& alternatives);
 
-    /// Index of the item of this name, `npos` when there is none.
-    std::size_t findAttribute(std::string_view name) const { return find(attributes_, name); }
+    /// Index of the item of this name, `npos` when there is none. The search for an attribute
+    /// begins at `guess`, which then stands behind what was found: most documents keep one order.
+    std::size_t findAttribute(std::string_view name, std::size_t& guess) const {
+        if (items_.size() > FEW_ITEMS) return find(attributes_, name);
+        for (std::size_t tried = 0; tried < items_.size(); ++tried) {
+            const std::size_t index = guess < items_.size() ? guess : 0;
+            guess = index + 1;
+            if (items_[index].name == name && items_[index].place != Place::Element) return index;
+        }
+        return npos;
+    }
     std::size_t findElement(std::string_view name) const { return find(elements_, name); }
     const std::vector<Item>& items() const { return items_; }
 
@@ -74,6 +83,9 @@ class MAV_API ElementList {
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
   private:
+    /// Lists with more items are searched by hash.
+    static constexpr std::size_t FEW_ITEMS = 32;
+
     struct Hash : std::hash<std::string_view> {
         using is_transparent = void;
     };
