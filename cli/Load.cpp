@@ -6,8 +6,6 @@
 #include "Command.h"
 #include "Output.h"
 #include "mav_host/HEXError.h"
-#include "mav_platform/HMAVHardwarePlatform.h"
-#include "mav_platform/HMAVReconfigurablePartition.h"
 
 namespace {
 
@@ -52,31 +50,6 @@ std::unique_ptr<PlatformLoader> loadFile(const std::string& command, const std::
                       advice);
     }
     throw Failure(subject + ". Correct what the messages above name" + advice);
-}
-
-std::string partitionsFault(const HMAVHardwarePlatform& hardware) {
-    try {
-        hardware.initDpePartitions();
-        return "";
-    } catch (const HEXError& error) {
-        return error.what();
-    }
-}
-
-std::string partitionsFault(const HMAVPlatform& platform) {
-    HSTVector<const HMAVHardwarePlatform*> all{platform.getHardwarePlatform(),
-                                               platform.getHardwareEmulationPlatform()};
-    HSTVector<HMAVReconfigurablePartition*> partitions;
-    platform.getReconfigurablePartitions(partitions);
-    for (const HMAVReconfigurablePartition* partition : partitions) {
-        all.push_back(partition->getHardwarePlatform());
-        all.push_back(partition->getHardwareEmulationPlatform());
-    }
-    for (const HMAVHardwarePlatform* hardware : all) {
-        std::string fault = hardware != nullptr ? partitionsFault(*hardware) : "";
-        if (!fault.empty()) return fault;
-    }
-    return "";
 }
 
 }  // namespace cli

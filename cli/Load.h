@@ -15,9 +15,4 @@ std::unique_ptr<mav_platform::PlatformLoader> loadFile(
     const std::string& command, const std::string& file,
     mav_platform::HwMetadataMode mode = mav_platform::PlatformLoader::HW_METADATA_AUTO);
 
-/// Why a platform has no whole document although it loads: an array-engine project that cannot be
-/// read. Empty when nothing is in the way.
-std::string partitionsFault(const HMAVHardwarePlatform& hardware);
-std::string partitionsFault(const HMAVPlatform& platform);
-
 }  // namespace cli

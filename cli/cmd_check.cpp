@@ -6,11 +6,13 @@
 #include "Output.h"
 #include "mav_platform/HMAVNativeCatalogService.h"
 #include "mav_platform/JSONValue.h"
+#include "mav_platform/partitionsFault.h"
 
 namespace cli {
 namespace {
 
 using mav_platform::JSONValue;
+using mav_platform::partitionsFault;
 
 using mav::platform::NativeCatalogService;
 

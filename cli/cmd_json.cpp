@@ -34,9 +34,7 @@ void run(const Options& options) {
     const auto platform = loader->load();
     mav_platform::JSONObjectWriter writer;
     if (options.shortForm) {
-        writer.addKey("uniqueName", platform->getUniqueName());
-        writer.addKey("file", platform->getPlatformFile());
-        writer.addKey("description", platform->getDescription());
+        platform->toShortJSON(writer);
     } else {
         guarded("describe", options.file, [&] { writer.writeObject(platform.get()); });
     }

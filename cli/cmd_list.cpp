@@ -23,11 +23,13 @@
 #include "mav_platform/HMAVPlatformMgr.h"
 #include "mav_platform/HMAVPlatformUtils.h"
 #include "mav_platform/JSONValue.h"
+#include "mav_platform/partitionsFault.h"
 
 namespace cli {
 namespace {
 
 using mav_platform::JSONValue;
+using mav_platform::partitionsFault;
 
 using Platforms = HSTVector<HMAVPlatform*>;
 using Refusal = HMAVPlatformMgr::Refusal;

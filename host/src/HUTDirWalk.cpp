@@ -20,7 +20,7 @@
 
 namespace {
 
-HUTDirWalkProgress* theProgress = nullptr;
+thread_local HUTDirWalkProgress* theProgress = nullptr;
 
 using mav_host::DirIdentity;
 using mav_host::DirItem;

@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -29,6 +30,7 @@ constexpr unsigned COMPILED_MAJOR = 2026;
 constexpr unsigned COMPILED_MINOR = 1;
 
 HUTEnvProvider* theProvider = nullptr;
+std::mutex theProductGuard;
 std::string theProductName;
 
 /// A directory that this process made, and what tells it from another one of its name.
@@ -115,7 +117,9 @@ class DefaultProvider final : public HUTEnvProvider {
     }
 
     std::string getTmpDir() const override {
+        static std::mutex guard;
         static TmpDir dir;
+        const std::lock_guard<std::mutex> hold(guard);
         if (dir.owner != ::getpid()) dir.made.clear();
         dir.owner = ::getpid();
         // A cleaner of old temporary files may have removed it from a tool that runs for days, and
@@ -190,10 +194,12 @@ unsigned HUTEnv::getMinor() {
 }
 
 std::string HUTEnv::getProductName() {
+    const std::lock_guard<std::mutex> hold(theProductGuard);
     return theProductName;
 }
 
 void HUTEnv::setProductName(const std::string& name) {
+    const std::lock_guard<std::mutex> hold(theProductGuard);
     theProductName = name;
 }
 
@@ -204,6 +210,6 @@ void HUTEnv::pinTimeZone() {
 HUTEnvProvider* HUTEnv::setProvider(HUTEnvProvider* newProvider) {
     HUTEnvProvider* const before = theProvider;
     theProvider = newProvider;
-    theProductName.clear();
+    setProductName("");
     return before;
 }

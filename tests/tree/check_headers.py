@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Compiles each installed header alone, twice included, as C++20; a C header (*_c.h) as C11 too.
+"""Compiles each installed header alone, twice included, as C++20; a C header (*_c.h) as C89 and C11
+too.
 
 Usage: check_headers.py --compiler C++ --root DIR [--root DIR] -- WARNING...
 """
@@ -34,8 +35,9 @@ def jobs_of(options):
             header = path.relative_to(root).as_posix()
             yield header, command(options.compiler, "c++", "c++20", options.warnings, options.root)
             if header.endswith("_c.h"):
-                yield header, command(C_COMPILERS[options.compiler], "c", "c11", C_WARNINGS,
-                                      options.root)
+                for standard in ("c89", "c11"):
+                    yield header, command(C_COMPILERS[options.compiler], "c", standard, C_WARNINGS,
+                                          options.root)
 
 
 def main():

@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: Apache-2.0
+/* SPDX-License-Identifier: Apache-2.0 */
 #ifndef MAV_HOST_EXPORT_H
 #define MAV_HOST_EXPORT_H
 

@@ -45,8 +45,8 @@ class MAV_API HUTDirWalk {
     /// would be more entries than are left; what a visitor throws passes through.
     static bool walk(const std::string& dir, const Options& options, const Visitor& visit);
 
-    /// Installs who is told of every entry; null tells nobody. It stays owned by the caller and
-    /// must outlive its installation. Answers the one in force before.
+    /// Installs who is told of every entry on this thread; null tells nobody. It stays owned by the
+    /// caller and must outlive its installation. Answers the one in force before.
     static HUTDirWalkProgress* setProgress(HUTDirWalkProgress* progress);
 };
 

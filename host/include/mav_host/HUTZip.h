@@ -117,8 +117,8 @@ class MAV_API HUTZip {
 
     /// Members larger than this, in bytes (64 MiB), have their progress told.
     static constexpr std::uint64_t PROGRESS_SIZE = std::uint64_t{1} << 26;
-    /// Who is told; null is nobody. It stays owned by the caller and must outlive its installation.
-    /// Answers the one in force before.
+    /// Who is told of work on this thread; null is nobody. It stays owned by the caller and must
+    /// outlive its installation. Answers the one in force before.
     static mav_host::ZipProgress* setProgress(mav_host::ZipProgress* listener);
 
     /// True when the file begins with a zip signature. Never throws.

@@ -64,8 +64,9 @@ MAV_API std::optional<std::string> key();
 MAV_API KeyProvider* setKeyProvider(KeyProvider* provider);
 
 /// Puts every host service back to its default: environment, message sink, console, key provider,
-/// progress of archives,
-/// board data and hardware database.
+/// board data and hardware database; and, on this thread, who is told of progress. Host services
+/// belong to the process: they are replaced while no other thread uses the library, and must
+/// themselves take calls from several threads where the library is used from several.
 MAV_API void resetHost();
 
 }  // namespace mav_host

@@ -7,7 +7,7 @@ namespace mav_host {
 namespace {
 
 ZipProgress*& listener() {
-    static ZipProgress* installed = nullptr;
+    thread_local ZipProgress* installed = nullptr;
     return installed;
 }
 

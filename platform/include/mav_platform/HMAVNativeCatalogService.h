@@ -66,11 +66,14 @@ class MAV_API NativeCatalogService : public CatalogService {
 
     /// Judges for this tool release instead of the host's; an empty text is a versionless tool.
     void setTestCompilerVersion_(const std::string& version) { testCompilerVersion_ = version; }
+    /// Judges for this product instead of the host's, which stays what it is.
+    void setProduct_(const std::string& product) { product_ = product; }
     /// The tool release such as "2026.1"; empty for a versionless tool.
     std::string getCompilerVersion_() const;
 
   private:
     std::optional<std::string> testCompilerVersion_;
+    std::optional<std::string> product_;
 };
 
 }  // namespace mav::platform

@@ -24,6 +24,8 @@ class MAV_API HMAVPlatform : public mav_platform::JSONSerializable {
   public:
     HMAVPlatform();
     void toJSON(mav_platform::JSONObjectWriter& writer) const override;
+    /// "uniqueName", "file" and "description" alone.
+    void toShortJSON(mav_platform::JSONObjectWriter& writer) const;
     ~HMAVPlatform() override;
     HMAVPlatform(const HMAVPlatform&) = delete;
     HMAVPlatform& operator=(const HMAVPlatform&) = delete;

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <ostream>
@@ -7,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "capi/Call.h"
 #include "mav_host/Host.h"
 #include "mav_host/ReportScope.h"
 #include "mav_platform/HMAVPlatform.h"
@@ -26,16 +26,7 @@ void fillWhole(const HMAVPlatform& platform, JSONObjectWriter& writer) {
 }
 
 void fillShort(const HMAVPlatform& platform, JSONObjectWriter& writer) {
-    writer.addKey("uniqueName", platform.getUniqueName());
-    writer.addKey("file", platform.getPlatformFile());
-    writer.addKey("description", platform.getDescription());
-}
-
-char* newText(std::string_view text) {
-    char* copy = new char[text.size() + 1];
-    std::memcpy(copy, text.data(), text.size());
-    copy[text.size()] = '\0';
-    return copy;
+    platform.toShortJSON(writer);
 }
 
 char* getJson(const char* path, Fill fill) {
@@ -79,7 +70,7 @@ class ReportKeeper final : public mav_host::ReportScope {
 void setText(char** target, std::string_view text) noexcept {
     if (target == nullptr) return;
     try {
-        *target = newText(text);
+        *target = capi::newText(text);
     } catch (const std::bad_alloc&) {
         *target = nullptr;
     }
@@ -131,14 +122,14 @@ void hmav_free_json_string(char* text) {
     delete[] text;
 }
 
-int hmav_try_get_platform_json(const char* path, char** json, char** error) {
+int hmav_try_get_platform_json(const char* path, char** json, char** error) noexcept {
     return tryGetJson(path, json, error, fillWhole);
 }
 
-int hmav_try_get_short_platform_json(const char* path, char** json, char** error) {
+int hmav_try_get_short_platform_json(const char* path, char** json, char** error) noexcept {
     return tryGetJson(path, json, error, fillShort);
 }
 
-const char* hmav_get_version() {
+const char* hmav_get_version() noexcept {
     return MAV_VERSION;
 }

@@ -250,6 +250,12 @@ std::string HMAVPlatform::getTypePrettyString() const {
     return type == "acceleration" ? "Acceleration" : "Undefined";
 }
 
+void HMAVPlatform::toShortJSON(JSONObjectWriter& writer) const {
+    writer.addKey("uniqueName", getUniqueName());
+    writer.addKey("file", getPlatformFile());
+    writer.addKey("description", getDescription());
+}
+
 void HMAVPlatform::toJSON(JSONObjectWriter& writer) const {
     writer.addKey("vendor", vendor_);
     writer.addKey("name", name_);

@@ -11,6 +11,7 @@
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
 #include "mav_host/Messages.h"
+#include "mav_platform/HMAVEnv.h"
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/NativePlatformRepoService.h"
@@ -59,7 +60,8 @@ HSTVector<std::string> descriptionFiles(const std::string& directories) {
 }
 
 /// The rules in their order; the first that decides ends the evaluation.
-bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::string& toolText) {
+bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::string& toolText,
+           const std::string& product) {
     if (!policy.isUnified()) return false;
     if (!policy.isForCards()) return true;
     const Releases releases = releasesOf(platform, toolText, "2019.1", VERSIONLESS);
@@ -67,7 +69,7 @@ bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::strin
     mav_host::report(mav_host::messages::JUDGED_FOR_RELEASE, releases.toolText);
     if (policy.hasExtendedWarranty(releases)) return true;
     bool supported = false;
-    if (policy.isListed(supported)) return supported;
+    if (policy.isListed(product, supported)) return supported;
     return policy.isInSupportedRange(releases);
 }
 
@@ -93,7 +95,8 @@ bool NativeCatalogService::isUnderWarranty(PlatformLoader* loader, std::string& 
         return false;
     }
     SupportPolicy policy(*platform, *loader, "Platform", reason);
-    return judge(policy, *platform, getCompilerVersion_());
+    return judge(policy, *platform, getCompilerVersion_(),
+                 product_ ? *product_ : HMAVEnv::getProductName());
 }
 
 bool NativeCatalogService::isUnderWarranty(const std::string& path, std::string& reason,

@@ -9,7 +9,6 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/Host.h"
 #include "mav_host/Messages.h"
-#include "mav_platform/HMAVEnv.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "services/LoadedDocument.h"
 #include "services/ObjectPath.h"
@@ -144,10 +143,9 @@ bool SupportPolicy::hasExtendedWarranty(const Releases& releases) {
     return true;
 }
 
-bool SupportPolicy::isListed(bool& supported) {
+bool SupportPolicy::isListed(const std::string& product, bool& supported) {
     const HSTVector<SupportEntry> entries = readSupportList();
     if (entries.empty()) return false;
-    const std::string product = HMAVEnv::getProductName();
     const auto root = document().root();
     const auto entry = std::find_if(entries.begin(), entries.end(), [&](const SupportEntry& one) {
         return applies(one, product, root);

@@ -44,8 +44,9 @@ class SupportPolicy {
     bool isForCards() const;
     /// True, with the reason, when an extended warranty names the tool release.
     bool hasExtendedWarranty(const Releases& releases);
-    /// Decides by the first entry of the support list that applies; false when none does.
-    bool isListed(bool& supported);
+    /// Decides by the first entry of the support list that applies to the product; false when none
+    /// does.
+    bool isListed(const std::string& product, bool& supported);
 
     /// "Platform 'NAME'".
     const std::string& subject() const { return subject_; }
