@@ -33,7 +33,8 @@ class UsageError : public std::runtime_error {
     std::string command_;
 };
 
-/// Work that could not be done: `what()` is the sentence with what to try next.
+/// Work that could not be done: `what()` is the sentence with what to try next, empty when that has
+/// been told.
 class Failure : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

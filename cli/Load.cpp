@@ -9,6 +9,11 @@
 
 namespace {
 
+const char* kindOf(std::filesystem::file_type type) {
+    if (type == std::filesystem::file_type::fifo) return "pipe";
+    return type == std::filesystem::file_type::socket ? "socket" : "device";
+}
+
 /// Paths that cannot be a platform, whatever their extension.
 void refuseEarly(const std::string& subject, const std::string& file) {
     std::error_code error;
@@ -21,6 +26,10 @@ void refuseEarly(const std::string& subject, const std::string& file) {
         throw cli::Failure(subject +
                            ": it is a directory. Name the platform file in it; 'mav list' with the "
                            "directory shows what it holds.");
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw cli::Failure(subject + ": it is a " + kindOf(status.type()) +
+                           ", and a platform is a regular file. Name a .qpfm, .pka, .dsa or "
+                           ".spfm file.");
     if (status.type() == std::filesystem::file_type::regular &&
         std::filesystem::file_size(file, error) == 0)
         throw cli::Failure(subject +

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "Output.h"
+#include "mav_host/Letters.h"
 
 namespace {
 
@@ -38,8 +39,7 @@ std::string italic(const std::string& plain) {
 
 std::string header(const std::string& name, const std::string& description) {
     std::string first = description;
-    if (!first.empty() && first.front() >= 'A' && first.front() <= 'Z')
-        first.front() = static_cast<char>(first.front() - 'A' + 'a');
+    if (!first.empty()) first.front() = mav_host::lowerLetter(first.front());
     if (!first.empty() && first.back() == '.') first.pop_back();
     return text(".\\\" SPDX-License-Identifier: Apache-2.0\n.TH ", roff(name),
                 " 1 \"\" \"mav " MAV_VERSION "\" \"User commands\"\n.SH NAME\n", roff(name),

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <boost/algorithm/string/predicate.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -12,6 +11,7 @@
 #include "Suggest.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/Host.h"
+#include "mav_host/Letters.h"
 
 namespace cli {
 namespace {
@@ -117,7 +117,7 @@ UsageError explain(const CLI::App& app, const Commands& all, const CLI::ParseErr
 void settle(const Argument& argument, const std::string& command, std::string& word) {
     if (word.empty() && !argument.required) return;
     for (const std::string& choice : argument.choices) {
-        if (!boost::iequals(choice, word)) continue;
+        if (!mav_host::equalLetters(choice, word)) continue;
         word = choice;
         return;
     }
@@ -196,7 +196,7 @@ int runProgram(std::span<const Row> table, int argc, char** argv) {
         complain(error.what() + pointer(error.command()));
         return WRONG_USE;
     } catch (const Failure& error) {
-        complain(error.what());
+        if (*error.what() != '\0') complain(error.what());
     } catch (const std::bad_alloc&) {
         complain("out of memory. Free some memory or raise its limit, then try again.");
     } catch (const std::exception& error) {

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "Output.h"
+#include "mav_host/Letters.h"
 
 namespace {
 
@@ -15,8 +16,8 @@ std::string_view bare(std::string_view word) {
     return start == std::string_view::npos ? std::string_view() : word.substr(start);
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+bool same(char a, char b) {
+    return mav_host::lowerLetter(a) == mav_host::lowerLetter(b);
 }
 
 /// Slips between two words, counting a swap of neighbours as one; capitals are no slip.
@@ -26,10 +27,9 @@ std::size_t distance(std::string_view a, std::string_view b) {
     for (std::size_t i = 1; i <= a.size(); ++i) {
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const bool same = lower(a[i - 1]) == lower(b[j - 1]);
-            const std::size_t change = above[j - 1] + (same ? 0 : 1);
+            const std::size_t change = above[j - 1] + (same(a[i - 1], b[j - 1]) ? 0 : 1);
             row[j] = std::min({above[j] + 1, row[j - 1] + 1, change});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+            if (i > 1 && j > 1 && same(a[i - 1], b[j - 2]) && same(a[i - 2], b[j - 1]))
                 row[j] = std::min(row[j], before[j - 2] + 1);
         }
         before.swap(above);

@@ -93,18 +93,18 @@ bool run(const Options& options) {
     NativeCatalogService service;
     if (!options.toolRelease.empty()) service.setTestCompilerVersion_(options.toolRelease);
     std::vector<Answer> answers;
-    std::string failure;
+    bool failed = false;
     for (const std::string& file : options.files) {
         try {
             answers.push_back(ask(service, options, file));
             if (!options.json) writeAnswer(line(answers.back()));
         } catch (const Failure& error) {
-            if (!failure.empty()) complain(failure);
-            failure = error.what();
+            complain(error.what());
+            failed = true;
         }
     }
     if (options.json) writeData(json(answers));
-    if (!failure.empty()) throw Failure(failure);
+    if (failed) throw Failure("");
     return std::all_of(answers.begin(), answers.end(),
                        [](const Answer& answer) { return answer.supported; });
 }

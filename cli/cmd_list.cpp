@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <boost/algorithm/string/predicate.hpp>
 #include <chrono>
 #include <iostream>
 #include <sstream>
@@ -18,6 +17,7 @@
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Letters.h"
 #include "mav_host/ReportScope.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformMgr.h"
@@ -145,7 +145,7 @@ bool fits(const Entry& entry, const Options& options) {
         return wanted.empty() || wanted == text;
     };
     const auto anyCase = [](const std::string& wanted, const std::string& text) {
-        return wanted.empty() || boost::iequals(wanted, text);
+        return wanted.empty() || mav_host::equalLetters(wanted, text);
     };
     return anyCase(options.part, entry.part) && exact(options.board, entry.board) &&
            exact(options.vendor, entry.vendor) && anyCase(options.type, entry.type);

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <locale>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -17,6 +18,27 @@
 
 #include "mav_host/ComMsgMgr.h"
 #include "mav_host/Host.h"
+
+/// As long as it lives, the tool speaks a language in which "I" is no capital "i".
+class OwnLetters final {
+  public:
+    OwnLetters() : before_(std::locale::global(std::locale(std::locale(), new Letters))) {}
+    ~OwnLetters() { std::locale::global(before_); }
+    OwnLetters(const OwnLetters&) = delete;
+    OwnLetters& operator=(const OwnLetters&) = delete;
+
+  private:
+    class Letters final : public std::ctype<char> {
+        char do_tolower(char c) const override {
+            return c == 'I' ? c : std::ctype<char>::do_tolower(c);
+        }
+        char do_toupper(char c) const override {
+            return c == 'i' ? c : std::ctype<char>::do_toupper(c);
+        }
+    };
+
+    std::locale before_;
+};
 
 /// Collects the reports of a test in place of printing them.
 class CapturedMessages final : public ComMsgSink {

@@ -222,6 +222,12 @@ void Parse::stream(int file, std::size_t claimedSize) {
     }
 }
 
+/// Of what is no regular file.
+const char* kindOf(mode_t mode) {
+    if (S_ISDIR(mode)) return "directory";
+    return S_ISFIFO(mode) ? "pipe" : "device";
+}
+
 /// Closes the file at the end of the scope.
 class OpenFile {
   public:
@@ -244,8 +250,8 @@ class OpenFile {
         struct stat status {};
         if (fstat(file_, &status) != 0 || !S_ISREG(status.st_mode))
             throw BindingError(BindingError::Kind::Unreadable,
-                               S_ISDIR(status.st_mode) ? "the path is a directory, not a file"
-                                                       : "the path is not a regular file");
+                               std::string("the path is a ") + kindOf(status.st_mode) +
+                                   ", not a regular file; give the path of one");
         return static_cast<std::size_t>(status.st_size);
     }
 

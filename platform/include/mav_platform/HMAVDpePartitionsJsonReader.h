@@ -20,6 +20,8 @@ class MAV_API HMAVDpePartitionsJsonReader {
     /// A path that is no file changes nothing. Throws HEXAlgException "An error occurred while
     /// parsing the dpe partitions json file: " + path; the list is then as it was.
     void parse(const std::string& path);
+    /// The same for a copy of what `place` names; the text then ends with that.
+    void parse(const std::string& path, const std::string& place);
 
   private:
     const HMAVHardwarePlatform* platform_;

@@ -289,11 +289,13 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
 
     /// Notes one bank of the HBM memory subsystem `instance`: "false" takes it out of automatic
     /// assignment, "preferred" tags it as default, any other text leaves it assignable. The last
-    /// word on a bank counts; banks without a name count each. Raises "@74-261@" when the
-    /// assignable banks of a first instance become mixed: some, but not all, are preferred.
+    /// word on a bank counts; banks without a name count each, and those of different interfaces
+    /// are kept apart. Raises "@74-261@" when the assignable banks of a first interface become
+    /// mixed: some, but not all, are preferred.
     void updateHBMBankInfo(const std::string& instance, const std::string& bank,
-                           const std::string& automatic);
-    /// Prints for each instance whose banks are mixed how to attain better bandwidth.
+                           const std::string& automatic,
+                           const HMAVHardwareBusInterface* interface = nullptr);
+    /// Prints for each instance with mixed banks, once, how to attain better bandwidth.
     void issueNormalizeMemoryBanksMessage(std::ostream& out) const;
 
     /// True when a member file of type "SIM_BINARY" is listed.
@@ -329,9 +331,10 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     /// appended unless an equal partition is there. A project that the archive lacks is silent; one
     /// that is no archive is reported by "@74-34@%s%s" (archive, project); both give nothing.
     ///
-    /// Throws HEXAlgException: as parseDPEPartitions does, after "@74-64@%s%s%s" (archive, project,
-    /// fault), or "The array-engine project 'PROJECT' of 'ARCHIVE' cannot be read: " and the reason
-    /// when it, or the file in it, is damaged, climbs out, claims too much or cannot be extracted.
+    /// Throws HEXAlgException: as parseDPEPartitions does, in place of the path with the names of
+    /// file, project and archive, after "@74-64@%s%s%s" (archive, project, fault), or "The
+    /// array-engine project 'PROJECT' of 'ARCHIVE' cannot be read: " and the reason when it, or the
+    /// file in it, is damaged, climbs out, claims too much or cannot be extracted.
     void initDpePartitions() const;
     /// The root partitions in the order in which they were added, after initDpePartitions().
     std::list<HMAVDpePartition>& getDpePartitions();
@@ -382,9 +385,10 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     /// not set", "pkaFile does not exist", "jsonFile is not set" (the platform file has no
     /// extension), "Could not cast this to HPLPlatform", "Could not open file for reading: " +
     /// source, "Could not open file for streaming: " + archive (the name is refused, or the archive
-    /// cannot take a member; the reason is nested), or a sentence on metadata that is missing or
-    /// takes no file; as HUTZip::add does when writing fails later; and mav_host::DigestRefusal as
-    /// HUTZip::updateWithDigest does. Archive and platform are then as they were.
+    /// cannot take a member; the reason is nested), or, without that beginning, a sentence on
+    /// metadata that is missing, takes no file or would be replaced; as HUTZip::add does when
+    /// writing fails later; and mav_host::DigestRefusal as HUTZip::updateWithDigest does. Archive
+    /// and platform are then as they were.
     void archiveFile(const std::string& type, const std::string& name, const std::string& source,
                      mav_host::Resign resign = mav_host::Resign::NO);
 
@@ -495,13 +499,14 @@ class MAV_API HMAVHardwarePlatform : public mav_platform::JSONSerializable {
     HMAVDpeHardware dpeHardware_;
     mutable std::list<HMAVDpePartition> dpePartitions_;  ///< read late, on the first question
     mutable bool dpePartitionsRead_ = false;
-    /// The assignable banks of one HBM.
+    /// The assignable banks of one HBM interface.
     struct HBMBanks {
         std::multimap<std::string, bool> preferredByName;
         std::size_t preferred = 0;
         bool areMixed() const { return preferred != 0 && preferred != preferredByName.size(); }
     };
-    std::map<std::string, HBMBanks> hbmBanks_;  ///< by instance
+    /// By instance and interface; the address alone tells interfaces apart.
+    std::map<std::pair<std::string, const HMAVHardwareBusInterface*>, HBMBanks> hbmBanks_;
     std::size_t mixedHBMs_ = 0;
     std::unique_ptr<HMAVReconfigPartition> designIDs_;
     std::shared_ptr<HHSMHwDb> hwDb_;

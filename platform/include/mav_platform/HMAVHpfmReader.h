@@ -8,6 +8,7 @@
 
 #include "mav_host/Export.h"
 
+class HMAVHardwareBusInterface;
 class HPLPlatform;
 
 namespace mav_platform::lmx {
@@ -66,7 +67,8 @@ class MAV_API HMAVHpfmReader {
     void parseParameter_(const mav_platform::lmx::HpfmParameter& element);
     void parseNocConnectivity_(const mav_platform::lmx::HpfmNocConnectivity& element);
     void setHBMPresent_() { hbmPresent_ = true; }
-    void updateHBMBankInfo_(const mav_platform::lmx::HpfmBusInterface& element);
+    void updateHBMBankInfo_(const mav_platform::lmx::HpfmBusInterface& element,
+                            const HMAVHardwareBusInterface& bus);
     template <class Take>
     void walk_(Take takeComponent);
 

@@ -131,7 +131,9 @@ class MAV_API HMAVPlatformMgr {
     void refuse_(Refusal refusal);
     void refuseDir_(const std::string& dir, const std::string& reason);
     void refuseBad_(const HMAVPlatform& platform);
-    Refusal refusalOf_(const std::string& path, std::size_t firstText);
+    Refusal refusalOf_(const std::string& path);
+    void fail_(const std::string& text) { fail_(text, text); }
+    void fail_(const std::string& text, const std::string& reason);
     bool parseDescription_(const std::string& path, HMAVPlatform* platform);
     bool attachHardwarePlatforms_(HMAVPlatform* platform);
     bool attachSingleHardwarePlatform_(HMAVPlatform* platform);
@@ -150,7 +152,8 @@ class MAV_API HMAVPlatformMgr {
     HSTVector<std::string> parsingErrorMsgs_;
     HSTVector<Refusal> refusals_;
     std::unordered_map<std::string, std::size_t> refusalOfFile_;  ///< its place in the list
-    HSTVector<std::string> faulty_;  ///< of the description that is being loaded
+    HSTVector<std::string> faulty_;   ///< of the description that is being loaded
+    HSTVector<std::string> reasons_;  ///< of that description, lines for its refusal
     MAVProjectType projectType_ = MAVProjectType::MAV;
     HSTVector<std::string> boardRepoPaths_;
     std::unique_ptr<HBOBoardCDataManager> boardDataMgr_;

@@ -33,6 +33,9 @@ class MAV_API HMAVPlatformXMLReader {
 
     /// The texts of every failure so far, one line each; empty without one.
     std::string getErrorMsg() const { return errorMsg_; }
+    /// The latest failure for people who know the file: "line 3: " and the fault, which stands
+    /// alone when it concerns no line. Empty without one.
+    const std::string& getReason() const { return reason_; }
 
   private:
     using FileReference = mav_platform::lmx::FileReference;
@@ -55,4 +58,5 @@ class MAV_API HMAVPlatformXMLReader {
     HMAVPlatform* platform_;
     std::string filePath_;
     std::string errorMsg_;
+    std::string reason_;
 };

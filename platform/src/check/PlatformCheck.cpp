@@ -73,7 +73,7 @@ class Walk {
         if (!isNew(path)) return;
         if (!HUTFile::isFile(path)) {
             report_.add("unreadable", {path},
-                        HUTFile::exists(path) ? "this is no file; give the path of one"
+                        HUTFile::exists(path) ? "this is no regular file; give the path of one"
                                               : "there is no such file; check the path");
             return;
         }
@@ -238,14 +238,14 @@ void arrayProject(const HMAVHardwarePlatform& hardware, Aside& aside, const Walk
     try {
         hardware.initDpePartitions();
     } catch (const HEXError& error) {
-        cause = std::string(": ") + error.what();
+        cause = error.what();
     }
     HSTVector<std::string> faults = aside.takeFaults();
-    if (faults.empty() && !cause.empty()) faults.emplace_back("it cannot be read");
+    if (faults.empty() && !cause.empty()) faults.push_back("it cannot be read: " + cause);
     const std::string project = hardware.memberName(hardware.getFile(HMAVPfmFileTypes::DPEPRJ));
     for (const std::string& fault : faults) {
         report.add("array-engine", {walk.shownPath(hardware.getPlatformFile()) + "/" + project},
-                   fault + cause);
+                   fault);
     }
 }
 

@@ -4,11 +4,6 @@
 namespace mav_platform::metadata {
 namespace {
 
-/// True when a childless value stands for "nothing here".
-bool isNothing(const json::Node& node) {
-    return node.data().empty() || node.data() == "null";
-}
-
 std::string shown(std::string_view text) {
     constexpr std::size_t LONGEST = 60;
     const bool whole = text.size() <= LONGEST;
@@ -22,7 +17,7 @@ std::string shown(std::string_view text) {
 
 bool requireChildren(const json::Node& node, bool list) {
     if (node.hasChildren() && node.isList() == list) return true;
-    if (!node.hasChildren() && isNothing(node)) return false;
+    if (isNothing(node)) return false;
     std::string sentence = "holds ";
     if (node.hasChildren()) {
         sentence += list ? "an object" : "a list";
@@ -34,6 +29,10 @@ bool requireChildren(const json::Node& node, bool list) {
 }
 
 }  // namespace
+
+bool isNothing(const json::Node& node) {
+    return !node.hasChildren() && (node.data().empty() || node.data() == "null");
+}
 
 std::string Trail::text() const {
     std::string text;

@@ -50,6 +50,8 @@ class Trail {
 inline void requireText(const json::Node& node) {
     if (node.hasChildren()) refuseChildren(node);
 }
+/// True for an empty text and for "null".
+bool isNothing(const json::Node& node);
 /// True when the node holds a list with items. Throws ConversionError for an object and for a text;
 /// an empty text and "null" are an empty list.
 bool requireList(const json::Node& node);

@@ -67,11 +67,13 @@ void HMAVHardwarePlatform::initDpePartitions() const {
     const ScratchDir scratch;
     const std::string path = extractPartitions(*this, scratch);
     if (path.empty()) return;
+    const std::string project = getFile(HMAVPfmFileTypes::DPEPRJ);
     try {
-        parseDPEPartitions(path);
+        HMAVDpePartitionsJsonReader(this).parse(
+            path, std::string("'") + PARTITIONS + "' in the array-engine project '" + project +
+                      "' of '" + getPlatformFile() + "'");
     } catch (const HEXAlgException&) {
-        mav_host::report(mav_host::messages::MEMBER_FAULT, getPlatformFile(),
-                         getFile(HMAVPfmFileTypes::DPEPRJ),
+        mav_host::report(mav_host::messages::MEMBER_FAULT, getPlatformFile(), project,
                          std::string("its member '") + PARTITIONS + "' is no JSON document");
         throw;
     }

@@ -190,7 +190,8 @@ void HMAVHardwarePlatform::checkNoMetadata_(const std::string& member,
          {getJsonFileName(), getAltJsonFileName(), getHwEmuJsonFileName(),
           getAltHwEmuJsonFileName(), HVMAArchive().getJsonFileName()}) {
         if (metadata == member) {
-            throw HEXAlgException(REFUSED + ("'" + name) + "' is the name of the metadata itself");
+            throw HEXAlgException("'" + name +
+                                  "' is the name of the metadata itself; choose another one");
         }
     }
 }
@@ -208,14 +209,13 @@ HSTVector<HUTZip::Source> HMAVHardwarePlatform::listInMetadata_(const mav_host::
                                archive.read(metadata, HUTZip::MAX_METADATA_SIZE), type, name)});
     }
     if (sources.empty()) {
-        throw HEXAlgException(REFUSED + ("'" + platformFile_) +
-                              "' has no JSON metadata to list the file in");
+        throw HEXAlgException("'" + platformFile_ + "' has no JSON metadata to list the file in");
     }
     HVMAArchive index(platformFile_);
     if (child || !archive.contains(index.getJsonFileName())) return sources;
     if (!index.parse(archive)) {
-        throw HEXAlgException(REFUSED + ("the index '" + index.getJsonFileName()) + "' of '" +
-                              platformFile_ + "' cannot be read");
+        throw HEXAlgException("The index '" + index.getJsonFileName() + "' of '" + platformFile_ +
+                              "' cannot be read");
     }
     index.registerFile(type, name);
     sources.push_back({index.getJsonFileName(), "", index.toJSONString()});

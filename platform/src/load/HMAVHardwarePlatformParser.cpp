@@ -116,6 +116,8 @@ void HMAVHardwarePlatformParser::parseBareDSAFile_(const std::string& path, Plat
     if (recorded == seen.end()) {
         auto container = std::make_unique<HMAVPlatform>();
         HMAVHardwarePlatform* const hardware = parseDSAFile_(path, container.get());
+        // What leads nowhere was never opened.
+        if (hardware->getPlatformFile().empty()) hardware->setPlatformFile(file);
         container->setHardwarePlatform(hardware);
         container->setPartial(true);
         container->setPlatformFile(hardware->getPlatformFile());

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVEnv.h"
 
-#include <boost/algorithm/string/case_conv.hpp>
-#include <locale>
-
 #include "mav_host/HUTEnv.h"
+#include "mav_host/Letters.h"
 
 namespace {
 
 std::string productOf(const std::string& root) {
-    const std::string text = boost::algorithm::to_lower_copy(root, std::locale::classic());
+    const std::string text = mav_host::lowerCase(root);
     for (const char* const product : {"mirra", "mav", "pellux", "quorin"})
         if (text.find(product) != std::string::npos) return product;
     return "unknown";

@@ -9,6 +9,7 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Letters.h"
 #include "mav_host/Messages.h"
 #include "mav_platform/HMAVHardwarePlatformParser.h"
 #include "mav_platform/HMAVPlatform.h"
@@ -17,6 +18,7 @@
 #include "repository/searchDirs.h"
 
 namespace messages = mav_host::messages;
+using mav_host::equalLetters;
 using mav_host::report;
 
 namespace {
@@ -133,6 +135,7 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
     std::vector<std::unique_ptr<HMAVPlatform>> added;
     const auto visit = [&](const HUTDirWalk::Entry& entry) {
         if (entry.isDir || HUTPathUtils::extension(entry.path) != ".qpfm") return true;
+        // A stem is a word of the user, so it is compared by the tool's locale.
         const bool wanted = !name.empty() && boost::iequals(name, HUTPathUtils::stem(entry.path));
         if (held.contains(entry.path)) return !wanted;
         if (!name.empty() && !wanted) return true;
@@ -162,30 +165,34 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
 }
 
 std::unique_ptr<HMAVPlatform> HMAVPlatformMgr::loadDescription_(const std::string& path) {
-    const std::size_t texts = parsingErrorMsgs_.size();
     faulty_.clear();
+    reasons_.clear();
     auto platform = std::make_unique<HMAVPlatform>();
     platform->setQpfm(true);
     const bool loaded = parseDescription_(path, platform.get()) &&
                         attachHardwarePlatforms_(platform.get()) &&
                         attachSoftwarePlatforms_(platform.get());
     if (!loaded) {
-        refuse_(refusalOf_(path, texts));
+        refuse_(refusalOf_(path));
         return nullptr;
     }
     refuseBad_(*platform);
     return platform;
 }
 
-HMAVPlatformMgr::Refusal HMAVPlatformMgr::refusalOf_(const std::string& path,
-                                                     std::size_t firstText) {
+HMAVPlatformMgr::Refusal HMAVPlatformMgr::refusalOf_(const std::string& path) {
     std::string reason;
-    for (std::size_t i = firstText; i < parsingErrorMsgs_.size(); ++i) {
+    for (const std::string& line : reasons_) {
         if (!reason.empty() && reason.back() != '\n') reason += '\n';
-        reason += parsingErrorMsgs_[i];
+        reason += line;
     }
     while (reason.ends_with('\n')) reason.pop_back();
     return {path, reason, std::move(faulty_), false};
+}
+
+void HMAVPlatformMgr::fail_(const std::string& text, const std::string& reason) {
+    parsingErrorMsgs_.push_back(text);
+    reasons_.push_back(reason);
 }
 
 void HMAVPlatformMgr::refuse_(Refusal refusal) {
@@ -212,13 +219,13 @@ bool HMAVPlatformMgr::parseDescription_(const std::string& path, HMAVPlatform* p
     try {
         HMAVPlatformXMLReader reader(path, platform);
         if (reader.parseFile()) return true;
-        if (!reader.getErrorMsg().empty()) parsingErrorMsgs_.push_back(reader.getErrorMsg());
+        if (!reader.getErrorMsg().empty()) fail_(reader.getErrorMsg(), reader.getReason());
     } catch (const HEXFileNotFoundException& error) {
         // It vanished after the walk had seen it; the others are still there.
-        parsingErrorMsgs_.emplace_back(error.what());
+        fail_(error.what());
     }
     report(messages::DESCRIPTION_LEFT_OUT, path);
-    parsingErrorMsgs_.push_back("Encountered Errors while parsing platform: " + path + LEFT_OUT);
+    fail_("Encountered Errors while parsing platform: " + path + LEFT_OUT);
     return false;
 }
 
@@ -271,8 +278,8 @@ void HMAVPlatformMgr::handleInvalidPath_(const std::string& hardwareFile,
                                          const std::string& platformFile) {
     faulty_.push_back(hardwareFile);
     report(messages::HARDWARE_FILE_MISSING, hardwareFile, platformFile);
-    parsingErrorMsgs_.push_back("Hardware platform file " + hardwareFile + " for platform " +
-                                platformFile + " does not exist on disk" + LEFT_OUT);
+    fail_("Hardware platform file " + hardwareFile + " for platform " + platformFile +
+          " does not exist on disk" + LEFT_OUT);
 }
 
 void HMAVPlatformMgr::handleInvalidExtension_(const std::string& hardwareFile,
@@ -284,9 +291,8 @@ void HMAVPlatformMgr::handleInvalidExtension_(const std::string& hardwareFile,
     list.pop_back();
     faulty_.push_back(hardwareFile);
     report(messages::HARDWARE_EXTENSION, hardwareFile, platformFile, list);
-    parsingErrorMsgs_.push_back("Found bad hardware platform file " + hardwareFile +
-                                " for platform " + platformFile + ". Supported extensions are" +
-                                list + LEFT_OUT);
+    fail_("Found bad hardware platform file " + hardwareFile + " for platform " + platformFile +
+          ". Supported extensions are" + list + LEFT_OUT);
 }
 
 bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
@@ -295,8 +301,8 @@ bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
     const std::string platformFile = platform->getPlatformFile();
     faulty_.push_back(file);
     if (!HUTFile::exists(file)) {
-        parsingErrorMsgs_.push_back("Software platform file " + file + " for platform " +
-                                    platformFile + " does not exist on disk" + LEFT_OUT);
+        fail_("Software platform file " + file + " for platform " + platformFile +
+              " does not exist on disk" + LEFT_OUT);
         return false;
     }
     const std::shared_ptr<HMAVSoftwarePlatform> software =
@@ -305,9 +311,8 @@ bool HMAVPlatformMgr::attachSoftwarePlatforms_(HMAVPlatform* platform) {
     HMAVSoftwarePlatformXMLReader reader(file, software);
     if (reader.parseFile()) return true;
     report(messages::SOFTWARE_LEFT_OUT, platformFile);
-    if (!reader.getErrorMsg().empty()) parsingErrorMsgs_.push_back(reader.getErrorMsg());
-    parsingErrorMsgs_.push_back(
-        "Encountered Errors while parsing software platform for: " + platformFile + LEFT_OUT);
+    if (!reader.getErrorMsg().empty()) fail_(reader.getErrorMsg());
+    fail_("Encountered Errors while parsing software platform for: " + platformFile + LEFT_OUT);
     return false;
 }
 
@@ -401,11 +406,11 @@ HMAVPlatform* HMAVPlatformMgr::getPlatform(const std::string& name) const {
     const std::string path = HUTFile::getCanonicalName(name);
     for (HMAVPlatform* platform : *activePlatforms_) {
         if (platform->getUniqueName() == name) return platform;
-        if (boost::iequals(platform->getPlatformBaseName(), name)) return platform;
+        if (equalLetters(platform->getPlatformBaseName(), name)) return platform;
         // A canonical path keeps the file's name, so only equal names are worth asking the disk.
         const std::string file = platform->getPlatformFile();
-        if (boost::iequals(fileName(file), fileName(path)) &&
-            boost::iequals(HUTFile::getCanonicalName(file), path)) {
+        if (equalLetters(fileName(file), fileName(path)) &&
+            equalLetters(HUTFile::getCanonicalName(file), path)) {
             return platform;
         }
     }

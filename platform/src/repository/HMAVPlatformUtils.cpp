@@ -6,16 +6,16 @@
 #include <unordered_set>
 #include <utility>
 
-#include "json/Letters.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
+#include "mav_host/Letters.h"
 #include "mav_platform/HMAVPlatformMgr.h"
 #include "repository/hardwareOf.h"
 #include "repository/searchDirs.h"
 
-using mav_platform::json::equalLetters;
-using mav_platform::json::upperCase;
+using mav_host::equalLetters;
+using mav_host::upperCase;
 
 namespace {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/NativePlatformRepoService.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <iostream>
 #include <set>
 
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Letters.h"
 #include "repository/searchDirs.h"
 
 namespace mav::platform {
@@ -50,7 +50,8 @@ void NativePlatformRepoService::getQpfmFiles(const std::string& name,
     }
     const auto visit = [&](const HUTDirWalk::Entry& entry) {
         if (entry.isDir || HUTPathUtils::extension(entry.path) != ".qpfm") return true;
-        if (!name.empty() && !boost::iequals(name, HUTPathUtils::stem(entry.path))) return true;
+        if (!name.empty() && !mav_host::equalLetters(name, HUTPathUtils::stem(entry.path)))
+            return true;
         out.push_back(entry.path);
         return !firstOnly;
     };

@@ -106,8 +106,10 @@ TEST_F(DpePartitions, AreReadFromTheProjectOnTheFirstQuestion) {
 TEST_F(DpePartitions, AFailedReadIsNotRepeatedAndLeavesNothingBehind) {
     pack(platform, "no JSON");
     EXPECT_THROW_MSG(platform.getDpePartitions(), HEXAlgException,
-                     "An error occurred while parsing the dpe partitions json file: " +
-                         HUTEnv::getHDITmpDir() + "/dpe_partitions/dpe_partitions.json");
+                     "An error occurred while parsing the dpe partitions json file: "
+                     "'dpearchive/arch/dpe_partition.json' in the array-engine project "
+                     "'dpe/array.zip' of '" +
+                         dir.path("p.pka") + "'");
     EXPECT_FALSE(platform.hasDpePartitions());
     EXPECT_EQ(messages.text(),
               "@74-64@%s%s%s|" + dir.path("p.pka") +

@@ -88,6 +88,14 @@ TEST(HMAVDsaJsonReader, ScalarsMayBeBareAndTheFirstOfEqualKeysCounts) {
     EXPECT_EQ(bare.messages.text(), "");
 }
 
+TEST(HMAVDsaJsonReader, NoValuesOfBinaryContentAreNone) {
+    for (const char* nothing : {"null", "\"\"", "[]", "{}", "\", ,\""}) {
+        const Parsed parsed(
+            metadata(std::string(R"(, "validAcceleratorBinaryContentValues": )") + nothing));
+        EXPECT_EQ(parsed.platform.getValidBinaryContentValuesAsStr(), "") << nothing;
+    }
+}
+
 TEST(HMAVDsaJsonReader, ExpandableDecidesThoughItStandsBehind) {
     const Parsed expandable(metadata(
         R"(, "segmentedConfiguration": "true", "dynamicReload": "true", "expandablePlatform": "true")"));

@@ -150,7 +150,8 @@ TEST_F(TestHMAVPlatformXMLReader, RefusalsNameLineAndReason) {
         temp_.write("q/sample.qpfm", content);
         expectRefused(path_, report);
     }
-    expectRefused(temp_.path(), "0. the path is a directory, not a file");
+    expectRefused(temp_.path(),
+                  "0. the path is a directory, not a regular file; give the path of one");
 }
 
 TEST_F(TestHMAVPlatformXMLReader, KeepsWhatThePlatformReceivedBeforeTheError) {

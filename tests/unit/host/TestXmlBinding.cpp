@@ -396,7 +396,8 @@ TEST(XmlBinding, RefusesFilesThatCannotBeRead) {
     const TempDir dir;
     const std::string start = "<q:part q:version='1'>\n";
     const std::pair<std::string, std::string> rows[] = {
-        {dir.path(), "0: the path is a directory, not a file"},
+        {dir.path(), "0: the path is a directory, not a regular file; give the path of one"},
+        {"/dev/null", "0: the path is a device, not a regular file; give the path of one"},
         {dir.path("absent"), "0: the file cannot be opened: No such file or directory"},
         {dir.write("cut", start), "2: XML syntax error: no element found"},
         // Opens, but nothing is mapped where reading begins.

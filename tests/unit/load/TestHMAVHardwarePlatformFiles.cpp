@@ -139,8 +139,7 @@ TEST(HMAVHardwarePlatformFiles, AnIndexIsKeptInStep) {
         packArchive(dir, "q.pka", {{"pka.json", metadata()}, {"vma.json", "{"}}));
     const CapturedMessages messages;
     EXPECT_THROW_MSG(platform.archiveFile("PDI", "n", dir.path("s")), HEXAlgException,
-                     "HMAVHardwarePlatform::archiveFile() - the index 'vma.json' of '" +
-                         dir.path("q.pka") + "' cannot be read");
+                     "The index 'vma.json' of '" + dir.path("q.pka") + "' cannot be read");
     EXPECT_TRUE(messages.has("@74-64@%s%s%s|" + dir.path("q.pka") + "|vma.json|"));
 }
 
@@ -150,26 +149,27 @@ TEST(HMAVHardwarePlatformFiles, RefusalsLeaveArchiveAndPlatformAlone) {
     HPLPlatform platform;
     const auto refused = [&](const std::string& name, const std::string& file,
                              const std::string& text) {
-        EXPECT_THROW_MSG(platform.archiveFile("PDI", name, file), HEXAlgException,
-                         "HMAVHardwarePlatform::archiveFile() - " + text);
+        EXPECT_THROW_MSG(platform.archiveFile("PDI", name, file), HEXAlgException, text);
     };
-    refused("n", source, "pkaFile is not set");
+    const std::string head = "HMAVHardwarePlatform::archiveFile() - ";
+    refused("n", source, head + "pkaFile is not set");
     platform.setPlatformFile(dir.path("none.pka"));
-    refused("n", source, "pkaFile does not exist");
+    refused("n", source, head + "pkaFile does not exist");
     platform.setPlatformFile(packArchive(dir, "noext", {{"x", "y"}}));
-    refused("n", source, "jsonFile is not set");
+    refused("n", source, head + "jsonFile is not set");
     platform.setPlatformFile(packArchive(dir, "x.pka", {{"x", "y"}}));
     refused("n", source, "'" + dir.path("x.pka") + "' has no JSON metadata to list the file in");
     const std::string path = packArchive(dir, "p.pka", {{"pka.json", metadata()}});
     const std::string before = dir.read("p.pka");
     platform.setPlatformFile(path);
-    refused("n", dir.path("none"), "Could not open file for reading: " + dir.path("none"));
-    refused("../n", source, "Could not open file for streaming: " + path);
+    refused("n", dir.path("none"), head + "Could not open file for reading: " + dir.path("none"));
+    refused("../n", source, head + "Could not open file for streaming: " + path);
     {
         const HostKey key("k");
         EXPECT_THROW(platform.archiveFile("PDI", "n", source), mav_host::DigestRefusal);
     }
-    refused("alt_pka.json", source, "'alt_pka.json' is the name of the metadata itself");
+    refused("alt_pka.json", source,
+            "'alt_pka.json' is the name of the metadata itself; choose another one");
     EXPECT_TRUE(platform.getFiles().empty());
     EXPECT_EQ(dir.read("p.pka"), before);
 }

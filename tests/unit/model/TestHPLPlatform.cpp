@@ -87,6 +87,7 @@ TEST_F(CardModel, InterfaceDescriptionHasThreeSources) {
 
 TEST_F(CardModel, MemorySizesInGb) {
     constexpr int NONE = -1000;
+    constexpr int TOO_LARGE = -1001;
     constexpr const char* ALL = "2147483647 GB";
     const std::pair<const char*, int> sizes[] = {// what stands behind is left in place
                                                  {"16 GB", 16},
@@ -104,7 +105,7 @@ TEST_F(CardModel, MemorySizesInGb) {
                                                  {"many GB", NONE},
                                                  {"DDR4 16 GB", NONE},
                                                  {"GB", NONE},
-                                                 {"99999999999 GB", NONE}};
+                                                 {"99999999999 GB", TOO_LARGE}};
     EXPECT_EQ(platform.getMemSizeInGb(5), 0) << "no memories, so no index is wrong";
     long long total = 0;
     for (std::size_t i = 0; i < std::size(sizes); ++i) {
@@ -112,7 +113,9 @@ TEST_F(CardModel, MemorySizesInGb) {
         EXPECT_EQ(platform.getTotalMemSizeInGb(), std::min<long long>(total, INT_MAX)) << text;
         addMemory(platform, "", "", text);
         if (size == NONE) {
-            EXPECT_THROW(platform.getMemSizeInGb(i), std::logic_error) << text;
+            EXPECT_THROW(platform.getMemSizeInGb(i), std::invalid_argument) << text;
+        } else if (size == TOO_LARGE) {
+            EXPECT_THROW(platform.getMemSizeInGb(i), std::out_of_range) << text;
         } else {
             EXPECT_EQ(platform.getMemSizeInGb(i), size) << text;
             total += size;

@@ -220,14 +220,15 @@ TEST(HMAVPlatformMgr, ArchivesWithoutMetadataAreRefusedAndTheirPlatformsBad) {
     r.dir.write("a.pka", "");
     bareArchive(r.dir, "b.pka", R"({"vendor": "v"})");
     bareArchive(r.dir, "c.pka");
+    fs::create_symlink("nowhere", r.dir.path("d.pka"));
     r.dir.write("x/one.qpfm", descriptionOf("../b.pka"));
     const std::string missing = "'boardId': the required key is missing";
     for (int search = 0; search < 2; ++search) r.mgr.addPlatformsFromDirs({r.dir.path()});
-    EXPECT_EQ(r.files() + r.bare(), "x/one.qpfm\na.pka\nb.pka\nc.pka\n");
-    const std::string expected = "x/one.qpfm|" + r.dir.path("b.pka") + ": pka.json: " + missing +
-                                 "\na.pka|The archive '" + r.dir.path("a.pka") +
-                                 "' is not a zip archive; check that it is the file you mean" +
-                                 "\nb.pka|pka.json: " + missing + "\n";
+    EXPECT_EQ(r.files() + r.bare(), "x/one.qpfm\na.pka\nb.pka\nc.pka\nd.pka\n");
+    const std::string expected =
+        "x/one.qpfm|" + r.dir.path("b.pka") + ": pka.json: " + missing + "\na.pka|The archive '" +
+        r.dir.path("a.pka") + "' is not a zip archive; check that it is the file you mean" +
+        "\nb.pka|pka.json: " + missing + "\nd.pka|the file does not exist\n";
     EXPECT_EQ(r.refusals(), expected);
     EXPECT_EQ(r.mgr.getRefusals()[0].faulty, Dirs{r.dir.path("b.pka")});
     EXPECT_EQ(r.mgr.getPlatform("one")->getBadReason(),
@@ -240,19 +241,21 @@ TEST(HMAVPlatformMgr, ArchivesWithoutMetadataAreRefusedAndTheirPlatformsBad) {
 TEST(HMAVPlatformMgr, LookUpsAskEachPlatformAllThreeQuestionsInTurn) {
     Repository r;
     const std::string c = described(r.dir, "c/card");
-    const std::string b = described(r.dir, "b/other");
+    const std::string b = described(r.dir, "b/other_i");
     described(r.dir, "a/CARD");
     bareArchive(r.dir, "d/Bare.pka");
     r.mgr.addPlatformsFromDirs({r.dir.path()});
-    ASSERT_EQ(r.files(), "c/card.qpfm\nb/other.qpfm\na/CARD.qpfm\n");
+    ASSERT_EQ(r.files(), "c/card.qpfm\nb/other_i.qpfm\na/CARD.qpfm\n");
+    const OwnLetters letters;
     const auto found = [&](const std::string& name) {
         const HMAVPlatform* const platform = r.mgr.getPlatform(name);
         return platform ? platform->getPlatformFile() : "";
     };
     EXPECT_EQ(found("CARD"), c) << "the first in the list, whatever its case";
-    EXPECT_EQ(found(r.dir.path("a/../b/./other.qpfm")), b);
-    EXPECT_EQ(found(r.dir.path("B/OTHER.QPFM")), b) << "paths ignore case too";
-    EXPECT_EQ(found(r.dir.path("c/other.qpfm")), "");
+    EXPECT_EQ(found(r.dir.path("a/../b/./other_i.qpfm")), b);
+    EXPECT_EQ(found(r.dir.path("B/OTHER_I.QPFM")), b) << "paths ignore case too, in any locale";
+    EXPECT_EQ(found("OTHER_I"), b);
+    EXPECT_EQ(found(r.dir.path("c/other_i.qpfm")), "");
     EXPECT_EQ(found("bare"), "");
     EXPECT_EQ(found(""), "");
     r.mgr.setProjectType(Type::PLATFORM);
@@ -262,7 +265,7 @@ TEST(HMAVPlatformMgr, LookUpsAskEachPlatformAllThreeQuestionsInTurn) {
     // A platform that matches by its path stands before one of that very unique name.
     r.mgr.setProjectType(Type::MAV);
     r.mgr.getPlatform("CARD")->setPlatformFile("./x/../some.file");
-    r.mgr.getPlatform("other")->setPlatformFile(fs::current_path() / "some.file");
+    r.mgr.getPlatform("other_i")->setPlatformFile(fs::current_path() / "some.file");
     EXPECT_EQ(found(fs::current_path() / "some.file"), "./x/../some.file");
 }
 

@@ -62,7 +62,7 @@ TEST(NativePlatformRepoService, DescriptionsAreFoundByStemAtAnyDepth) {
     const TempDir dir;
     const std::string top = dir.write("two/Card.qpfm", "");
     const std::string deep = dir.write("one/a/b/c/d/e/card.qpfm", "");
-    dir.write("one/other.qpfm", "");
+    dir.write("one/pipe.qpfm", "");
     dir.write("one/card.QPFM", "");
     fs::create_directory_symlink("../two", dir.path("one/link"));
     fs::create_directory_symlink("..", dir.path("two/up"));
@@ -79,7 +79,9 @@ TEST(NativePlatformRepoService, DescriptionsAreFoundByStemAtAnyDepth) {
     const std::string fromOne = "one/a/b/c/d/e/card.qpfm\none/link/Card.qpfm\n";
     EXPECT_EQ(found("card", dirs, false), fromTwo + fromOne) << "loops of links end";
     EXPECT_EQ(found("CARD", dirs, true), "two/Card.qpfm\n");
-    EXPECT_EQ(found("", {dir.path("one")}, false), fromOne + "one/other.qpfm\n");
+    EXPECT_EQ(found("", {dir.path("one")}, false), fromOne + "one/pipe.qpfm\n");
+    const OwnLetters letters;
+    EXPECT_EQ(found("PIPE", {dir.path("one")}, true), "one/pipe.qpfm\n") << "in any locale";
     EXPECT_EQ(found(dir.path("one/../two/Card.qpfm"), dirs, false), "two/Card.qpfm\n");
 
     Texts out{"kept"};

@@ -94,22 +94,26 @@ class HMAVDpePartitionsJsonReaderImpl {
     std::unordered_set<const HMAVDpePartition*, HashPartition, EqualPartition> known_;
 };
 
-Document readDocument(const std::string& path) {
+Document readDocument(const std::string& path, const std::string& place) {
     try {
         return Document::fromBytes(HUTFileUtils::readWhole(path, HUTZip::MAX_METADATA_SIZE), path);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
         throw HEXAlgException("An error occurred while parsing the dpe partitions json file: " +
-                              path);
+                              place);
     }
 }
 
 }  // namespace
 
 void HMAVDpePartitionsJsonReader::parse(const std::string& path) {
+    parse(path, path);
+}
+
+void HMAVDpePartitionsJsonReader::parse(const std::string& path, const std::string& place) {
     if (!HUTFile::isFile(path)) return;
-    const Document document = readDocument(path);
+    const Document document = readDocument(path, place);
     std::list<HMAVDpePartition>& partitions = platform_->dpePartitions_;
     HMAVDpePartitionsJsonReaderImpl impl(partitions);
     impl.parseDpe(document.root());

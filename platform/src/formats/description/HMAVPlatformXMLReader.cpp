@@ -37,6 +37,7 @@ void HMAVPlatformXMLReader::report_(const std::string& text, std::size_t line) {
     const std::string detail = "Line number:" + std::to_string(line) + ". " + text + "\n";
     mav_host::console() << head << "\n" << detail << std::flush;
     errorMsg_ += head + detail;
+    reason_ = (line == 0 ? "" : "line " + std::to_string(line) + ": ") + text;
     mav_host::report(mav_host::messages::DESCRIPTION_NOT_VALID, filePath_);
 }
 

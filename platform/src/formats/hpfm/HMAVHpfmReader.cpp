@@ -195,13 +195,14 @@ void HMAVHpfmReader::parseBusInterface_(const lmx::HpfmBusInterface& element) {
     }
     if (element.name != lmx::HBM_SUBSYSTEM) return;
     setHBMPresent_();
-    updateHBMBankInfo_(element);
+    updateHBMBankInfo_(element, bus);
 }
 
-void HMAVHpfmReader::updateHBMBankInfo_(const lmx::HpfmBusInterface& element) {
+void HMAVHpfmReader::updateHBMBankInfo_(const lmx::HpfmBusInterface& element,
+                                        const HMAVHardwareBusInterface& bus) {
     const std::string instance = element.instanceRef;
     for (const lmx::HpfmAddressSegment& bank : element.addressSegments) {
-        platform_->updateHBMBankInfo(instance, bank.name, bank.automatic);
+        platform_->updateHBMBankInfo(instance, bank.name, bank.automatic, &bus);
     }
 }
 

@@ -105,6 +105,7 @@ void HMAVDsaJsonReaderImpl::parseValidBinaryContentValues_(HPLPlatform& platform
         });
         return;
     }
+    if (isNothing(node)) return;
     const std::string_view list = node.data();
     constexpr std::string_view SEPARATORS = ", \t\r\n\f\v";
     for (std::size_t start = 0; start < list.size();) {

@@ -4,11 +4,11 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "json/Letters.h"
 #include "mav_host/HEXError.h"
+#include "mav_host/Letters.h"
 #include "mav_platform/JSONObjectWriter.h"
 
-using mav_platform::json::equalLetters;
+using mav_host::equalLetters;
 
 const std::map<HMAVDpeHardware::Arch, std::string>& HMAVDpeHardware::getArchMap() {
     static const std::map<Arch, std::string> NAMES = {

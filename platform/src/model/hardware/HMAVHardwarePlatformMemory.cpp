@@ -2,12 +2,12 @@
 // Bus interfaces and the memory behind them.
 #include <algorithm>
 
-#include "json/Letters.h"
+#include "mav_host/Letters.h"
 #include "mav_host/Messages.h"
 #include "mav_platform/HMAVHardwarePlatform.h"
 
-using mav_platform::json::equalLetters;
-using mav_platform::json::lowerCase;
+using mav_host::equalLetters;
+using mav_host::lowerCase;
 
 namespace {
 
@@ -104,8 +104,9 @@ int HMAVHardwarePlatform::getMaxInterrupts() const {
 }
 
 void HMAVHardwarePlatform::updateHBMBankInfo(const std::string& instance, const std::string& bank,
-                                             const std::string& automatic) {
-    HBMBanks& banks = hbmBanks_[instance];
+                                             const std::string& automatic,
+                                             const HMAVHardwareBusInterface* interface) {
+    HBMBanks& banks = hbmBanks_[{instance, interface}];
     if (banks.areMixed()) --mixedHBMs_;
     const bool wasMixed = mixedHBMs_ != 0 || banks.areMixed();
     const auto known =
@@ -125,8 +126,11 @@ void HMAVHardwarePlatform::updateHBMBankInfo(const std::string& instance, const 
 }
 
 void HMAVHardwarePlatform::issueNormalizeMemoryBanksMessage(std::ostream& out) const {
-    for (const auto& [instance, banks] : hbmBanks_) {
-        if (!banks.areMixed()) continue;
+    const std::string* told = nullptr;
+    for (const auto& [key, banks] : hbmBanks_) {
+        const std::string& instance = key.first;
+        if (!banks.areMixed() || (told != nullptr && *told == instance)) continue;
+        told = &instance;
         out << "\nThe HBM instance '" << instance
             << "' has only a subset of its auto-assignable memory banks tagged as 'default'. "
                "To attain better HBM bandwidth, use mcc parameter '--advanced.param "

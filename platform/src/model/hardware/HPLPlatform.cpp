@@ -10,14 +10,14 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "json/Letters.h"
+#include "mav_host/Letters.h"
 #include "mav_host/Messages.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
 
+using mav_host::equalLetters;
 using mav_platform::JSONObjectWriter;
-using mav_platform::json::equalLetters;
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "json/Letters.h"
+#include "mav_host/Letters.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
 
-using mav_platform::json::equalLetters;
+using mav_host::equalLetters;
 
 namespace {
 

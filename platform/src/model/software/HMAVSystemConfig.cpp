@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVSystemConfig.h"
 
-#include "json/Letters.h"
+#include "mav_host/Letters.h"
 #include "mav_platform/JSONObjectWriter.h"
 #include "model/writeList.h"
 
-using mav_platform::json::equalLetters;
+using mav_host::equalLetters;
 
 namespace {
 

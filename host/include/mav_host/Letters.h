@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace mav_platform::json {
+namespace mav_host {
 
 /// Letters of ASCII alone change their case: the names of formats mean the same in every locale.
 inline char lowerLetter(char c) {
@@ -29,4 +29,4 @@ inline bool equalLetters(std::string_view a, std::string_view b) {
                       [](char x, char y) { return lowerLetter(x) == lowerLetter(y); });
 }
 
-}  // namespace mav_platform::json
+}  // namespace mav_host
