@@ -82,7 +82,7 @@ std::string outcome(Print print) {
 }
 
 std::string reference(const ptree& tree) {
-    return outcome([&] { return boostText(tree); });
+    return outcome([&] { return boostText(utf8(tree)); });
 }
 
 std::string written(const JSONWriter& writer) {
