@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Reads the #include lines and fails when an arrow between the rooms runs the wrong way.
 
-Usage: check_rooms.py ROOT. The rules, as docs/architecture.md draws them:
+Usage: check_rooms.py [ROOT]. The rules, as docs/architecture.md draws them:
 - a room includes itself and the rooms before it;
 - a source, never a header, may include a class from above that its own header forward-declares;
 - headers form a graph without cycles;
@@ -131,7 +131,7 @@ def cycles(tree):
 
 
 def main():
-    tree = Tree(sys.argv[1])
+    tree = Tree(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2])
     arrows = sum(1 for includes in tree.includes.values() for _, header in includes if header)
     faults = [*wrong_arrows(tree), *wrong_libraries(tree), *unseeded_tables(tree),
               *cycles(tree)]
