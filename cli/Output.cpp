@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cwchar>
 #include <iostream>
-#include <sstream>
 #include <system_error>
 
 #include "Command.h"
@@ -49,30 +48,6 @@ class Utf8Locale {
     }
 
     locale_t locale_;
-};
-
-std::string printableLines(std::string_view text) {
-    std::string shown;
-    shown.reserve(text.size());
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        shown += printable(line);
-        text.remove_prefix(line.size());
-        if (!text.empty()) {
-            shown += '\n';
-            text.remove_prefix(1);
-        }
-    }
-    return shown;
-}
-
-/// Takes lines up to the next flush.
-class PrintableLines final : public std::stringbuf {
-    int sync() override {
-        std::cerr << printableLines(view()) << std::flush;
-        str({});
-        return 0;
-    }
 };
 
 }  // namespace
@@ -122,12 +97,6 @@ LongAnswer& LongAnswer::operator+=(std::string_view text) {
 void LongAnswer::end() {
     writeAnswer(waiting_);
     waiting_.clear();
-}
-
-std::ostream& printableErrors() {
-    static PrintableLines lines;
-    static std::ostream stream(&lines);
-    return stream;
 }
 
 void complain(std::string_view sentence) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -45,9 +44,6 @@ class LongAnswer {
     std::string waiting_;
 };
 
-/// A stream to standard error for lines with foreign names in them; each goes out printable.
-std::ostream& printableErrors();
-
 /// Writes "mav: ", the sentence and a line end to standard error.
 void complain(std::string_view sentence);
 
@@ -60,6 +56,7 @@ std::string text(const Pieces&... pieces) {
 }
 
 using mav_host::printable;
+using mav_host::printableLines;
 
 /// A foreign name where it is told over and over: no more of it than what tells it apart.
 std::string brief(std::string_view name);

@@ -184,7 +184,7 @@ int runProgram(std::span<const Row> table, int argc, char** argv) {
     pipeKills = std::signal(SIGPIPE, SIG_IGN) == SIG_DFL;
     std::atexit(endByPipe);
     HUTEnv::pinTimeZone();
-    mav_host::setConsole(&printableErrors());
+    mav_host::setConsole(&mav_host::printableErrors());
     try {
         return run(table, argc, argv);
     } catch (const NoReader&) {

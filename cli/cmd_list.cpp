@@ -5,8 +5,8 @@
 #include <array>
 #include <chrono>
 #include <iostream>
+#include <set>
 #include <sstream>
-#include <unordered_set>
 #include <utility>
 
 #include "Archive.h"
@@ -58,14 +58,14 @@ class Reports final : public mav_host::ReportScope {
 
     /// Writes what was reported of files that are not at fault in a refusal, each text once.
     void tellTheRest(const Refusals& refused) const {
-        std::unordered_set<std::string> told;
+        std::set<std::string> told;
         for (const Refusal& refusal : refused) {
             told.insert(refusal.file);
             for (const std::string& file : refusal.faulty) {
                 told.insert(HUTFile::getCanonicalName(file));
             }
         }
-        std::unordered_set<std::string> written;
+        std::set<std::string> written;
         for (const auto& [subject, text] : waiting_) {
             if (told.contains(subject) || !written.insert(text).second) continue;
             std::cerr << text << "\n";

@@ -42,6 +42,7 @@ bool run(const Options& options) {
     bool good = false;
     guarded("verify", options.archive, [&] {
         const mav_host::ZipArchive archive = openArchive(options.archive);
+        archive.checkInflation();
         const std::string faults = findFaults(archive);
         const mav_host::DigestState state = [&] {
             const ProgressLine progress;

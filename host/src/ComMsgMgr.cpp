@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/ComMsgMgr.h"
 
-#include <iostream>
+#include <ostream>
 
 #include "mav_host/Messages.h"
 #include "mav_host/Printable.h"
@@ -65,7 +65,7 @@ void ComMsgMgr::sendMsg(int level, const std::string& group, std::uint32_t mask,
         } else if (theSink != nullptr) {
             theSink->send(message);
         } else {
-            std::cerr << format(message) + "\n" << std::flush;
+            mav_host::shownErrors() << format(message) + "\n" << std::flush;
         }
     } catch (...) {
         // A report that cannot be delivered must not end what is being reported on.

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <memory>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -17,6 +19,8 @@
 #include "DirMemory.h"
 #include "FileDescriptor.h"
 #include "mav_host/HEXError.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -49,6 +53,22 @@ unsigned char askType(const std::string& path) {
     struct stat status = {};
     if (::lstat(path.c_str(), &status) != 0) return DT_UNKNOWN;
     return static_cast<unsigned char>(IFTODT(status.st_mode));
+}
+
+/// True when nothing stands at the end of the link: the chain that it begins is broken or comes
+/// back to a link of its own.
+bool leadsNowhere(fs::path link) {
+    constexpr std::size_t MOST_LINKS = 1000;
+    std::set<DirIdentity> seen;
+    while (seen.size() <= MOST_LINKS) {
+        struct stat status = {};
+        if (::lstat(link.c_str(), &status) != 0) return errno == ENOENT || errno == ELOOP;
+        if (!S_ISLNK(status.st_mode)) return false;
+        if (!seen.insert({status.st_dev, status.st_ino}).second) return true;
+        std::error_code error;
+        link = link.parent_path() / fs::read_symlink(link, error);
+    }
+    return false;
 }
 
 /// Room for what the system tells of a directory at once; taken once for all of a walk.
@@ -168,7 +188,11 @@ class Walk {
     /// Looks behind a link; false when it leads nowhere.
     bool follow() {
         struct stat status = {};
-        if (::stat(entry_.path.c_str(), &status) != 0) return false;
+        if (::stat(entry_.path.c_str(), &status) != 0) {
+            // A chain of more links than the system follows hides what is behind it.
+            if (errno == ELOOP && !leadsNowhere(entry_.path)) fail(entry_.path, ELOOP);
+            return false;
+        }
         entry_.isDir = S_ISDIR(status.st_mode);
         return true;
     }

@@ -4,7 +4,6 @@
 #include <sodium.h>
 #include <sys/stat.h>
 
-#include <iostream>
 #include <mutex>
 #include <utility>
 
@@ -17,6 +16,7 @@
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTZip.h"
 #include "mav_host/Messages.h"
+#include "mav_host/Printable.h"
 #include "mav_host/ReportScope.h"
 
 namespace mav_host {
@@ -63,7 +63,8 @@ std::optional<std::string> keyFromFile() {
                       "key");
     }
     struct stat status = {};
-    if (::fstat(file.get(), &status) == 0 && (status.st_mode & S_IROTH) != 0) warnOfReaders(path);
+    const bool known = ::fstat(file.get(), &status) == 0;
+    if (known && (status.st_mode & (S_IRGRP | S_IROTH)) != 0) warnOfReaders(path);
     return std::move(key.text());
 }
 
@@ -71,7 +72,7 @@ std::optional<std::string> keyFromFile() {
 
 std::ostream& console() {
     if (ReportScope* const scope = ReportScope::innermost()) return scope->lines();
-    return theConsole != nullptr ? *theConsole : std::cout;
+    return theConsole != nullptr ? *theConsole : shownOutput();
 }
 
 std::ostream* setConsole(std::ostream* stream) {

@@ -103,6 +103,14 @@ bool NewFile::flush() const {
     return copy.isOpen() && copy.close();
 }
 
+bool NewFile::isNamed() const {
+    struct stat held = {};
+    struct stat named = {};
+    return ::fstat(file_.get(), &held) == 0 &&
+           ::fstatat(dir_, name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+}
+
 bool NewFile::rename(const std::string& name) {
     if (::renameat(dir_, name_.c_str(), dir_, name.c_str()) != 0) return false;
     name_.clear();

@@ -34,6 +34,8 @@ class NewFile {
     /// Tells of failures that some file systems report when a file is closed; it stays open. False
     /// with errno set.
     bool flush() const;
+    /// True while its name leads to it: nobody put another file there.
+    bool isNamed() const;
     /// Puts it into its place; a link there is replaced itself. False with errno set.
     bool rename(const std::string& name);
 

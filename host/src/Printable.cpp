@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_host/Printable.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <iostream>
+#include <streambuf>
 
 #include "mav_host/HI18N.h"
 
@@ -47,7 +51,80 @@ void appendHex(std::string& shown, const char* start, char32_t code, unsigned di
     while (digits-- > 0) shown += HEX[(code >> (4 * digits)) & 0xFU];
 }
 
+/// Gathers lines and hands them on printable.
+class PrintableLines final : public std::streambuf {
+  public:
+    explicit PrintableLines(std::ostream& to) : to_(to) {}
+    ~PrintableLines() override { handOn(gathered_.size()); }
+
+  private:
+    int_type overflow(int_type next) override {
+        const char c = traits_type::to_char_type(next);
+        if (!traits_type::eq_int_type(next, traits_type::eof())) xsputn(&c, 1);
+        return to_.good() ? traits_type::not_eof(next) : traits_type::eof();
+    }
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        gathered_.append(text, static_cast<std::size_t>(size));
+        handOn(gathered_.rfind('\n') + 1);
+        return to_.good() ? size : 0;
+    }
+    int sync() override {
+        handOn(gathered_.size());
+        return to_.flush() ? 0 : -1;
+    }
+    void handOn(std::size_t size) {
+        if (size == 0) return;
+        to_ << mav_host::printableLines(std::string_view(gathered_).substr(0, size));
+        gathered_.erase(0, size);
+    }
+
+    std::ostream& to_;
+    std::string gathered_;
+};
+
+class PrintableStream final : public std::ostream {
+  public:
+    explicit PrintableStream(std::ostream& to) : std::ostream(nullptr), lines_(to) {
+        rdbuf(&lines_);
+    }
+
+  private:
+    PrintableLines lines_;
+};
+
+std::ostream& printableOutput() {
+    thread_local PrintableStream stream(std::cout);
+    return stream;
+}
+
 }  // namespace
+
+std::string mav_host::printableLines(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        shown += printable(line);
+        text.remove_prefix(line.size());
+        if (text.empty()) break;
+        shown += '\n';
+        text.remove_prefix(1);
+    }
+    return shown;
+}
+
+std::ostream& mav_host::printableErrors() {
+    thread_local PrintableStream stream(std::cerr);
+    return stream;
+}
+
+std::ostream& mav_host::shownOutput() {
+    return ::isatty(STDOUT_FILENO) == 1 ? printableOutput() : std::cout;
+}
+
+std::ostream& mav_host::shownErrors() {
+    return ::isatty(STDERR_FILENO) == 1 ? printableErrors() : std::cerr;
+}
 
 std::string mav_host::printable(std::string_view text) {
     std::string shown;

@@ -40,6 +40,14 @@ class Interference(ArchiveTest):
                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (50000, 50000)))
         self.assertEqual(list(out.iterdir()), [])
 
+    def test_a_bomb_is_not_gone_through(self):
+        self.pack(x="y")
+        content = self.archive.read_bytes()
+        entry = content.rindex(b"PK\1\2")
+        self.archive.write_bytes(content[:entry + 24] + b"\1\0\0\x40" + content[entry + 28:])
+        _, errors = self.mav("verify", self.archive, code=3)
+        self.assertIn("claim more than 1073741824 bytes", errors)
+
     def test_several_at_once_are_all_listed(self):
         self.pack()
         plain = self.dir / "plain.zip"

@@ -7,7 +7,8 @@ Usage: check_rooms.py [ROOT]. The rules, as docs/architecture.md draws them:
 - a source, never a header, may include a class from above that its own header forward-declares;
 - headers form a graph without cycles;
 - the command includes installed headers and its own alone;
-- the libraries that know a syntax (zip, XML, ciphers) appear in host/src alone.
+- the libraries that know a syntax (zip, XML, ciphers) appear in host/src alone;
+- texts are not hashed without a seed, but where a signature asks for it.
 """
 import pathlib
 import re
@@ -17,6 +18,7 @@ ORDER = ["host", "json", "model", "archive", "formats", "load", "repository", "s
          "capi", "cli"]
 LEVEL = {room: level for level, room in enumerate(ORDER)}
 SYNTAX_LIBRARIES = {"zip.h", "zlib.h", "expat.h", "sodium.h", "libdeflate.h"}
+UNSEEDED = re.compile(r"unordered_(set<std::string>|map<std::string, (?!HMAVPlatform\*>))")
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 
 
@@ -100,6 +102,13 @@ def wrong_libraries(tree):
                 yield f"{name} includes {tree.name(header)}, which is not installed"
 
 
+def unseeded_tables(tree):
+    """Whoever chooses names can make them fall together in a table that hashes without a seed."""
+    for path in tree.files:
+        if path.suffix == ".cpp" and UNSEEDED.search(tree.text[path]):
+            yield f"{tree.name(path)} hashes texts without a seed; take an ordered container"
+
+
 def cycles(tree):
     done, trail = set(), []
 
@@ -122,9 +131,10 @@ def cycles(tree):
 
 
 def main():
-    tree = Tree(sys.argv[1] if len(sys.argv) > 1 else ".")
+    tree = Tree(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2])
     arrows = sum(1 for includes in tree.includes.values() for _, header in includes if header)
-    faults = [*wrong_arrows(tree), *wrong_libraries(tree), *cycles(tree)]
+    faults = [*wrong_arrows(tree), *wrong_libraries(tree), *unseeded_tables(tree),
+              *cycles(tree)]
     for fault in faults:
         print(fault)
     if not arrows:

@@ -42,7 +42,8 @@ class MAV_API HUTDirWalk {
     /// is passed over. A directory is not entered again below itself: one that is open on the way,
     /// by device and inode, is an entry alone. Throws HEXUserException "The directory 'PATH' cannot
     /// be read: REASON" for the walked directory and any below it, also for the one whose names
-    /// would be more entries than are left; what a visitor throws passes through.
+    /// would be more entries than are left and for one behind more links than the system follows;
+    /// what a visitor throws passes through.
     static bool walk(const std::string& dir, const Options& options, const Visitor& visit);
 
     /// Installs who is told of every entry on this thread; null tells nobody. It stays owned by the

@@ -40,6 +40,9 @@ class MAV_API ZipArchive {
     bool contains(const std::string& member) const;
     /// The members in the archive's order.
     HSTVector<ZipMember> members() const;
+    /// Throws HEXUserException when the members claim to inflate to more than an extraction may
+    /// write; for who is about to read all of them.
+    void checkInflation() const;
     /// The member's bytes. Inflation stops at `limit` bytes whatever the header claims, and no
     /// memory is taken on the header's word alone. Throws HEXDataException naming archive and
     /// member when the member is absent, larger than the limit, damaged, not of the size that it
@@ -147,7 +150,9 @@ class MAV_API HUTZip {
     using Sources = std::function<HSTVector<Source>(const mav_host::ZipArchive* archive)>;
     static void update(const std::string& archive, const Sources& sources);
     /// As `add`, with a digest over the new archive, all in one step. The digest that is there is
-    /// checked first, on the archive that is opened under the lock: throws DigestRefusal.
+    /// checked first, on the archive that is opened under the lock: throws DigestRefusal. Throws
+    /// HEXUserException, before anything is built, when the members that are there claim more bytes
+    /// than an extraction may write.
     static void addWithDigest(const std::string& archive, const HSTVector<Source>& sources,
                               mav_host::Resign resign = mav_host::Resign::NO);
     /// As `update`, with a digest as `addWithDigest` puts it.
@@ -156,7 +161,8 @@ class MAV_API HUTZip {
     /// True for a name that a member may be added under: relative, made of parts with "/" between
     /// them, none of them empty, "." or "..", without backslash and null byte.
     static bool isMemberName(const std::string& name);
-    /// Writes a new archive that holds exactly these members in this order and a digest over them.
+    /// Writes a new archive that holds exactly these members in this order and a digest over them,
+    /// however large they are.
     /// No members and equal names are refused with HEXUserException.
     static void create(const std::string& archive, const HSTVector<Source>& sources);
 

@@ -13,7 +13,7 @@ namespace mav_host {
 
 /// The stream that takes the lines which the library prints on standard output: that of this
 /// thread's innermost ReportScope, else the process's, which a tool sends elsewhere with
-/// `setConsole`.
+/// `setConsole`. The default one shows control characters printable on a terminal.
 MAV_API std::ostream& console();
 
 /// Replaces the process's console stream; null restores standard output. The stream stays owned by
@@ -55,8 +55,8 @@ class MAV_API KeyProvider {
 };
 
 /// The key in force. The default provider reads the file that MAV_KEY_FILE names, afresh each time,
-/// and sends "@74-301@%s" once for a file that others can read. Throws HEXUserException for a key
-/// of fewer than 16 bytes. Who is done with the key wipes it.
+/// and sends "@74-301@%s" once for a file that its group or others can read. Throws
+/// HEXUserException for a key of fewer than 16 bytes. Who is done with the key wipes it.
 MAV_API std::optional<std::string> key();
 
 /// Replaces the key provider; null restores the default one. It stays owned by the caller and must

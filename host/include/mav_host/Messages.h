@@ -87,7 +87,7 @@ void report(const Message<Arguments>& message, const Texts&... arguments) {
     MESSAGE(HBM_PARTLY_PREFERRED, 1, STATUS, "@74-261@", "Only some of the auto-assignable HBM memory banks are tagged as preferred; tag all of them or none.") \
     MESSAGE(NOT_UNSIGNED, 1, WARNING, "@74-268@%s", "The text '%1' is not an unsigned number that fits; the default is used in its place.") \
     MESSAGE(UNKNOWN_FILE_TYPE, 1, WARNING, "@74-271@%s", "'%1' is not a platform file type; the file is kept, but no tool will look for it.") \
-    MESSAGE(KEY_FILE_OPEN_TO_OTHERS, 2, WARNING, "@74-301@%s", "The key file '%1' can be read by others; take their permission away with 'chmod o-r' and make a new key.")
+    MESSAGE(KEY_FILE_OPEN_TO_OTHERS, 2, WARNING, "@74-301@%s", "The key file '%1' can be read by its group or by others; take their permission away with 'chmod go-r' and make a new key.")
 // clang-format on
 
 namespace messages {

@@ -78,27 +78,9 @@ class Hash {
     crypto_hash_sha256_state plain_;
 };
 
-/// Members that claim to inflate to more than an extraction may write are not gone through.
-void checkInflation(const OpenZip& archive, const std::string& path) {
-    const std::uint64_t limit = inflationLimit(archive.size);
-    std::uint64_t left = limit;
-    const zip_int64_t count = zip_get_num_entries(archive.zip.get(), 0);
-    for (zip_int64_t i = 0; i < count; ++i) {
-        const zip_stat_t status = statMember(archive.zip.get(), static_cast<zip_uint64_t>(i));
-        if (status.size > left) {
-            throw HEXUserException("The members of the archive '" + path +
-                                   "' are not gone through for its digest: they claim more than " +
-                                   std::to_string(limit) +
-                                   " bytes, too many for the size of the archive");
-        }
-        left -= status.size;
-    }
-}
-
 std::string hashMembers(const OpenZip& archive, const std::string& path,
                         const std::optional<std::string>& key) {
     if (sodium_init() < 0) throw HEXUserException("The cryptographic library cannot be started");
-    checkInflation(archive, path);
     zip_t* const zip = archive.zip.get();
     Hash hash(key);
     const zip_int64_t count = zip_get_num_entries(zip, 0);
@@ -116,6 +98,22 @@ std::string hashMembers(const OpenZip& archive, const std::string& path,
 }
 
 }  // namespace
+
+void checkInflation(const OpenZip& archive, const std::string& path) {
+    const std::uint64_t limit = inflationLimit(archive.size);
+    std::uint64_t left = limit;
+    const zip_int64_t count = zip_get_num_entries(archive.zip.get(), 0);
+    for (zip_int64_t i = 0; i < count; ++i) {
+        const zip_stat_t status = statMember(archive.zip.get(), static_cast<zip_uint64_t>(i));
+        if (status.size > left) {
+            throw HEXUserException("The members of the archive '" + path +
+                                   "' are not gone through for its digest: they claim more than " +
+                                   std::to_string(limit) +
+                                   " bytes, too many for the size of the archive");
+        }
+        left -= status.size;
+    }
+}
 
 std::string computeDigest(const OpenZip& archive, const std::string& path) {
     const HeldKey held;
@@ -135,6 +133,7 @@ DigestState checkDigest(const OpenZip& archive, const std::string& path) {
     const std::optional<std::string>& secret = held.key;
     const std::optional<std::string> none;
     if (keyed && !secret) return DigestState::NO_KEY;
+    checkInflation(archive, path);
     try {
         const std::string expected =
             std::string(keyed ? KEYED : PLAIN) + hashMembers(archive, path, keyed ? secret : none);

@@ -243,6 +243,10 @@ void ArchiveWriter::checkOldDigest() {
     }
 }
 
+void ArchiveWriter::checkOldSize() {
+    if (old_) checkInflation(old_->impl_->open, archive_);
+}
+
 void ArchiveWriter::keepComment() {
     const std::string& text = old_->impl_->open.comment;
     if (text.starts_with(DIGEST_START)) return;
@@ -265,9 +269,10 @@ void ArchiveWriter::build() {
 
 void ArchiveWriter::attachDigest() {
     step(WriteStep::DIGEST, "attaching the digest");
-    const std::string besidePath =
-        archive_.substr(0, archive_.size() - place_.name.size()) + file_.name();
-    const std::string digest = computeDigest(openZip(besidePath), archive_);
+    // Not by its name, which whoever may write the directory can give to another file.
+    FileDescriptor built(::fcntl(file_.get(), F_DUPFD_CLOEXEC, 0));
+    if (!built.isOpen()) refuse(systemText());
+    const std::string digest = computeDigest(openZip(std::move(built), archive_), archive_);
     // The comment's size and, so far, an empty comment are the file's last two bytes.
     const std::string comment = {static_cast<char>(digest.size()), '\0'};
     if (::lseek(file_.get(), -static_cast<off_t>(comment.size()), SEEK_END) < 0 ||
@@ -284,6 +289,7 @@ void ArchiveWriter::commit() {
     step(WriteStep::SYNC, "syncing");
     if (::fsync(file_.get()) != 0 || !file_.flush()) refuse(systemText());
     step(WriteStep::RENAME, "renaming");
+    if (!file_.isNamed()) refuse("the file '" + file_.name() + "' was replaced meanwhile");
     if (!file_.rename(place_.name)) refuse(systemText());
     // The new archive stands from here on; not every file system can sync a directory.
     ::fsync(place_.dir.get());

@@ -42,6 +42,8 @@ class ArchiveWriter {
     zip_t* oldZip() const { return old_ ? old_->impl_->zip() : nullptr; }
     /// Refuses an old archive that nobody vouches for; throws DigestRefusal.
     void checkOldDigest();
+    /// Refuses an old archive whose members are too large for a digest over them to be checked.
+    void checkOldSize();
     /// Adds a member at the end. The content must outlive `build`.
     void add(const HUTZip::Source& source);
     /// Adds a member of the old archive at the end, packed as it is.

@@ -114,6 +114,7 @@ namespace {
 void addSources(ArchiveWriter& writer, const HSTVector<HUTZip::Source>& sources, bool withDigest) {
     Replacements replacements;
     for (const HUTZip::Source& source : sources) replacements[source.member] = &source;
+    if (withDigest) writer.checkOldSize();
     if (writer.old() != nullptr) {
         copyMembers(writer, replacements);
         if (!withDigest) writer.keepComment();

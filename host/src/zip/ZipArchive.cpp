@@ -194,6 +194,10 @@ HSTVector<ZipMember> ZipArchive::members() const {
     return members;
 }
 
+void ZipArchive::checkInflation() const {
+    mav_host::checkInflation(impl_->open, impl_->path);
+}
+
 std::string ZipArchive::read(const std::string& member, std::uint64_t limit) const {
     zip_t* const zip = impl_->zip();
     const zip_uint64_t index = impl_->find(member);

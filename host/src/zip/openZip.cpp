@@ -25,8 +25,9 @@ namespace {
     refuse(path, "cannot be read: " + reason.message() + "; check its permissions");
 }
 
-FileDescriptor openRegular(const std::string& path, std::uint64_t& size) {
-    constexpr const char* NO_FILE = "is not a file; give the path of an archive";
+constexpr const char* NO_FILE = "is not a file; give the path of an archive";
+
+FileDescriptor openFile(const std::string& path) {
     // Without waiting for the writer of a named pipe.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     const std::error_code reason(errno, std::generic_category());
@@ -35,9 +36,6 @@ FileDescriptor openRegular(const std::string& path, std::uint64_t& size) {
         if (!HUTFile::isFile(path)) refuse(path, NO_FILE);
         refuseUnreadable(path, reason);
     }
-    struct stat status = {};
-    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) refuse(path, NO_FILE);
-    size = static_cast<std::uint64_t>(status.st_size);
     return file;
 }
 
@@ -182,8 +180,14 @@ bool beginsAsZip(const FileDescriptor& file) {
 }  // namespace
 
 OpenZip openZip(const std::string& path) {
+    return openZip(openFile(path), path);
+}
+
+OpenZip openZip(FileDescriptor file, const std::string& path) {
     OpenZip out;
-    FileDescriptor file = openRegular(path, out.size);
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) refuse(path, NO_FILE);
+    out.size = static_cast<std::uint64_t>(status.st_size);
     const bool begins = beginsAsZip(file);
     ZipDirectory directory;
     errno = 0;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "FileDescriptor.h"
 #include "mav_host/HUTZip.h"
 
 /// What the zip sources share. Nothing outside the host sees libzip.
@@ -34,6 +35,8 @@ struct OpenZip {
 };
 /// Opens an archive for reading; throws as ZipArchive's constructor does.
 OpenZip openZip(const std::string& path);
+/// The same for a file that is open already, whatever `path` leads to by now.
+OpenZip openZip(FileDescriptor file, const std::string& path);
 
 struct ZipArchive::Impl {
     std::string path;
@@ -98,8 +101,11 @@ bool isCancelled();
 
 /// What a digest begins with, of any version.
 constexpr char DIGEST_START[] = "mav-digest:";
-/// Text form of the digest over all members, with the host's key if there is one. Throws
-/// HEXUserException, naming `path`, when the members inflate to more than an extraction may write.
+/// Refuses members that claim to inflate to more than an extraction may write, with
+/// HEXUserException naming `path`.
+void checkInflation(const OpenZip& archive, const std::string& path);
+/// Text form of the digest over all members, with the host's key if there is one. However much they
+/// inflate to: who asks has built the archive.
 std::string computeDigest(const OpenZip& archive, const std::string& path);
 /// Compares the archive's digest with its members, as HUTZip::verifyDigest does.
 DigestState checkDigest(const OpenZip& archive, const std::string& path);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <boost/none_t.hpp>
 #include <boost/optional/optional_fwd.hpp>
 #include <boost/property_tree/ptree_fwd.hpp>
 #include <iosfwd>
@@ -37,46 +38,46 @@ class MAV_API HMAVJSONUtils {
     /// True only for "true" in any letter case.
     static bool getBoolValue(const ptree& tree, const std::string& key);
 
-    /// The getters above for whatever a tree hands out as optional: a tree, or a reference to one.
-    template <class Tree>
-    static bool findKey(const boost::optional<Tree>& tree, const std::string& key) {
-        return findKey(treeOf(tree), key);
+    /// Whatever a tree hands out as optional, a tree or a reference to one; boost::none is empty.
+    class OptionalTree {
+      public:
+        OptionalTree(boost::none_t) {}
+        template <class Tree>
+        OptionalTree(const boost::optional<Tree>& tree) : tree_(tree ? &*tree : &noTree()) {}
+
+        const ptree& get() const { return *tree_; }
+
+      private:
+        const ptree* tree_ = &noTree();
+    };
+    static bool findKey(const OptionalTree& tree, const std::string& key) {
+        return findKey(tree.get(), key);
     }
-    template <class Tree>
-    static bool hasKey(const boost::optional<Tree>& tree, const std::string& key) {
-        return hasKey(treeOf(tree), key);
+    static bool hasKey(const OptionalTree& tree, const std::string& key) {
+        return hasKey(tree.get(), key);
     }
-    template <class Tree>
-    static std::string getValue(const boost::optional<Tree>& tree, const std::string& key) {
-        return getValue(treeOf(tree), key);
+    static std::string getValue(const OptionalTree& tree, const std::string& key) {
+        return getValue(tree.get(), key);
     }
-    template <class Tree>
-    static std::string getStringValue(const boost::optional<Tree>& tree, const std::string& key) {
-        return getStringValue(treeOf(tree), key);
+    static std::string getStringValue(const OptionalTree& tree, const std::string& key) {
+        return getStringValue(tree.get(), key);
     }
-    template <class Tree>
-    static int getIntValue(const boost::optional<Tree>& tree, const std::string& key,
-                           int dflt = 0) {
-        return getIntValue(treeOf(tree), key, dflt);
+    static int getIntValue(const OptionalTree& tree, const std::string& key, int dflt = 0) {
+        return getIntValue(tree.get(), key, dflt);
     }
-    template <class Tree>
-    static long getLongValue(const boost::optional<Tree>& tree, const std::string& key,
-                             long dflt = 0) {
-        return getLongValue(treeOf(tree), key, dflt);
+    static long getLongValue(const OptionalTree& tree, const std::string& key, long dflt = 0) {
+        return getLongValue(tree.get(), key, dflt);
     }
-    template <class Tree>
-    static unsigned long getUnsignedLongValue(const boost::optional<Tree>& tree,
-                                              const std::string& key, unsigned long dflt = 0) {
-        return getUnsignedLongValue(treeOf(tree), key, dflt);
+    static unsigned long getUnsignedLongValue(const OptionalTree& tree, const std::string& key,
+                                              unsigned long dflt = 0) {
+        return getUnsignedLongValue(tree.get(), key, dflt);
     }
-    template <class Tree>
-    static unsigned getUnsignedIntValue(const boost::optional<Tree>& tree, const std::string& key,
+    static unsigned getUnsignedIntValue(const OptionalTree& tree, const std::string& key,
                                         unsigned dflt = 0) {
-        return getUnsignedIntValue(treeOf(tree), key, dflt);
+        return getUnsignedIntValue(tree.get(), key, dflt);
     }
-    template <class Tree>
-    static bool getBoolValue(const boost::optional<Tree>& tree, const std::string& key) {
-        return getBoolValue(treeOf(tree), key);
+    static bool getBoolValue(const OptionalTree& tree, const std::string& key) {
+        return getBoolValue(tree.get(), key);
     }
 
     /// Pretty JSON text. The file form replaces the file as a whole and writes to a character
@@ -101,8 +102,4 @@ class MAV_API HMAVJSONUtils {
 
   private:
     static const ptree& noTree();
-    template <class Tree>
-    static const ptree& treeOf(const boost::optional<Tree>& tree) {
-        return tree ? *tree : noTree();
-    }
 };

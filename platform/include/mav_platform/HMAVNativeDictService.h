@@ -13,7 +13,7 @@ namespace mav::platform {
 /// empty name.
 ///
 /// The forms for platforms throw as NativeObjectService does and rewrite paths as it does. All
-/// throw HEXAlgException "Failed to read platform: the paths of its description exceed 1 GiB".
+/// throw HEXAlgException "Failed to read platform: the paths of its description exceed 1024 MiB".
 class MAV_API NativeDictService : public DictService {
   public:
     ~NativeDictService() override;

@@ -13,7 +13,7 @@ namespace mav::platform {
 /// the elements of a list, `count` tells how often the path occurs.
 ///
 /// The forms for platforms throw as NativeObjectService does, all HEXAlgException "Failed to read
-/// platform: the paths of its description exceed 1 GiB".
+/// platform: the paths of its description exceed 64 MiB".
 class MAV_API NativeKeyService : public KeyService {
   public:
     ~NativeKeyService() override;

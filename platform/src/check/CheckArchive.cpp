@@ -2,9 +2,11 @@
 #include "check/CheckArchive.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "check/CheckHpfm.h"
@@ -221,18 +223,24 @@ class ArchiveCheck {
         }
     }
 
-    bool isInListedFolder(const std::string& member) const {
-        for (std::size_t i = member.find('/'); i != std::string::npos;
-             i = member.find('/', i + 1)) {
-            if (folders_.count(member.substr(0, i + 1)) > 0) return true;
+    /// The listed folders, in order, without those that lie in another one.
+    std::vector<std::string_view> outermostFolders() const {
+        std::vector<std::string_view> outermost;
+        for (const std::string& folder : folders_) {
+            if (outermost.empty() || !folder.starts_with(outermost.back())) {
+                outermost.push_back(folder);
+            }
         }
-        return false;
+        return outermost;
     }
 
     void checkUnlisted() {
+        const std::vector<std::string_view> folders = outermostFolders();
         for (const std::string& member : members_) {
             if (listed_.count(member) > 0 || member.ends_with('/')) continue;
-            if (isInListedFolder(member)) continue;
+            // None of them begins another one, so that only the one before can hold the member.
+            const auto after = std::upper_bound(folders.begin(), folders.end(), member);
+            if (after != folders.begin() && member.starts_with(*std::prev(after))) continue;
             report_.add("unlisted-member", {archive_.path()},
                         "the member " + shown(member) + " is not listed anywhere");
         }

@@ -5,11 +5,12 @@
 #include <cstdlib>
 #include <limits>
 #include <locale>
+#include <map>
+#include <memory>
 #include <optional>
 #include <regex>
 #include <set>
 #include <string_view>
-#include <unordered_map>
 
 #include "check/CheckReport.h"
 #include "mav_host/HEXError.h"
@@ -207,7 +208,7 @@ class SchemaWalk {
     const LocatedJson& json_;
     const Node root_;
     Report& report_;
-    std::unordered_map<std::string, std::unique_ptr<std::regex>> patterns_;
+    std::map<std::string, std::unique_ptr<std::regex>> patterns_;
 };
 
 }  // namespace

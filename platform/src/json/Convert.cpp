@@ -47,8 +47,7 @@ Number scan(std::string_view text) {
     return number;
 }
 
-void reportUnconverted(std::string_view text, bool* failed) {
-    if (failed != nullptr) *failed = true;
+void reportUnconverted(std::string_view text) {
     mav_host::report(mav_host::messages::NOT_UNSIGNED, std::string(text));
 }
 
@@ -71,20 +70,20 @@ int toInt(std::string_view text, int dflt) {
     return text.empty() ? dflt : static_cast<int>(toLong(text, 0));
 }
 
-std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt, bool* failed) {
+std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt) {
     if (text.empty()) return dflt;
     const Number number = scan(text);
     if (!number.hasDigits || number.overflow) {
-        reportUnconverted(text, failed);
+        reportUnconverted(text);
         return dflt;
     }
     return number.negative ? 0 - number.magnitude : number.magnitude;
 }
 
-unsigned toUnsigned(std::string_view text, unsigned dflt, bool* failed) {
+unsigned toUnsigned(std::string_view text, unsigned dflt) {
     if (text.empty()) return dflt;
     if (std::uint32_t plain = 0; isShort(text, plain)) return plain;
-    return static_cast<unsigned>(toUnsigned64(text, dflt, failed));
+    return static_cast<unsigned>(toUnsigned64(text, dflt));
 }
 
 bool toBool(std::string_view text) {

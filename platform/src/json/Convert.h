@@ -18,10 +18,9 @@ int toInt(std::string_view text, int dflt);
 /// The standard string-to-unsigned-long conversion in base 10: leading blanks and a sign are taken
 /// (a minus wraps around), trailing text is ignored; the 32-bit form keeps the low 32 of the 64
 /// bits. Text without digits and numbers beyond 64 bits are reported through "@74-268@%s" and give
-/// the default, as empty text does without a report. `failed`, when given, is set to true along
-/// with a report.
-unsigned toUnsigned(std::string_view text, unsigned dflt, bool* failed = nullptr);
-std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt, bool* failed = nullptr);
+/// the default, as empty text does without a report.
+unsigned toUnsigned(std::string_view text, unsigned dflt);
+std::uint64_t toUnsigned64(std::string_view text, std::uint64_t dflt);
 
 /// True only for "true" in any letter case.
 bool toBool(std::string_view text);

@@ -55,6 +55,12 @@ void TreeSink::addChild(std::string_view key, ptree& sub) {
 std::string_view TreeSink::text() {
     rendered_.truncate(0);
     renderDocument(rendered_, tree_);
+    if (!isUtf8(rendered_.view())) {  // as only who has the tree itself can put it there
+        ptree copy(tree_);
+        convertAll(copy);
+        rendered_.truncate(0);
+        renderDocument(rendered_, copy);
+    }
     return rendered_.view();
 }
 

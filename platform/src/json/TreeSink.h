@@ -26,8 +26,8 @@ class TreeSink {
     /// One more sub-tree under a key as it stands; it is used up.
     void addChild(std::string_view key, ptree& sub);
 
-    /// The whole as text, valid until asked again. Throws json_parser_error for what JSON cannot
-    /// express.
+    /// The whole as text, in UTF-8 whatever was put into the tree; valid until asked again. Throws
+    /// json_parser_error for what JSON cannot express.
     std::string_view text();
     /// Moves what `text` answered last to `out` and leaves the sink empty.
     void drainTo(char* out) noexcept;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/HMAVHardwarePlatformParser.h"
 
+#include <map>
 #include <memory>
-#include <unordered_set>
+#include <set>
 
 #include "archive/OpenArchives.h"
 #include "mav_host/HUTDirWalk.h"
@@ -130,8 +131,8 @@ void HMAVHardwarePlatformParser::parseBareDSAFile_(const std::string& path, Plat
 }
 
 void HMAVHardwarePlatformParser::filterByVBNV_(const Platforms& candidates, Platforms& accepted) {
-    std::unordered_map<std::string, std::string> fileByVbnv;
-    std::unordered_set<std::string> files;
+    std::map<std::string, std::string> fileByVbnv;
+    std::set<std::string> files;
     for (HMAVHardwarePlatform* candidate : candidates) {
         const std::string file = candidate->getPlatformFile();
         if (files.contains(file)) {
@@ -151,7 +152,7 @@ void HMAVHardwarePlatformParser::filterByVBNV_(const Platforms& candidates, Plat
 
 void HMAVHardwarePlatformParser::addPlatforms_(const Platforms& additions, Platforms& platforms) {
     // Each addition takes one older platform of its name away, the first that is left.
-    std::unordered_map<std::string, std::size_t> replaced;
+    std::map<std::string, std::size_t> replaced;
     for (const HMAVHardwarePlatform* addition : additions) ++replaced[addition->getUniqueName()];
     std::erase_if(platforms, [&](const HMAVHardwarePlatform* older) {
         const auto found = replaced.find(older->getUniqueName());

@@ -358,7 +358,7 @@ void HMAVPlatformMgr::searchBareArchives_(
 
 void HMAVPlatformMgr::removePlatformsFromDirs(const Dirs& dirs) {
     const Dirs full = canonical(dirs);
-    const std::unordered_set<std::string> parents(full.begin(), full.end());
+    const std::set<std::string> parents(full.begin(), full.end());
     const auto removed = [&](const HMAVPlatform* platform) {
         const std::string file = platform->getPlatformFile();
         const bool gone = !file.empty() && parents.contains(HUTFile::getParent(file));

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <ostream>
-#include <unordered_set>
+#include <set>
 #include <utility>
 
 #include "mav_host/HUTEnv.h"
@@ -95,7 +95,7 @@ HMAVPlatform* findFirst(Predicate fits) {
 }
 
 void appendBoards(const Wanted& wanted, Texts& out) {
-    std::unordered_set<std::string> known;
+    std::set<std::string> known;
     for (const HMAVPlatform* platform : allPlatforms()) {
         const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
         if (hardware == nullptr || !wanted.fits(platform)) continue;
@@ -114,7 +114,7 @@ const HMAVSoftwarePlatform* softwareOf(const std::string& name) {
     return platform != nullptr ? platform->getSoftwarePlatform() : nullptr;
 }
 
-std::unordered_set<std::string> installDirs() {
+std::set<std::string> installDirs() {
     Texts dirs;
     HMAVPlatformUtils::getRootInstallPlatformDirs(dirs);
     return {dirs.begin(), dirs.end()};
@@ -123,7 +123,7 @@ std::unordered_set<std::string> installDirs() {
 /// Appends the directory of each platform that fits.
 template <class Predicate>
 void appendDirs(Predicate fits, Texts& out) {
-    const std::unordered_set<std::string> install = installDirs();
+    const std::set<std::string> install = installDirs();
     for (const HMAVPlatform* platform : allPlatforms()) {
         std::string dir = platform->getPlatformDir();
         if (fits(platform, install.contains(dir))) out.push_back(std::move(dir));
@@ -274,7 +274,7 @@ const HPLDevice::Part* HMAVPlatformUtils::getFpgaPartAsFields(const std::string&
 }
 
 void HMAVPlatformUtils::getSupportedFpgaParts(Texts& out) {
-    std::unordered_set<std::string> known;
+    std::set<std::string> known;
     for (const HMAVPlatform* platform : allPlatforms()) {
         const HMAVHardwarePlatform* const hardware = mav_platform::hardwareOf(*platform);
         std::string part = hardware != nullptr ? hardware->getFpgaPart() : "";

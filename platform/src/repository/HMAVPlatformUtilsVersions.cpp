@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdlib>
-#include <unordered_map>
+#include <map>
 #include <utility>
 
 #include "mav_platform/HMAVPlatformMgr.h"
@@ -11,7 +11,7 @@ namespace {
 
 using Platforms = HMAVPlatformUtils::Platforms;
 using Version = std::pair<long, long>;
-using Latest = std::unordered_map<std::string, Version>;
+using Latest = std::map<std::string, Version>;
 
 /// Vendor, board and name, kept apart by a byte that ends each.
 std::string identityOf(const HMAVHardwarePlatform& hardware) {

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/NativePlatformRepoService.h"
 
-#include <iostream>
+#include <ostream>
 #include <set>
 
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Letters.h"
+#include "mav_host/Printable.h"
 #include "repository/searchDirs.h"
 
 namespace mav::platform {
@@ -60,7 +61,7 @@ void NativePlatformRepoService::getQpfmFiles(const std::string& name,
         try {
             if (!HUTDirWalk::walk(dir, {.followLinks = true}, visit)) return;
         } catch (const std::exception& error) {
-            std::cerr << "Exception: " << error.what() << std::endl;
+            mav_host::shownErrors() << "Exception: " << error.what() << std::endl;
         }
     }
 }

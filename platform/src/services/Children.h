@@ -3,6 +3,7 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "json/Document.h"
@@ -24,17 +25,23 @@ void forEachChild(const mav_platform::json::Node& node, Visit visit) {
 /// Bounds the names that one answer may hold: long keys above many values would otherwise multiply.
 class NameBudget {
   public:
-    /// Throws HEXAlgException when the names altogether exceed 1 GiB.
+    static constexpr std::size_t MEBIBYTE = std::size_t{1} << 20;
+
+    explicit NameBudget(std::size_t mebibytes = 1024)
+        : mebibytes_(mebibytes), left_(mebibytes * MEBIBYTE) {}
+
+    /// Throws HEXAlgException when the names altogether exceed the budget.
     void take(std::size_t size) {
         if (size > left_) {
-            throw HEXAlgException(
-                "Failed to read platform: the paths of its description exceed 1 GiB");
+            throw HEXAlgException("Failed to read platform: the paths of its description exceed " +
+                                  std::to_string(mebibytes_) + " MiB");
         }
         left_ -= size;
     }
 
   private:
-    std::size_t left_ = std::size_t{1} << 30;
+    std::size_t mebibytes_;
+    std::size_t left_;
 };
 
 }  // namespace mav::platform

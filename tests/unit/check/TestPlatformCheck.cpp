@@ -13,14 +13,19 @@ namespace {
 
 TEST(PlatformCheck, MembersNeedNoNameToBeUnlisted) {
     const TempDir dir;
-    const std::string path =
-        dir.write("card.pka", rawZip({storedMember("pka.json", metadata()),
-                                      storedMember("folder/", ""), storedMember("", "x")}));
+    const std::string files = R"(, "files": [{"type": "IP_REPO_PATH", "name": "a"},
+        {"type": "IP_CACHE_DIR", "name": "a/b"}, {"type": "IP_CACHE_DIR", "name": "c/d"}])";
+    const std::string path = dir.write(
+        "card.pka",
+        rawZip({storedMember("pka.json", metadata(files)), storedMember("folder/", ""),
+                storedMember("", "x"), storedMember("a/b/in", ""), storedMember("a/in", ""),
+                storedMember("c/d/in", ""), storedMember("c/out", "")}));
     std::string unlisted;
     for (const auto& finding : mav_platform::PlatformCheck::run(path)) {
         if (finding.rule == "unlisted-member") unlisted += finding.text + "\n";
     }
-    EXPECT_EQ(unlisted, "the member '' is not listed anywhere\n");
+    EXPECT_EQ(unlisted,
+              "the member '' is not listed anywhere\nthe member 'c/out' is not listed anywhere\n");
 }
 
 TEST(PlatformCheck, FindingsBeyondTheLimitsAreCounted) {

@@ -47,6 +47,16 @@ TEST(HUTDirWalk, LinksAreFollowedOnRequestAndLoopsEnd) {
     EXPECT_EQ(visited(dir), "dangling\nlink\nreal/\nreal/file\nreal/up\nself\n");
     const std::string followed = "link/\nlink/file\nlink/up/\nreal/\nreal/file\nreal/up/\n";
     EXPECT_EQ(visited(dir, {.followLinks = true}), followed);
+    dir.write("far/file", "");
+    std::string before = "far";
+    for (int i = 10; i < 52; ++i) {
+        const std::string link = "chain" + std::to_string(i);
+        fs::create_symlink(before, dir.path(link));
+        before = link;
+    }
+    EXPECT_THROW_MSG(visited(dir, {.followLinks = true}), HEXUserException,
+                     "The directory '" + dir.path("chain50") +
+                         "' cannot be read: Too many levels of symbolic links");
 }
 
 TEST(HUTDirWalk, LinksCountAsGivenWithinABudget) {

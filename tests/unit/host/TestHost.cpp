@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <iostream>
 
 #include "mav_host/HBOBoardCDataManager.h"
 #include "mav_host/HEXError.h"
@@ -11,6 +10,7 @@
 #include "mav_host/HUTEnv.h"
 #include "mav_host/HUTZip.h"
 #include "mav_host/Host.h"
+#include "mav_host/Printable.h"
 #include "support/Doubles.h"
 
 namespace {
@@ -63,6 +63,10 @@ TEST(Host, KeyIsTheWholeFileReadAfresh) {
         EXPECT_EQ(mav_host::key(), bytes);
         EXPECT_EQ(messages.text(), mode == 0600 ? "" : "@74-301@%s|" + path + "\n") << "once";
     }
+    const std::string shared = dir.write("shared", bytes);
+    ASSERT_EQ(::chmod(shared.c_str(), 0640), 0);
+    EXPECT_EQ((EnvVar("MAV_KEY_FILE", shared), mav_host::key()), bytes);
+    EXPECT_NE(messages.text().find("@74-301@%s|" + shared), std::string::npos);
     const std::string limits = " is shorter than 16 bytes";
     for (const std::size_t size : {15U, 65537U}) {
         dir.write("key", std::string(size, 'k'));
@@ -148,7 +152,7 @@ TEST(Host, ResetPutsEveryDefaultBack) {
 
     mav_host::resetHost();
 
-    EXPECT_EQ(&mav_host::console(), &std::cout);
+    EXPECT_EQ(&mav_host::console(), &mav_host::shownOutput());
     EXPECT_EQ(mav_host::setKeyProvider(nullptr), nullptr);
     EXPECT_EQ(ComMsgMgr::setSink(nullptr), nullptr);
     EXPECT_EQ(HUTEnv::setProvider(nullptr), nullptr);

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <unistd.h>
 
+#include <iostream>
+
+#include "mav_host/ComMsgMgr.h"
+#include "mav_host/Host.h"
 #include "mav_host/Printable.h"
 
 namespace {
@@ -21,6 +27,35 @@ TEST(Printable, WhatHarmsATerminalIsSpelledOut) {
     EXPECT_EQ(mav_host::beginning("abc", 3), "abc");
     EXPECT_EQ(mav_host::beginning("ab\xc3\xa9z", 3), "ab");
     EXPECT_EQ(mav_host::beginning("ab\xc3\xa9z", 4), "ab\xc3\xa9");
+}
+
+TEST(Printable, ATerminalGetsNoControlCharactersOfTheLibrary) {
+    const auto shown = [](int terminal) {
+        const int before[] = {::dup(STDOUT_FILENO), ::dup(STDERR_FILENO)};
+        std::cout.flush();
+        for (const int fd : {STDOUT_FILENO, STDERR_FILENO}) ::dup2(terminal, fd);
+        mav_host::console() << "a\x1b[2J";
+        mav_host::console() << "\xe2\x80\xae \xc3\xa9\nb\n" << std::flush;
+        ComMsgMgr::sendMsg(1, "\x1b", ComMsgMgr::ERROR, "id", {"\x07"});
+        for (const int fd : {STDOUT_FILENO, STDERR_FILENO}) {
+            ::dup2(before[fd - STDOUT_FILENO], fd);
+            ::close(before[fd - STDOUT_FILENO]);
+        }
+    };
+    int ends[2];
+    ASSERT_EQ(::openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0);
+    int pipe[2];
+    ASSERT_EQ(::pipe(pipe), 0);
+    char text[200];
+    shown(ends[1]);
+    const ssize_t size = ::read(ends[0], text, sizeof(text));
+    EXPECT_EQ(std::string(text, static_cast<std::size_t>(size)),
+              "a\\x1B[2J\\u202E \xc3\xa9\r\nb\r\nERROR: [\\x1B id] \\x07\r\n");
+    shown(pipe[1]);
+    const ssize_t plain = ::read(pipe[0], text, sizeof(text));
+    EXPECT_EQ(std::string(text, static_cast<std::size_t>(plain)),
+              "a\x1b[2J\xe2\x80\xae \xc3\xa9\nb\nERROR: [\x1b id] \\x07\n");
+    for (const int fd : {ends[0], ends[1], pipe[0], pipe[1]}) ::close(fd);
 }
 
 }  // namespace

@@ -62,6 +62,13 @@ TEST(HMAVJSONUtils, GettersFollowPathsAndTheirConversions) {
                   Utils::getIntValue(tree.get_child_optional("a"), "b", 7),
                   Utils::getIntValue(tree.get_child_optional("none"), "b", 7)),
               "7||false|12|12|7");
+    EXPECT_EQ(
+        row(Utils::findKey(boost::none, "a"), Utils::hasKey(boost::none, "a"),
+            Utils::getValue(boost::none, "a"), Utils::getStringValue(boost::none, "a"),
+            Utils::getIntValue(boost::none, "a", 7), Utils::getLongValue(boost::none, "a", 7),
+            Utils::getUnsignedLongValue(boost::none, "a", 7),
+            Utils::getUnsignedIntValue(boost::none, "a", 7), Utils::getBoolValue(boost::none, "a")),
+        "false|false|||7|7|7|7|false");
 }
 
 TEST(HMAVJSONUtils, UnsignedValuesThatDoNotConvertAreReported) {

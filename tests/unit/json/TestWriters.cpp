@@ -82,7 +82,7 @@ std::string outcome(Print print) {
 }
 
 std::string reference(const ptree& tree) {
-    return outcome([&] { return boostText(tree); });
+    return outcome([&] { return boostText(utf8(tree)); });
 }
 
 std::string written(const JSONWriter& writer) {
@@ -289,6 +289,9 @@ TEST(Writers, EveryByteIsEscapedAsBoostEscapesIt) {
         EXPECT_EQ(writer.text(), boostText(expected.tree));
         EXPECT_EQ(writer.getTree(), expected.tree);
     }
+    JSONObjectWriter raw;
+    raw.getTree().put("k\xe4.s", "\xe9");
+    EXPECT_EQ(raw.text(), "{\n    \"k\u00e4\": {\n        \"s\": \"\u00e9\"\n    }\n}\n");
     JSONObjectWriter large;
     large.addKey("k", std::string(100000, '\x01'));
     EXPECT_EQ(large.text().size(), 600000U + 16U);

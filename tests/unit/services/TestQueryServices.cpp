@@ -44,11 +44,12 @@ class QueryServices : public testing::Test {
 TEST_F(QueryServices, KeysInOrderOfAppearance) {
     const NativeKeyService service;
     const ptree summary = service.get(tree(
-        R"({"b": "1", "a": [{"x": "1"}, {"y": ["p", ["q"]], "x": "2"}, "z"], "b": {"c": "2"}})"));
+        R"({"b": "1", "a": [{"x": "1"}, {"y": ["p", ["q"]], "x": "2"}, "z"], "b": {"c": "2"},
+            "b.c": "3"})"));
     std::string lines;
     for (const auto& [none, entry] : summary.get_child("keys"))
         lines += entry.get<std::string>("path") + " " + entry.get<std::string>("count") + "\n";
-    EXPECT_EQ(lines, "b 2\na 1\na[] 3\na[].x 2\na[].y 1\na[].y[] 2\na[].y[][] 1\nb.c 1\n");
+    EXPECT_EQ(lines, "b 2\na 1\na[] 3\na[].x 2\na[].y 1\na[].y[] 2\na[].y[][] 1\nb.c 2\n");
     EXPECT_TRUE(service.get(ptree()).get_child("keys").empty());
     const ptree own = service.get(NativeObjectService().getAsPropertyTree(&loader_));
     EXPECT_EQ(service.get(&loader_), own);
@@ -122,7 +123,15 @@ TEST_F(QueryServices, NamesAreBounded) {
     budget.take(LIMIT - 5);
     budget.take(5);
     EXPECT_THROW_MSG(budget.take(1), HEXAlgException,
-                     "Failed to read platform: the paths of its description exceed 1 GiB");
+                     "Failed to read platform: the paths of its description exceed 1024 MiB");
+    ptree deep;
+    for (int level = 0; level < 11; ++level) {
+        ptree outer;
+        outer.push_back({std::string(1U << 20U, 'n'), ptree()})->second.swap(deep);
+        outer.swap(deep);
+    }
+    EXPECT_THROW_MSG(NativeKeyService().get(deep), HEXAlgException,
+                     "Failed to read platform: the paths of its description exceed 64 MiB");
 }
 
 TEST_F(QueryServices, DictionariesAsJson) {

@@ -212,6 +212,29 @@ TEST_F(HUTZipWriting, AFailingStepLeavesTheOldArchiveAndNothingBesideIt) {
     }
 }
 
+TEST_F(HUTZipWriting, AFileThatIsPutInThePlaceOfTheNewOneIsNoArchiveOfOurs) {
+    const auto swapAt = [&](WriteStep at) {
+        hooks.before = [&, at](WriteStep step) {
+            if (step != at) return 0;
+            for (const auto& file : fs::directory_iterator(dir.path())) {
+                if (file.path().string().find(".new-") == std::string::npos) continue;
+                fs::remove(file);
+                fs::copy_file(dir.path("other"), file);
+            }
+            return 0;
+        };
+    };
+    HUTZip::create(dir.path("other"), {{"forged", "", "text"}});
+    for (const WriteStep at : {WriteStep::DIGEST, WriteStep::RENAME}) {
+        swapAt(at);
+        const std::string text = refusal([&] { create("a", "1"); });
+        EXPECT_NE(text.find("cannot be written (renaming): the file 'a.zip.new-"),
+                  std::string::npos)
+            << text;
+        EXPECT_EQ(dir.list(), "other\n");
+    }
+}
+
 TEST_F(HUTZipWriting, AFullDiskLeavesTheOldArchive) {
     create("old", "text");
     const std::string old = dir.read("a.zip");
@@ -226,6 +249,8 @@ TEST_F(HUTZipWriting, AFullDiskLeavesTheOldArchive) {
                   notWritten("building): Write error: File too large"));
         EXPECT_THROW(create("noise", noise), HEXUserException);
         EXPECT_THROW(HUTZip::extractDir(large, "d", dir.path()), HEXUserException);
+        zip_ostream stream(path, "noise");
+        EXPECT_FALSE(stream << noise);
     }
     EXPECT_EQ(dir.read("a.zip"), old);
     EXPECT_EQ(dir.list(), "a.zip\nd\nlarge.zip\n");
@@ -291,6 +316,8 @@ TEST_F(HUTZipWriting, NoProgramThatIsStartedMeanwhileGetsTheArchive) {
         EXPECT_EQ(inherited(), before);
         return 0;
     };
+    zip_ostream stream(path, "c");
+    EXPECT_EQ(inherited(), before);
     HUTZip::addWithDigest(path, {{"b", dir.write("file", "2"), ""}});
 }
 
@@ -417,10 +444,12 @@ TEST_F(Digest, EveryChangeIsAMismatch) {
     EXPECT_EQ(state({one, two}, "a remark"), DigestState::MISSING);
     RawMember vast = two;
     vast.size = 0x40000001;
-    EXPECT_EQ(refusal([&] { state({vast}, good); }),
-              "The members of the archive '" + dir.path("bad") +
-                  "' are not gone through for its digest: they claim more than 1073741824 bytes, "
-                  "too many for the size of the archive");
+    const std::string text = "The members of the archive '" + dir.path("bad") +
+                             "' are not gone through for its digest: they claim more than "
+                             "1073741824 bytes, too many for the size of the archive";
+    EXPECT_EQ(refusal([&] { state({vast}, good); }), text);
+    hooks.before = [](WriteStep step) { return step == WriteStep::BUILD ? ENOSPC : 0; };
+    EXPECT_EQ(refusal([&] { HUTZip::addDigest(dir.path("bad")); }), text) << "and nothing is built";
 }
 
 TEST_F(Extract, FilesAndDirectoriesGoBelowTheTarget) {
