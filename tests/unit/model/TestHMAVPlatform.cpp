@@ -205,6 +205,10 @@ TEST_F(PlatformModel, WritesWhatItHas) {
     EXPECT_EQ(keysOf(plain.get_child("hardwarePlatforms")), "hardwarePlatform ")
         << "the emulation platform is written only when the description names its archive";
     platform.setHardwareEmuPlatformFile("emu.pka");
+    HMAVReconfigurablePartition own(9);
+    own.setHardwarePlatform(hardware.get());
+    own.setHardwareEmulationPlatform(emulation.get());
+    EXPECT_EQ(keysOf(jsonTree(own)), "id hardwarePlatform ") << "a partition's too";
     platform.addReconfigurablePartition(new HMAVReconfigurablePartition(3));
     EXPECT_EQ(keysOf(jsonTree(platform).get_child("hardwarePlatforms")),
               "hardwarePlatform hwEmuPlatform reconfigurablePartitions ");
