@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Lets the library read and write files of a format for the tests in Python:
-//   tool hpfm FILE             rewrites FILE in place
-//   tool emulation JSON XML    turns the JSON form of emulation metadata into the XML form
+// Lets the library read files of a format for the tests in Python:
 //   tool read SCHEMA FILE...   reads each file with the reader of the format that SCHEMA describes;
 //                              a line for each: "silent", "reported" (read, with a report) or
 //                              "refused"
@@ -16,10 +14,8 @@
 #include "mav_platform/HMAVEmulationExtMetaJsonReader.h"
 #include "mav_platform/HMAVEmulationJsonReader.h"
 #include "mav_platform/HMAVEmulationXMLReader.h"
-#include "mav_platform/HMAVEmulationXMLWriter.h"
 #include "mav_platform/HMAVEmulations.h"
 #include "mav_platform/HMAVHpfmReader.h"
-#include "mav_platform/HMAVHpfmUtl.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformXMLReader.h"
 #include "mav_platform/HMAVSoftwarePlatform.h"
@@ -88,15 +84,6 @@ std::string verdict(const Read& read, const std::string& path) {
 
 int run(const std::vector<std::string>& arguments) {
     const std::string command = arguments.empty() ? "" : arguments[0];
-    if (command == "hpfm" && arguments.size() == 2) {
-        HMAVHpfmUtl::ChangeAndWriteHpfmIfNeeded(arguments[1]);
-        return 0;
-    }
-    if (command == "emulation" && arguments.size() == 3) {
-        HMAVEmulations emulations;
-        const bool read = HMAVEmulationJsonReader(arguments[1], &emulations).parseJson();
-        return read && HMAVEmulationXMLWriter(arguments[2], &emulations).writeXml() ? 0 : 1;
-    }
     if (command == "read" && arguments.size() > 2) {
         const Read& read = readers().at(arguments[1]);
         for (std::size_t i = 2; i < arguments.size(); ++i) {
@@ -104,7 +91,7 @@ int run(const std::vector<std::string>& arguments) {
         }
         return 0;
     }
-    std::cerr << "tool: hpfm FILE | emulation JSON XML | read SCHEMA FILE...\n";
+    std::cerr << "tool: read SCHEMA FILE...\n";
     return 2;
 }
 

@@ -62,7 +62,6 @@ TEST_F(PlatformUtils, FieldsAreComparedExactlyPartsInAnyCaseAndEmptyTextsMatchAl
     EXPECT_EQ(found(&Utils::getPlatformsByVBNV, "V1:b1:n:1.0"), "");
     EXPECT_EQ(found(&Utils::getPlatformsByVBNV, ""), "c b a ");
     EXPECT_EQ(found(&Utils::getPlatformsByPart, "Xc-1"), "c b ");
-    EXPECT_EQ(found(&Utils::getPlatformsByPart, "xc-"), "");
     const auto by = [](const char* category, const char* family, const char* vendor,
                        const char* board) {
         Platforms out;
@@ -90,7 +89,6 @@ TEST_F(PlatformUtils, FieldsAreComparedExactlyPartsInAnyCaseAndEmptyTextsMatchAl
     ASSERT_NE(Utils::getFpgaPartAsFields("c"), nullptr);
     EXPECT_EQ(Utils::getFpgaPartAsFields("c")->getArchitecture(), "Fam");
     EXPECT_EQ(Utils::getFpgaPartAsFields("a"), nullptr);
-    EXPECT_EQ(Utils::getFpgaPart("unknown") + Utils::getDevice("unknown"), "");
 }
 
 TEST_F(PlatformUtils, PlatformsAreFoundByEachOfTheirNames) {
