@@ -40,7 +40,7 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/share/mav/samples DESTINATION ${MAV_DATA_D
   COMPONENT development OPTIONAL)
 install(DIRECTORY platform/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/mav_platform/schema
   COMPONENT development FILES_MATCHING PATTERN "*.xsd" PATTERN "*.schema.json")
-install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+install(FILES LICENSE THIRD_PARTY_NOTICES DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 
 install(EXPORT MavPlatformTargets NAMESPACE MavPlatform:: DESTINATION ${MAV_PACKAGE_DIR}
   COMPONENT development)
@@ -56,7 +56,8 @@ install(FILES ${CMAKE_BINARY_DIR}/MavPlatformConfig.cmake
 file(RELATIVE_PATH MAV_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" MAV_PC_TO_PREFIX "${MAV_PC_TO_PREFIX}")
 configure_file(cmake/mav-platform.pc.in ${CMAKE_BINARY_DIR}/mav-platform.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/mav-platform.pc
+configure_file(cmake/mav-platform-cxx.pc.in ${CMAKE_BINARY_DIR}/mav-platform-cxx.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/mav-platform.pc ${CMAKE_BINARY_DIR}/mav-platform-cxx.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 include(cmake/Package.cmake)

@@ -4,36 +4,43 @@
 
 Usage: check_abi.py [--update] LIBRARY LIST
 
-Counted are the names that this system defines. Left out are instantiations of library templates,
-which the compiler emits or not as it inlines, and inline functions of our own for the same reason.
+Every name carries its version: HMAV_1.0 for the C interface, MAV_CXX_1 for the classes. Inline
+functions are not listed, for the compiler emits them or not; names of other libraries are a fault.
 """
 import subprocess
 import sys
 
 TYPE_DATA = ("vtable for ", "typeinfo for ", "typeinfo name for ", "VTT for ")
-FOREIGN = ("std::", "boost::", "__gnu_cxx::", "__odr_asan", "_init", "_fini",
-           "construction vtable for ")
+FOREIGN = ("std::", "boost::", "__gnu_cxx::", "void std::", "bool std::")
+VERSIONS = ("HMAV_1.0", "MAV_CXX_1")
 
 
 def exported(library):
-    listing = subprocess.run(["nm", "-D", "--defined-only", "--demangle", library],
-                             capture_output=True, text=True, check=True).stdout
-    names = set()
+    """The names to be listed, and a sentence about each that must not be there."""
+    listing = subprocess.run(["nm", "-D", "--defined-only", "--demangle", "--with-symbol-versions",
+                              library], capture_output=True, text=True, check=True).stdout
+    names, faults = set(), []
     for line in listing.splitlines():
-        kind, name = line.split(maxsplit=2)[1:] if line[0] in "0123456789abcdef" else ("", "")
-        prefix = next((text for text in TYPE_DATA if name.startswith(text)), "")
-        if kind in "WwVvu" and not prefix:
+        kind, whole = line.split(maxsplit=2)[1:]
+        name, _, version = whole.partition("@@")
+        if kind == "A" and name in VERSIONS or name.startswith(("__odr_asan", "__asan")):
             continue
-        if name and not name[len(prefix):].startswith(FOREIGN):
+        prefix = next((text for text in TYPE_DATA if name.startswith(text)), "")
+        wanted = VERSIONS[0] if name.startswith("hmav_") else VERSIONS[1]
+        if version != wanted:
+            faults.append(f"{name} has the version '{version}' and not {wanted}")
+        if name[len(prefix):].startswith(FOREIGN):
+            faults.append(f"{name} belongs to another library")
+        if kind not in "WwVvu" or prefix:
             names.add(name)
-    return sorted(names)
+    return sorted(names), faults
 
 
 def main():
     arguments = sys.argv[1:]
     update = arguments[0] == "--update"
     library, path = arguments[-2:]
-    names = exported(library)
+    names, faults = exported(library)
     if not names:
         print(f"{library} exports no name of this system")
         return 1
@@ -45,6 +52,8 @@ def main():
     with open(path, encoding="utf-8") as file:
         listed = file.read().splitlines()
     added, gone = sorted(set(names) - set(listed)), sorted(set(listed) - set(names))
+    for text in faults:
+        print(text)
     for name in added:
         print(f"exported but not listed: {name}")
     for name in gone:
@@ -52,7 +61,7 @@ def main():
     if added or gone:
         print(f"The exported names changed. When that is intended, run ./dev abi-update, review\n"
               f"the change of {path} and commit it with the code.")
-    return 1 if added or gone else 0
+    return 1 if added or gone or faults else 0
 
 
 if __name__ == "__main__":

@@ -40,5 +40,5 @@ check "the mav command" command_works
 check "C client with find_package" client_by_cmake C
 check "C++ client with find_package" client_by_cmake CXX
 check "C client with pkg-config" client_by_pkg_config client.c gcc -std=c11
-check "C++ client with pkg-config" client_by_pkg_config client.cpp g++ -std=c++20
+check "C++ client with pkg-config" client_by_pkg_config client.cpp g++
 summary

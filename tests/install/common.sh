@@ -38,13 +38,14 @@ client_by_cmake() {
         -DMAV_CLIENT_LANGUAGE="$language" && cmake --build "$dir" && "$dir/client" "$sample"
 }
 
-flags() { PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config "$@" mav-platform; }
+flags() { PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config "$@"; }
 
 # The flags are words to be split.
 # shellcheck disable=SC2046
 client_by_pkg_config() {
-    local source="$1" binary="$work/pc-client"
+    local source="$1" binary="$work/pc-client" package=mav-platform
+    if [[ "$source" == *.cpp ]]; then package=mav-platform-cxx; fi
     shift
     "$@" -Wall -Wextra -Wpedantic -Werror "$clients/$source" -o "$binary" \
-        $(flags --cflags --libs) -Wl,-rpath,"$(flags --variable=libdir)" && "$binary" "$sample"
+        $(flags --cflags --libs "$package") -Wl,-rpath,"$(flags --variable=libdir mav-platform)" && "$binary" "$sample"
 }

@@ -107,6 +107,6 @@ readonly sample
 check "the library is found" library_is_found
 check "the mav command" command_works
 check "C client with find_package" client_by_cmake C
-check "C++ client with pkg-config" client_by_pkg_config client.cpp g++ -std=c++20
+check "C++ client with pkg-config" client_by_pkg_config client.cpp g++
 check "removed without a trace" removed_without_trace
 summary

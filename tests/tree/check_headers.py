@@ -53,6 +53,14 @@ def main():
             if done.returncode != 0:
                 failures += 1
                 print(f"{header} does not compile alone: {' '.join(arguments)}\n{done.stderr}")
+    umbrella = next(pathlib.Path(root) / "mav_platform/mav_platform.h" for root in options.root
+                    if (pathlib.Path(root) / "mav_platform/mav_platform.h").exists())
+    text = umbrella.read_text(encoding="utf-8")
+    for header in sorted({job[0] for job in jobs}):
+        if header.count("/") == 1 and "_c.h" not in header and not umbrella.match(header) \
+                and f'"{header}"' not in text:
+            failures += 1
+            print(f"{umbrella} does not include {header}")
     missing = [root for root in options.root if not any(pathlib.Path(root).rglob("*.h"))]
     for root in missing:
         print(f"found no header under {root}")

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "mav_host/Export.h"
@@ -38,7 +39,9 @@ class MAV_API PlatformCheck {
     /// a file and 1000 in all are told; a last one of that rule and file counts those beyond. Never
     /// throws for a bad file: that is a finding. The library's own reports and
     /// console lines of this call go nowhere.
-    static HSTVector<CheckFinding> run(const std::string& path);
+    /// `onFile` is called with each file before it is looked at; what it throws passes through.
+    using OnFile = std::function<void(const std::string& file)>;
+    static HSTVector<CheckFinding> run(const std::string& path, const OnFile& onFile = {});
     /// All rules, sorted by name.
     static const HSTVector<CheckRule>& rules();
     /// "error", "warning" or "note".

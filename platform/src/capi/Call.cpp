@@ -171,6 +171,10 @@ int runKept(const Listener& listener, hmav_error** error, int usual, void (*work
 
 }  // namespace
 
+Failure splitFailure(int code, const std::string& text) {
+    return split(code, text, CORRECT);
+}
+
 KeptReport::KeptReport(int severity, std::string id, std::string text,
                        HSTVector<std::string> arguments)
     : id_(std::move(id)), text_(std::move(text)), arguments_(std::move(arguments)) {

@@ -23,6 +23,9 @@ struct Failure {
     bool becauseOfReport = false;  ///< the report that tells the cause completes the sentence
 };
 
+/// "What is wrong; what to do" as a failure, with common advice where the second is missing.
+Failure splitFailure(int code, const std::string& text);
+
 /// A report that owns its texts.
 class KeptReport {
   public:

@@ -14,6 +14,7 @@
 #include "mav_platform/HMAVNativeTransformService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONObjectWriter.h"
+#include "mav_platform/PlatformDifference.h"
 #include "mav_platform/PlatformParseException.h"
 #include "mav_platform/partitionsFault.h"
 
@@ -222,6 +223,16 @@ int hmav_platform_support(hmav_platform* platform, const hmav_support_options* o
     });
     hmav_free_text(unwanted);
     return code;
+}
+
+int hmav_difference(hmav_platform* first, hmav_platform* second, char** json,
+                    hmav_error** error) noexcept {
+    return textOf(first, json, error, [&] {
+        refuseNull(second, "second");
+        using mav_platform::PlatformDifference;
+        return PlatformDifference::json(
+            PlatformDifference::between(*first->platform, *second->platform));
+    });
 }
 
 int hmav_key_documentation(const hmav_session* session, const char* key, char** json,

@@ -66,7 +66,7 @@ std::string tidied(std::string_view path) {
 
 class Walk {
   public:
-    explicit Walk(Report& report) : report_(report) {}
+    Walk(Report& report, const PlatformCheck::OnFile& onFile) : report_(report), onFile_(onFile) {}
 
     /// `path` is how findings call the file.
     void file(const std::string& path) {
@@ -220,8 +220,11 @@ class Walk {
     }
 
     Report& report_;
+    const PlatformCheck::OnFile& onFile_;
     bool isNew(const std::string& path) {
-        return seen_.emplace(HUTFile::getCanonicalName(path), path).second;
+        if (!seen_.emplace(HUTFile::getCanonicalName(path), path).second) return false;
+        if (onFile_) onFile_(path);
+        return true;
     }
 
     /// The document at hand has no fault. What is missing from one that has may be what the fault
@@ -290,9 +293,9 @@ void load(const std::string& path, const Walk& walk, Report& report) {
 
 }  // namespace
 
-HSTVector<CheckFinding> PlatformCheck::run(const std::string& path) {
+HSTVector<CheckFinding> PlatformCheck::run(const std::string& path, const OnFile& onFile) {
     Report report;
-    Walk walk(report);
+    Walk walk(report, onFile);
     {
         const Aside aside;
         walk.file(path.empty() ? path : tidied(path));

@@ -6,6 +6,7 @@
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTEnv.h"
+#include "mav_host/HUTFile.h"
 #include "mav_platform/PlatformParseException.h"
 #include "mav_platform/mav_platform_c.h"
 #include "support/Archives.h"
@@ -232,6 +233,154 @@ TEST(CInterface, ASupportVerdictKeepsTheHostsProduct) {
     EXPECT_EQ(take(reason), "Platform 'a.pka' is not a PRE_SYNTH platform");
     EXPECT_EQ(HUTEnv::getProductName(), "kept");
     HUTEnv::setProductName("");
+}
+
+using Archive = std::unique_ptr<hmav_archive, void (*)(hmav_archive*)>;
+
+Archive openedArchive(const std::string& path) {
+    hmav_archive* made = nullptr;
+    EXPECT_EQ(hmav_archive_open(nullptr, path.c_str(), &made, nullptr), HMAV_DONE);
+    return {made, hmav_archive_free};
+}
+
+/// The members with types and sizes, and what reading them in pieces of three bytes gives.
+std::string contents(const Archive& archive) {
+    std::string text;
+    for (std::size_t i = 0; i < hmav_archive_count(archive.get()); ++i) {
+        const hmav_member* member = nullptr;
+        EXPECT_EQ(hmav_archive_member(archive.get(), i, &member, nullptr), HMAV_DONE);
+        hmav_reader* reader = nullptr;
+        EXPECT_EQ(hmav_reader_open(archive.get(), member->name, &reader, nullptr), HMAV_DONE);
+        char piece[3];
+        std::size_t got = 0;
+        std::string read;
+        while (hmav_reader_read(reader, piece, sizeof piece, &got, nullptr) == HMAV_DONE && got > 0)
+            read.append(piece, got);
+        hmav_reader_free(reader);
+        EXPECT_EQ(read.size(), member->bytes);
+        if (read.size() < 9)
+            text.append(member->name).append("|").append(member->types).append("|" + read + "\n");
+    }
+    return text;
+}
+
+TEST(CInterface, PacksAddsListsReadsExtractsAndVerifies) {
+    const TempDir dir;
+    dir.write("in/a.txt", "content");
+    const std::string path = dir.path("a.pka");
+    hmav_error* error = nullptr;
+    int code = hmav_pack(nullptr, dir.path("in").c_str(), path.c_str(), nullptr, &error);
+    EXPECT_NE(told(code, error).find("cannot write|the folder '"), std::string::npos);
+    hmav_pack_options pack = {sizeof pack, 1, nullptr, nullptr};
+    ASSERT_EQ(hmav_pack(nullptr, dir.path("in").c_str(), path.c_str(), &pack, nullptr), HMAV_DONE);
+    const Archive archive = openedArchive(path);
+    EXPECT_EQ(contents(archive), "a.txt||content\n");
+    const std::string file = dir.write("b.txt", "more");
+    ASSERT_EQ(hmav_archive_add(archive.get(), "KIND", file.c_str(), nullptr, nullptr), HMAV_DONE);
+    EXPECT_EQ(contents(archive), "a.txt||content\nb.txt|KIND|more\n");
+    char* text = nullptr;
+    const std::string out = dir.path("out");
+    ASSERT_EQ(hmav_archive_extract(archive.get(), "KIND", out.c_str(), nullptr, &text, nullptr),
+              HMAV_DONE);
+    EXPECT_EQ(take(text), out + "/b.txt");
+    int digest = -1;
+    ASSERT_EQ(hmav_archive_verify(archive.get(), nullptr, &digest, &text, nullptr), HMAV_DONE);
+    EXPECT_EQ(take(text), "");
+    EXPECT_EQ(digest, HMAV_DIGEST_VALID);
+}
+
+TEST(CInterface, RefusesWorkOnArchivesInWords) {
+    const TempDir dir;
+    const std::string path = packArchive(dir, "a.pka", {{"pka.json", metadata()}, {"d/x", "x"}});
+    const Archive archive = openedArchive(path);
+    const std::string file = dir.write("b.txt", "more");
+    const auto add = [&](const char* type, const char* from, const char* member) {
+        hmav_add_options options = {sizeof options, member, 0, nullptr, nullptr};
+        hmav_error* error = nullptr;
+        const int code = hmav_archive_add(archive.get(), type, from, &options, &error);
+        return told(code, error);
+    };
+    const std::string wrong = "wrong argument|";
+    EXPECT_EQ(add("NONE", file.c_str(), nullptr),
+              wrong + "unknown file type 'NONE'|Give one of its list.");
+    EXPECT_EQ(add("HPFM", file.c_str(), "d"),
+              wrong + "'d' is a folder in the archive|Name another one.");
+    EXPECT_EQ(add("HPFM", file.c_str(), "pka.json/y"),
+              wrong +
+                  "the member 'pka.json' is a file, so 'pka.json/y' cannot lie in it|Name "
+                  "another one.");
+    EXPECT_EQ(add("HPFM", "/nowhere/x", nullptr),
+              "not found|File '/nowhere/x' does not exist|Check the path.");
+    char* made = nullptr;
+    const std::string out = dir.path("out");
+    EXPECT_EQ(hmav_archive_extract(archive.get(), "none", out.c_str(), nullptr, &made, nullptr),
+              HMAV_NOT_FOUND);
+    hmav_reader* reader = nullptr;
+    EXPECT_EQ(hmav_reader_open(archive.get(), "none", &reader, nullptr), HMAV_NOT_FOUND);
+    hmav_archive* none = nullptr;
+    EXPECT_EQ(hmav_archive_open(nullptr, "/nowhere", &none, nullptr), HMAV_NOT_FOUND);
+    EXPECT_EQ(hmav_archive_open(nullptr, file.c_str(), &none, nullptr), HMAV_NOT_LOADABLE);
+    EXPECT_EQ(hmav_unprotect(nullptr, file.c_str(), out.c_str(), nullptr), HMAV_NOT_LOADABLE);
+    EXPECT_EQ(hmav_protect(nullptr, "/nowhere/x", out.c_str(), nullptr), HMAV_NOT_FOUND);
+}
+
+TEST(CInterface, ACallerStopsLongWork) {
+    const TempDir dir;
+    dir.write("in/a.txt", "content");
+    const std::string path = dir.path("a.pka");
+    const auto stop = [](const char*, double, void* user) { return ++*static_cast<int*>(user); };
+    int asked = 0;
+    hmav_pack_options pack = {sizeof pack, 1, stop, &asked};
+    EXPECT_EQ(hmav_pack(nullptr, dir.path("in").c_str(), path.c_str(), &pack, nullptr),
+              HMAV_STOPPED);
+    EXPECT_EQ(asked, 1);
+    EXPECT_FALSE(HUTFile::exists(path));
+
+    const Archive archive = openedArchive(packArchive(dir, "b.pka", {{"x", "x"}}));
+    hmav_progress_options progress = {sizeof progress, stop, &asked};
+    int digest = 0;
+    EXPECT_EQ(hmav_archive_verify(archive.get(), &progress, &digest, nullptr, nullptr),
+              HMAV_STOPPED);
+    EXPECT_EQ(hmav_validate(nullptr, dir.path("b.pka").c_str(), nullptr, nullptr, &progress,
+                            nullptr, nullptr),
+              HMAV_STOPPED);
+    EXPECT_EQ(asked, 3);
+}
+
+TEST(CInterface, ValidationHandsOutFindingsUntilItIsStopped) {
+    const TempDir dir;
+    const std::string path = packArchive(dir, "a.pka", {{"x", "x"}, {"y", "y"}});
+    struct Heard {
+        std::string text;
+        int most;
+    };
+    const auto listen = [](const hmav_finding* finding, void* user) {
+        Heard& heard = *static_cast<Heard*>(user);
+        heard.text += std::to_string(finding->severity) + " " + finding->rule + "\n";
+        return --heard.most == 0 ? 1 : 0;
+    };
+    Heard all{"", -1};
+    std::size_t errors = 0;
+    EXPECT_EQ(hmav_validate(nullptr, path.c_str(), listen, &all, nullptr, &errors, nullptr),
+              HMAV_DONE);
+    EXPECT_EQ(errors, 1U) << all.text;
+    EXPECT_NE(all.text.find("3 metadata\n"), std::string::npos) << all.text;
+    Heard one{"", 1};
+    EXPECT_EQ(hmav_validate(nullptr, path.c_str(), listen, &one, nullptr, nullptr, nullptr),
+              HMAV_STOPPED);
+    EXPECT_EQ(one.text, all.text.substr(0, all.text.find('\n') + 1));
+}
+
+TEST(CInterface, ComparesTwoPlatforms) {
+    const TempDir dir;
+    const Platform first = opened(packArchive(dir, "a.pka", {{"pka.json", metadata()}}));
+    const Platform second =
+        opened(packArchive(dir, "b.pka", {{"pka.json", metadata("", "other")}}));
+    char* text = nullptr;
+    ASSERT_EQ(hmav_difference(first.get(), first.get(), &text, nullptr), HMAV_DONE);
+    EXPECT_EQ(take(text), "{\n    \"differ\": false,\n    \"changes\": []\n}\n");
+    ASSERT_EQ(hmav_difference(first.get(), second.get(), &text, nullptr), HMAV_DONE);
+    EXPECT_NE(take(text).find("\"to\": \"other\""), std::string::npos);
 }
 
 }  // namespace
