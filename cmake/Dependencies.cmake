@@ -7,10 +7,11 @@ pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(SODIUM REQUIRED IMPORTED_TARGET libsodium)
 pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 
-# What the shared library links. Loading shared libraries is most of a small call, so the small ones
-# are taken in whole where their archives are installed; libstdc++ goes first because most symbols
-# that are looked up at load time are its own.
-option(MAV_LINK_STATIC "Take small libraries into the shared library" ON)
+# What the shared library links: the distribution's libraries, so that their security updates reach
+# it. MAV_LINK_STATIC takes the small ones in where their archives are installed; docs/dependencies.md
+# says what each costs. libstdc++ goes first because most symbols that are looked up at load time are
+# its own.
+option(MAV_LINK_STATIC "Take small libraries into the shared library" OFF)
 set(MAV_LINKED -lstdc++ PkgConfig::LIBZIP)
 foreach(library EXPAT SODIUM DEFLATE)
   string(TOLOWER "lib${library}.a" archive)

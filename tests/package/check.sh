@@ -35,7 +35,8 @@ dependencies_are_told() {
     for name in mav libmav-platform-dev; do
         [[ "$(field "$name" Depends)" == *"libmav-platform1 (= $version)"* ]] || return 1
     done
-    [[ "$(field libmav-platform1 Depends)" == *libzip4* ]] &&
+    [[ "$(field libmav-platform1 Depends)" == *libexpat1*libzip4* ]] &&
+        holds libmav-platform1 /THIRD_PARTY_NOTICES &&
         [[ "$(field libmav-platform-dev Depends)" == *libboost-dev* ]] &&
         dpkg-deb --control "$(package_of libmav-platform1)" "$work/control" &&
         grep -qx 'libmav_platform 1 libmav-platform1 (>= .*)' "$work/control/shlibs"

@@ -10,6 +10,7 @@
 #include "mav_platform/PlatformParseException.h"
 #include "mav_platform/mav_platform_c.h"
 #include "support/Archives.h"
+#include "support/Row.h"
 
 namespace {
 
@@ -381,6 +382,30 @@ TEST(CInterface, ComparesTwoPlatforms) {
     EXPECT_EQ(take(text), "{\n    \"differ\": false,\n    \"changes\": []\n}\n");
     ASSERT_EQ(hmav_difference(first.get(), second.get(), &text, nullptr), HMAV_DONE);
     EXPECT_NE(take(text).find("\"to\": \"other\""), std::string::npos);
+}
+
+TEST(CInterface, FindsPlatformsAndTellsWhatItRefuses) {
+    const TempDir dir;
+    dir.write("in/c.qpfm", "<x/>");
+    packArchive(dir, "in/a.pka", {{"pka.json", metadata()}});
+    packArchive(dir, "in/b.pka", {{"pka.json", metadata("", "other")}});
+    const std::string in = dir.path("in");
+    const auto found = [&](const hmav_find_options& options) {
+        const char* const dirs[] = {in.c_str()};
+        char* json = nullptr;
+        EXPECT_EQ(hmav_find(nullptr, dirs, 1, &options, &json, nullptr), HMAV_DONE);
+        const std::string text = take(json);
+        const auto has = [&](const char* part) { return text.find(part) != std::string::npos; };
+        return row(has("\"card\""), has("\"other\""), has("c.qpfm"));
+    };
+    hmav_find_options options = {};
+    options.size = sizeof options;
+    EXPECT_EQ(found(options), "true|true|true");
+    options.vendor = "none";
+    EXPECT_EQ(found(options), "false|false|true");
+    const char* const nowhere[] = {"/nowhere"};
+    char* json = nullptr;
+    EXPECT_EQ(hmav_find(nullptr, nowhere, 1, nullptr, &json, nullptr), HMAV_NOT_FOUND);
 }
 
 }  // namespace
