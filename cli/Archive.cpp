@@ -89,20 +89,22 @@ using Types = std::map<std::string_view, std::size_t>;
 using Listed = std::map<std::string_view, Types, PathBefore>;
 
 /// The distinct types of all these paths, in the order of their places.
-std::string joined(const std::vector<Listed::const_iterator>& paths) {
+HSTVector<std::string> distinct(const std::vector<Listed::const_iterator>& paths) {
     std::map<std::size_t, std::string_view> places;
     for (const auto& path : paths) {
         for (const auto& [type, place] : path->second) places.emplace(place, type);
     }
-    std::string text;
+    HSTVector<std::string> types;
+    std::size_t taken = 0;
     std::set<std::string_view> seen;
     for (const auto& [place, type] : places) {
         if (!seen.insert(type).second) continue;
-        if (!text.empty()) text += ',';
-        if (text.size() + type.size() > MAX_TYPES) return text + "...";
-        text += type;
+        taken += type.size() + 1;
+        const bool fits = taken <= MAX_TYPES + 1;
+        types.emplace_back(fits ? type : "...");
+        if (!fits) break;
     }
-    return text;
+    return types;
 }
 
 /// The exception's text with those of the ones inside it.
@@ -125,7 +127,7 @@ const std::string* TypedMembers::find(const std::string& type) const {
     return nullptr;
 }
 
-std::vector<std::string> TypedMembers::typesOf(
+std::vector<HSTVector<std::string>> TypedMembers::typesOf(
     const HSTVector<mav_host::ZipMember>& members) const {
     Listed listed;
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -137,7 +139,7 @@ std::vector<std::string> TypedMembers::typesOf(
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
         return PathBefore()(members[a].name, members[b].name);
     });
-    std::vector<std::string> texts(members.size());
+    std::vector<HSTVector<std::string>> types(members.size());
     std::vector<Listed::const_iterator> around;  // the listed paths that hold the present one
     const auto leave = [&](std::string_view path) {
         while (!around.empty() && !isAtOrBelow(path, around.back()->first)) around.pop_back();
@@ -150,9 +152,9 @@ std::vector<std::string> TypedMembers::typesOf(
             around.push_back(next);
         }
         leave(name);
-        texts[index] = joined(around);
+        types[index] = distinct(around);
     }
-    return texts;
+    return types;
 }
 
 std::string shown(const std::string& path) {

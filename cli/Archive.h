@@ -22,8 +22,9 @@ struct TypedMembers {
     /// The first entry of the type; null when there is none.
     const std::string* find(const std::string& type) const;
     /// For each member the types under which it, or a folder that it lies in, is listed; in the
-    /// order of the entries, joined by ",". Beyond 256 bytes "..." stands for the others.
-    std::vector<std::string> typesOf(const HSTVector<mav_host::ZipMember>& members) const;
+    /// order of the entries. Beyond 256 bytes "..." stands for the others.
+    std::vector<HSTVector<std::string>> typesOf(
+        const HSTVector<mav_host::ZipMember>& members) const;
 };
 
 /// The path in quotes, on one line.

@@ -63,4 +63,16 @@ Argument& Command::flag(const std::string& names, bool& target, std::string abou
     return options.emplace_back(Argument{pieces(names), {}, std::move(about), &target});
 }
 
+void Command::typedJson(bool& target) {
+    static bool schema = false;
+    flag("--json", target, "Print JSON");
+    flag("--schema", schema, "Print the JSON Schema of what --json prints, and exit");
+}
+
+std::string Command::exitCodes() const {
+    std::string lines = "Exit codes:\n  0  done\n";
+    if (!no.empty()) lines += "  1  " + no + "\n";
+    return lines + "  2  wrong use\n  3  " + failed + "\n";
+}
+
 }  // namespace cli

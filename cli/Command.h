@@ -40,6 +40,23 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The question was answered with no, and nothing else is to be printed: `what()` is the sentence
+/// with what to try next.
+class Negative : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The command ends with the code; all is said.
+struct Ended {
+    int code;
+};
+
+/// The help is wanted, that of the program or of a command.
+struct HelpWanted {
+    std::string command;
+};
+
 /// What a shell offers for a value; KEYS are those of the platform file that is typed already, DOCS
 /// those that are documented.
 enum class ValueKind { NONE, FILES, FOLDERS, TYPES, MEMBERS, KEYS, DOCS, CHOICES };
@@ -65,14 +82,22 @@ struct Argument {
     void oneOf(std::string called, std::vector<std::string> values);
 };
 
+/// A call of a command and what it is for.
+struct Example {
+    std::string call;
+    std::string about;
+};
+
 /// A subcommand as its own file describes it; the parser of the command line, the help, the manual
 /// and the completions are made from this alone.
 struct Command {
     std::string name;  ///< empty for the program itself
     std::string description;
-    /// What its help ends with: the exit codes unless it says something else. Lines that begin
-    /// with blanks stay as they are.
-    std::string notes;
+    std::string group;    ///< heading that it stands under
+    std::string notes{};  ///< lines that begin with blanks stay as they are
+    std::string no{};     ///< what exit code 1 says; empty when it never says no
+    std::string failed = "the platform cannot be loaded, or the result cannot be written";
+    std::vector<Example> examples{};
     std::vector<Argument> options{};
     std::vector<Argument> arguments{};  ///< in their places
     /// Does the work; false when the question is answered with no. All commands are handed in, the
@@ -84,6 +109,10 @@ struct Command {
     Argument& argument(std::string value, Target target, std::string about);
     Argument& option(const std::string& names, Target target, std::string value, std::string about);
     Argument& flag(const std::string& names, bool& target, std::string about);
+    /// The option --json with a JSON Schema of the answer, which --schema prints.
+    void typedJson(bool& target);
+    /// The lines of the exit codes.
+    std::string exitCodes() const;
 
     /// Lets `work` do the work: a function of the options, which this command keeps, and of all
     /// commands if it wants. One without an answer never says no.
@@ -105,6 +134,7 @@ struct Command {
 
 /// One line of the program's table: the file cmd_NAME.cpp describes the command.
 struct Row {
+    const char* group;
     const char* name;
     void (*describe)(Command& command);
 };
@@ -112,8 +142,8 @@ struct Row {
 namespace commands {
 
 using Describe = void(Command&);
-Describe add, check, completion, dict, diff, dirs, doc, extract, files, get, info, json, keys, list,
-    manual, pack, protect, show, transform, unprotect, validate, verify;
+Describe add, check, completion, dict, diff, dirs, doc, extract, files, get, help, info, json, keys,
+    list, manual, pack, protect, show, transform, unprotect, validate, verify;
 
 }  // namespace commands
 }  // namespace cli

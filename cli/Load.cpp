@@ -5,7 +5,7 @@
 
 #include "Command.h"
 #include "Output.h"
-#include "mav_host/HEXError.h"
+#include "mav_host/HUTEnv.h"
 
 namespace {
 
@@ -59,6 +59,11 @@ std::unique_ptr<PlatformLoader> loadFile(const std::string& command, const std::
                       advice);
     }
     throw Failure(subject + ". Correct what the messages above name" + advice);
+}
+
+void needToolRelease(const std::string& command) {
+    const std::string fault = HUTEnv::getReleaseFault();
+    if (!fault.empty()) throw UsageError(fault, command);
 }
 
 }  // namespace cli

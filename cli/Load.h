@@ -15,4 +15,7 @@ std::unique_ptr<mav_platform::PlatformLoader> loadFile(
     const std::string& command, const std::string& file,
     mav_platform::HwMetadataMode mode = mav_platform::PlatformLoader::HW_METADATA_AUTO);
 
+/// Throws UsageError about `command` when the tool release of the environment is none.
+void needToolRelease(const std::string& command);
+
 }  // namespace cli

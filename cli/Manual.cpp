@@ -10,6 +10,7 @@ namespace {
 
 using cli::Argument;
 using cli::Command;
+using cli::Example;
 using cli::text;
 
 /// Text as it stands: no requests, no escapes, hyphens that can be copied.
@@ -88,6 +89,18 @@ std::string entries(const char* title, const std::vector<Argument>& arguments) {
     return made;
 }
 
+std::string exitStatus(const Command& command) {
+    const std::string codes = command.exitCodes();
+    return ".SH EXIT STATUS\n" + paragraphs(codes.substr(codes.find('\n') + 1));
+}
+
+std::string examples(const Command& command) {
+    std::string made = ".SH EXAMPLES\n";
+    for (const Example& example : command.examples)
+        made += text(".TP\n", bold(example.call), "\n", roff(example.about), "\n");
+    return made;
+}
+
 constexpr const char* ENVIRONMENT =
     ".SH ENVIRONMENT\n"
     ".TP\n\\fBMAV_APP_ROOT\\fR\nRoots of the installation joined by a colon; without it the "
@@ -112,11 +125,13 @@ std::string cli::programPage(const std::vector<Command>& tables) {
                        "]...\n.SH COMMANDS\n";
     std::string also;
     for (auto command = tables.begin() + 1; command != tables.end(); ++command) {
+        if (command->group != (command - 1)->group)
+            page += text(".SS ", roff(command->group), "\n");
         page += text(".TP\n", bold(command->name), "\n", roff(command->description), "\n");
         also += text(also.empty() ? "" : ",\n", ".BR ", roff("mav-" + command->name), " (1)");
     }
-    return page + entries("OPTIONS", program.options) + ".SH EXIT STATUS\n" +
-           paragraphs(program.notes) + ENVIRONMENT + ".SH SEE ALSO\n" + also + "\n";
+    return page + entries("OPTIONS", program.options) + exitStatus(program) + examples(program) +
+           ENVIRONMENT + ".SH SEE ALSO\n" + also + "\n";
 }
 
 std::string cli::commandPage(const Command& command) {
@@ -126,5 +141,5 @@ std::string cli::commandPage(const Command& command) {
     page += text("\n.SH DESCRIPTION\n", roff(command.description), ".\n");
     if (!command.notes.empty()) page += text(".PP\n", paragraphs(command.notes));
     return page + entries("ARGUMENTS", command.arguments) + entries("OPTIONS", command.options) +
-           ".SH SEE ALSO\n.BR mav (1)\n";
+           exitStatus(command) + examples(command) + ".SH SEE ALSO\n.BR mav (1)\n";
 }

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <iostream>
+#include <optional>
+#include <string_view>
 
+#include "Errors.h"
 #include "Output.h"
+#include "OutputSchemas.h"
 #include "Suggest.h"
 #include "mav_host/HUTEnv.h"
 #include "mav_host/Host.h"
@@ -20,16 +23,9 @@ using Commands = std::vector<Command>;
 
 constexpr const char* DESCRIPTION =
     "Reads and makes platforms of the accelerated-application toolchain.";
-constexpr const char* EXIT_CODES =
-    "Exit codes:\n"
-    "  0  done\n"
-    "  1  the question was answered with no\n"
-    "  2  wrong use\n"
-    "  3  the platform cannot be loaded, or the result cannot be written\n";
-
-Command& begin(Commands& commands, const char* name) {
+Command& begin(Commands& commands, const char* group, const char* name) {
     static bool help = false;
-    Command& command = commands.emplace_back(Command{name, "", EXIT_CODES});
+    Command& command = commands.emplace_back(Command{name, "", group});
     command.flag("-h,--help", help, "Print this help message and exit");
     return command;
 }
@@ -39,10 +35,16 @@ Commands describe(std::span<const Row> table) {
     static bool version = false;
     Commands commands;
     commands.reserve(table.size() + 1);
-    Command& program = begin(commands, "");
+    Command& program = begin(commands, "", "");
     program.description = DESCRIPTION;
+    program.no = "the question was answered with no";
+    program.examples = {{"mav help show", "the help of a command"}};
     program.flag("--version", version, "Print the version and exit");
-    for (const Row& row : table) row.describe(begin(commands, row.name));
+    for (const Row& row : table) row.describe(begin(commands, row.group, row.name));
+    std::vector<std::string> names;
+    for (const Row& row : table) names.emplace_back(row.name);
+    for (Command& command : commands)
+        if (command.name == "help") command.arguments.front().oneOf("command", names);
     return commands;
 }
 
@@ -52,9 +54,20 @@ std::string joined(const std::vector<std::string>& names) {
     return made;
 }
 
+/// The JSON Schema of a command's answer is wanted.
+struct SchemaWanted {
+    std::string command;
+};
+
 void announce(CLI::App& app, const Argument& argument) {
     const std::string names = argument.names.empty() ? argument.value : joined(argument.names);
     if (names == "-h,--help") return;
+    if (names == "--schema") {
+        app.add_flag_callback(
+               names, [&app] { throw SchemaWanted{app.get_name()}; }, argument.description)
+            ->trigger_on_parse();
+        return;
+    }
     if (names == "--version") {
         app.set_version_flag(names, "mav " MAV_VERSION, argument.description);
         return;
@@ -69,13 +82,15 @@ void announce(CLI::App& app, const Argument& argument) {
         argument.target);
     option->required(argument.required);
     if (!argument.excludes.empty()) option->excludes(app.get_option(argument.excludes));
+    if (argument.names.empty()) option->option_text(argument.many ? "..." : " ");
     if (argument.names.empty() || argument.value.empty()) return;
     option->type_name(argument.value);
+    option->option_text(argument.value + (argument.many ? " ..." : ""));
     if (argument.many) option->allow_extra_args(false);
 }
 
 void announce(CLI::App& app, const Command& command) {
-    app.footer(command.notes);
+    app.footer(command.notes + (command.notes.empty() ? "" : "\n") + command.exitCodes());
     for (const Argument& argument : command.arguments) announce(app, argument);
     for (const Argument& option : command.options) announce(app, option);
 }
@@ -136,21 +151,22 @@ void settleChoices(const Command& command) {
     }
 }
 
-int run(std::span<const Row> table, int argc, char** argv) {
-    const Commands all = describe(table);
-    CLI::App app(DESCRIPTION, "mav");
-    app.require_subcommand(1);
-    announce(app, all.front());
-    for (auto command = all.begin() + 1; command != all.end(); ++command)
-        announce(*app.add_subcommand(command->name, command->description), *command);
+std::string helpText(const CLI::App& app, const std::string& command) {
+    const auto formatter = app.get_formatter();
+    if (command.empty()) return formatter->make_help(&app, "mav", CLI::AppFormatMode::Normal);
+    return formatter->make_help(app.get_subcommand(command), "mav " + command,
+                                CLI::AppFormatMode::Normal);
+}
+
+/// The command that the line names, with what it sets.
+const Command& parse(CLI::App& app, const Commands& all, int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
-        writeAnswer(app.help());
-        return DONE;
-    } catch (const CLI::CallForVersion& version) {
-        writeAnswer(std::string(version.what()) + "\n");
-        return DONE;
+        const auto chosen = app.get_subcommands();
+        throw HelpWanted{chosen.empty() ? "" : chosen.front()->get_name()};
+    } catch (const CLI::CallForVersion&) {
+        throw;
     } catch (const CLI::ParseError& error) {
         throw explain(app, all, error);
     }
@@ -158,7 +174,29 @@ int run(std::span<const Row> table, int argc, char** argv) {
     const auto chosen =
         std::find_if(all.begin(), all.end(), [&](const Command& one) { return one.name == name; });
     settleChoices(*chosen);
-    return chosen->run(all) ? DONE : NEGATIVE;
+    return *chosen;
+}
+
+int run(std::span<const Row> table, int argc, char** argv) {
+    const Commands all = describe(table);
+    CLI::App app(DESCRIPTION, "mav");
+    app.require_subcommand(1);
+    announce(app, all.front());
+    for (auto command = all.begin() + 1; command != all.end(); ++command) {
+        CLI::App* const one = app.add_subcommand(command->name, command->description);
+        one->group(command->group);
+        announce(*one, *command);
+    }
+    try {
+        return parse(app, all, argc, argv).run(all) ? DONE : NEGATIVE;
+    } catch (const HelpWanted& help) {
+        writeAnswer(helpText(app, help.command));
+    } catch (const SchemaWanted& schema) {
+        writeAnswer(outputSchema(schema.command));
+    } catch (const CLI::CallForVersion& version) {
+        writeAnswer(std::string(version.what()) + "\n");
+    }
+    return DONE;
 }
 
 std::string pointer(const std::string& command) {
@@ -175,6 +213,54 @@ void endByPipe() {
     std::raise(SIGPIPE);
 }
 
+bool wantsJson(int argc, char** argv) {
+    const std::span<char*> words(argv, static_cast<std::size_t>(argc));
+    const auto end = std::find(words.begin(), words.end(), std::string_view("--"));
+    return std::find(words.begin(), end, std::string_view("--json")) != end;
+}
+
+/// How a run ended.
+struct End {
+    int code = DONE;
+    std::string sentence{};  ///< why, when there is something to say
+};
+
+End attempt(std::span<const Row> table, int argc, char** argv) {
+    try {
+        return {run(table, argc, argv)};
+    } catch (const NoReader&) {
+        lostReader = true;
+        return {NO_READER};
+    } catch (const Ended& ended) {
+        return {ended.code};
+    } catch (const Interrupted& interrupted) {
+        return {KILLED_BY + interrupted.signal};
+    } catch (const UsageError& error) {
+        return {WRONG_USE, error.what() + pointer(error.command())};
+    } catch (const Negative& error) {
+        return {NEGATIVE, error.what()};
+    } catch (const Failure& error) {
+        return {FAILED, error.what()};
+    } catch (const std::bad_alloc&) {
+        return {FAILED, "out of memory. Free some memory or raise its limit, then try again."};
+    } catch (const std::exception& error) {
+        return {FAILED, clause(error.what()) + ". Correct the cause and try again."};
+    }
+}
+
+/// Tells why the run ended; in JSON on standard output too.
+void tell(const End& end, bool json) {
+    const std::string answer = json ? errorAnswer(end.code, end.sentence) : "";
+    complain(end.sentence);
+    try {
+        writeData(answer);
+    } catch (const NoReader&) {
+        lostReader = true;
+    } catch (const Failure&) {
+        // Standard output takes nothing; the sentence has said what failed first.
+    }
+}
+
 }  // namespace
 
 int runProgram(std::span<const Row> table, int argc, char** argv) {
@@ -185,24 +271,12 @@ int runProgram(std::span<const Row> table, int argc, char** argv) {
     std::atexit(endByPipe);
     HUTEnv::pinTimeZone();
     mav_host::setConsole(&mav_host::printableErrors());
-    try {
-        return run(table, argc, argv);
-    } catch (const NoReader&) {
-        lostReader = true;
-        return NO_READER;
-    } catch (const Interrupted& interrupted) {
-        return KILLED_BY + interrupted.signal;
-    } catch (const UsageError& error) {
-        complain(error.what() + pointer(error.command()));
-        return WRONG_USE;
-    } catch (const Failure& error) {
-        if (*error.what() != '\0') complain(error.what());
-    } catch (const std::bad_alloc&) {
-        complain("out of memory. Free some memory or raise its limit, then try again.");
-    } catch (const std::exception& error) {
-        complain(clause(error.what()) + ". Correct the cause and try again.");
-    }
-    return FAILED;
+    const bool json = wantsJson(argc, argv);
+    std::optional<KeptReports> reports;
+    if (json) reports.emplace();
+    const End end = attempt(table, argc, argv);
+    if (!end.sentence.empty()) tell(end, json);
+    return end.code;
 }
 
 }  // namespace cli

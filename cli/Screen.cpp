@@ -132,6 +132,21 @@ std::vector<std::string> Screen::lines(const Row& names, const std::vector<Row>&
     return made;
 }
 
+std::vector<std::string> Screen::fitting(const Row& names, std::vector<Row> rows) {
+    if (::isatty(STDOUT_FILENO) == 0) return lines(names, rows);
+    for (Row& row : rows)
+        for (std::string& cell : row)
+            if (cell.empty()) cell.assign(1, '-');
+    Screen screen(false, screenWidth() + INDENT);
+    screen.section("");
+    screen.table(names, rows);
+    std::vector<std::string> made;
+    Lines whole = screen.lines(screen.sections_.back(), screen.width_);
+    for (auto line = whole.begin() + 1; line != whole.end(); ++line)
+        made.push_back(line->text.substr(std::min(INDENT, line->text.size())));
+    return made;
+}
+
 Screen::Line Screen::styled(std::string_view style, std::string_view text) const {
     Line line{std::string(text), columns(text)};
     if (color_ && !style.empty()) line.text.insert(0, style).append(RESET);

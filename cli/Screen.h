@@ -32,6 +32,9 @@ class Screen {
     /// some, then the rows. Empty cells are "-", columns of digits alone stand to the right, and
     /// the last cell of a row is not filled up.
     static std::vector<std::string> lines(const Row& names, const std::vector<Row>& rows);
+    /// The same lines where standard output is a terminal, but none wider than it: cells that are
+    /// too wide go on below.
+    static std::vector<std::string> fitting(const Row& names, std::vector<Row> rows);
 
     Screen(bool color, std::size_t width, bool dense = false)
         : color_(color), width_(width), dense_(dense) {}

@@ -153,8 +153,10 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::add(Command& command) {
-    command.description = "Add a file to an archive";
+    command.description = "Add a file to an archive that exists, and list it there";
     command.notes = NOTES;
+    command.failed = "the archive cannot be read or written; it stays as it was";
+    command.examples = {{"mav add card.pka BIT new.bit", "list new.bit under the type BIT"}};
     auto& options = command.runs(run);
     command.argument("ARCHIVE", &options.archive, "Archive to change");
     command.argument("TYPE", &options.type, "File type");

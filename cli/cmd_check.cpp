@@ -1,30 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
-
 #include "Command.h"
+#include "Errors.h"
 #include "Load.h"
 #include "Output.h"
+#include "Screen.h"
+#include "mav_host/HUTEnv.h"
 #include "mav_platform/HMAVNativeCatalogService.h"
 #include "mav_platform/JSONValue.h"
-#include "mav_platform/partitionsFault.h"
 
 namespace cli {
 namespace {
 
 using mav_platform::JSONValue;
-using mav_platform::partitionsFault;
 
 using mav::platform::NativeCatalogService;
+using mav::platform::SupportQuestion;
+using mav::platform::Verdict;
 
 constexpr const char* NOTES =
-    "One line for each FILE tells whether the tool release supports the platform, and why. The\n"
-    "support list ROOT/platforms/achromatic is asked too, ROOT being the application root.\n"
-    "Answers with 1 when a platform is not supported, with 3 when one does not load.\n";
+    "Asks whether the tool release supports a platform; 'mav validate' asks whether the platform "
+    "is\n"
+    "free of faults, 'mav verify' whether an archive still holds the bytes that were packed.\n"
+    "One line for each FILE gives the verdict, the rule that decided and why. The support list\n"
+    "ROOT/platforms/achromatic is asked too, ROOT being the application root. --matrix adds a "
+    "line\n"
+    "for each tool release from the platform's own to two years on.\n";
 
 struct Options {
     std::vector<std::string> files;
     bool preSynth = false;
     bool archive = false;
+    bool matrix = false;
     bool json = false;
     std::string toolRelease;  ///< empty: that of the host
     std::string product;      ///< empty: that of the host
@@ -32,88 +38,120 @@ struct Options {
 
 struct Answer {
     std::string file;
-    bool supported = false;
-    std::string reason;
+    Verdict verdict;
+    HSTVector<Verdict> matrix;
 };
-
-bool isRelease(const std::string& text) {
-    const auto digits = [](std::string_view part) {
-        return !part.empty() && part.size() < 7 &&
-               part.find_first_not_of("0123456789") == std::string_view::npos;
-    };
-    const std::size_t dot = text.find('.');
-    const std::string_view view = text;
-    return dot != std::string::npos && digits(view.substr(0, dot)) && digits(view.substr(dot + 1));
-}
 
 void refuseWrongUse(const Options& options) {
     if (options.preSynth && options.archive)
         throw UsageError("--presynth and --archive are different questions; give one of them.",
                          "check");
-    if (!options.toolRelease.empty() && !isRelease(options.toolRelease))
+    if (!options.toolRelease.empty() && !HUTEnv::isRelease(options.toolRelease))
         throw UsageError("'" + printable(options.toolRelease) +
                              "' is no release; give a year and a number, such as 2026.1.",
                          "check");
+    if (options.toolRelease.empty()) needToolRelease("check");
 }
 
 Answer ask(const NativeCatalogService& service, const Options& options, const std::string& file) {
+    const SupportQuestion question = options.preSynth  ? SupportQuestion::PRE_SYNTH
+                                     : options.archive ? SupportQuestion::ARCHIVE
+                                                       : SupportQuestion::CARD;
     const auto loader = loadFile("check", file);
-    const std::string fault = partitionsFault(*loader->load());
-    if (!fault.empty()) return {file, false, fault};
-    Answer answer{file, false, ""};
-    if (options.preSynth) {
-        answer.supported = service.isPreSynthPlatformSupported(loader.get(), answer.reason);
-    } else if (options.archive) {
-        answer.supported = service.canDsaBeOpened(loader.get(), answer.reason);
-    } else {
-        answer.supported = service.isUnderWarranty(loader.get(), answer.reason, options.product);
-    }
+    Answer answer{file, service.judge(*loader, question), {}};
+    if (options.matrix) answer.matrix = service.matrix(*loader, question);
     return answer;
 }
 
-std::string line(const Answer& answer) {
-    const std::string verdict = answer.supported ? "supported" : "not supported";
-    const std::string reason = answer.reason.empty() ? "" : ". " + printable(answer.reason);
-    return printable(answer.file) + ": " + verdict + reason + "\n";
+std::string lines(const Answer& answer) {
+    std::string text = printable(answer.file) + ": " + printable(answer.verdict.sentence()) + "\n";
+    std::vector<Screen::Row> rows;
+    for (const Verdict& verdict : answer.matrix)
+        rows.push_back({verdict.toolRelease, verdict.word(), verdict.rule, verdict.reason});
+    for (const std::string& line : Screen::lines({}, rows)) text += "    " + line + "\n";
+    return text;
 }
 
-std::string json(const std::vector<Answer>& answers) {
-    JSONValue list = JSONValue::list();
-    for (const Answer& answer : answers) {
-        list.add(JSONValue::object()
-                     .add("file", answer.file)
-                     .add("supported", answer.supported)
-                     .addUnlessEmpty("reason", answer.reason));
+JSONValue row(const std::string& file, const Verdict* verdict) {
+    JSONValue made = JSONValue::object().addPath("file", file);
+    if (verdict != nullptr) {
+        verdict->addTo(made);
+        return made;
     }
-    return JSONValue::object().add("platforms", std::move(list)).text();
+    for (const char* const name :
+         {"verdict", "rule", "reason", "listEntry", "platformRelease", "toolRelease"})
+        made.add(name, nullptr);
+    return made;
 }
+
+JSONValue matrixOf(const Answer& answer) {
+    JSONValue list = JSONValue::list();
+    for (const Verdict& verdict : answer.matrix) {
+        JSONValue made = JSONValue::object();
+        verdict.addTo(made);
+        list.add(std::move(made));
+    }
+    return list;
+}
+
+/// Asks about each file; what does not load is told and the others are asked all the same.
+class Answers {
+  public:
+    explicit Answers(const Options& options) : options_(options) {
+        if (!options.toolRelease.empty()) service_.setTestCompilerVersion_(options.toolRelease);
+        if (!options.product.empty()) service_.setProduct_(options.product);
+    }
+
+    void add(const std::string& file) {
+        try {
+            const Answer answer = ask(service_, options_, file);
+            good_ = good_ && answer.verdict.supported;
+            if (!options_.json) writeAnswer(lines(answer));
+            KeptReports::take();
+            list_.add(
+                row(file, &answer.verdict).add("matrix", matrixOf(answer)).add("error", nullptr));
+        } catch (const Failure& failure) {
+            failed_ = true;
+            JSONValue error = JSONValue::object();
+            addError(error, failure.what());
+            complain(failure.what());
+            list_.add(
+                row(file, nullptr).add("matrix", JSONValue::list()).add("error", std::move(error)));
+        }
+    }
+
+    bool end() {
+        if (options_.json)
+            writeData(JSONValue::answer("check").add("platforms", std::move(list_)).text());
+        if (failed_) throw Ended{FAILED};
+        return good_;
+    }
+
+  private:
+    const Options& options_;
+    NativeCatalogService service_;
+    JSONValue list_ = JSONValue::list();
+    bool good_ = true;
+    bool failed_ = false;
+};
 
 bool run(const Options& options) {
     refuseWrongUse(options);
-    NativeCatalogService service;
-    if (!options.toolRelease.empty()) service.setTestCompilerVersion_(options.toolRelease);
-    std::vector<Answer> answers;
-    bool failed = false;
-    for (const std::string& file : options.files) {
-        try {
-            answers.push_back(ask(service, options, file));
-            if (!options.json) writeAnswer(line(answers.back()));
-        } catch (const Failure& error) {
-            complain(error.what());
-            failed = true;
-        }
-    }
-    if (options.json) writeData(json(answers));
-    if (failed) throw Failure("");
-    return std::all_of(answers.begin(), answers.end(),
-                       [](const Answer& answer) { return answer.supported; });
+    Answers answers(options);
+    for (const std::string& file : options.files) answers.add(file);
+    return answers.end();
 }
 
 }  // namespace
 
 void commands::check(Command& command) {
-    command.description = "Tell whether platforms are supported";
+    command.description = "Tell whether a tool release supports platforms, and why";
     command.notes = NOTES;
+    command.no = "a platform is not supported";
+    command.failed = "a platform cannot be loaded; the others are judged all the same";
+    command.examples = {
+        {"mav check card.pka --tool-release 2027.1", "judge for another release than the present"},
+        {"mav check card.pka --matrix", "how long the platform will be supported"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.files, "Platform files");
     command.flag("--presynth", options.preSynth, "As pre-synthesis platforms");
@@ -122,7 +160,8 @@ void commands::check(Command& command) {
                    "Judge for this release, such as 2026.1, in place of the present one");
     command.option("--product", &options.product, "PRODUCT",
                    "Product that the support list is for");
-    command.flag("--json", options.json, "Print JSON");
+    command.flag("--matrix", options.matrix, "Also judge for each release up to two years on");
+    command.typedJson(options.json);
 }
 
 }  // namespace cli

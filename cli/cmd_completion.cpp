@@ -28,6 +28,8 @@ void run(const Options& options, const std::vector<Command>& commands) {
 void commands::completion(Command& command) {
     command.description = "Print the completion of a shell";
     command.notes = NOTES;
+    command.failed = "the result cannot be written";
+    command.examples = {{"source <(mav completion bash)", "completion in this shell"}};
     auto& options = command.runs(run);
     command.argument("SHELL", &options.shell, "bash, zsh or fish")
         .oneOf("shell", {"bash", "zsh", "fish"});

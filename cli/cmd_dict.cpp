@@ -31,7 +31,7 @@ void writeLines(const NativeDictService::Dict& dict) {
     answer.end();
 }
 
-bool run(const Options& options) {
+void run(const Options& options) {
     const NativeDictService service;
     const auto loader = loadFile("dict", options.file);
     bool found = false;
@@ -44,24 +44,25 @@ bool run(const Options& options) {
         found = !dict.empty();
     }
     if (!found) {
-        complain((options.names.empty() ? "nothing is at '" : "none of the names is below '") +
-                 printable(options.path) + "' in '" + printable(options.file) + "'." +
-                 keyHint(*loader, options.path) + " 'mav keys' lists the paths of a platform.");
-        return false;
+        throw Negative(
+            (options.names.empty() ? "nothing is at '" : "none of the names is below '") +
+            printable(options.path) + "' in '" + printable(options.file) + "'." +
+            keyHint(*loader, options.path) + " 'mav keys' lists the paths of a platform.");
     }
     if (options.json) {
         writeData(NativeDictService::getAsJsonStr(dict));
     } else {
         writeLines(dict);
     }
-    return true;
 }
 
 }  // namespace
 
 void commands::dict(Command& command) {
-    command.description = "Print a part of the description as names and values";
+    command.description = "Print a part of the description as lines NAME = VALUE";
     command.notes = NOTES;
+    command.no = "nothing is there";
+    command.examples = {{"mav dict card.pka 'hardwarePlatform.systemClocks[0]'", "one clock"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.argument("PATH", &options.path, "Path into the description");

@@ -16,7 +16,7 @@ constexpr const char* NOTES =
     "Compares by meaning: items of a list are matched by their name or id, whatever their place,\n"
     "and where the two platforms lie does not count. What is inside the files that a platform\n"
     "names is not compared, only what its description tells. Lines begin with ~ for a change,\n"
-    "+ for what only B has, - for what only A has. The code is 1 when they differ.\n";
+    "+ for what only B has, - for what only A has.\n";
 
 struct Options {
     std::string first;
@@ -61,12 +61,14 @@ bool run(const Options& options) {
 }  // namespace
 
 void commands::diff(Command& command) {
-    command.description = "Tell what differs between two platforms";
+    command.description = "Tell what differs between two platforms, by meaning";
     command.notes = NOTES;
+    command.no = "the platforms differ";
+    command.examples = {{"mav diff old.pka new.pka", "what a new delivery changes"}};
     auto& options = command.runs(run);
     command.argument("A", &options.first, "Platform file");
     command.argument("B", &options.second, "Platform file");
-    command.flag("--json", options.json, "Print JSON");
+    command.typedJson(options.json);
     addColor(command, options.color, "When to colour");
 }
 

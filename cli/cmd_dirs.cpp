@@ -20,9 +20,9 @@ void run(const Options& options) {
     if (options.json) {
         JSONValue list = JSONValue::list();
         for (const std::string& dir : dirs) {
-            list.add(JSONValue::object().add("path", dir).add("exists", HUTFile::isDir(dir)));
+            list.add(JSONValue::object().addPath("path", dir).add("exists", HUTFile::isDir(dir)));
         }
-        writeData(JSONValue::object().add("directories", std::move(list)).text());
+        writeData(JSONValue::answer("dirs").add("directories", std::move(list)).text());
         return;
     }
     std::string text;
@@ -35,9 +35,11 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::dirs(Command& command) {
-    command.description = "Show where platforms are looked for";
+    command.description = "Show the directories that list searches by default";
+    command.failed = "the result cannot be written";
+    command.examples = {{"mav dirs", "where the tools look for platforms"}};
     auto& options = command.runs(run);
-    command.flag("--json", options.json, "Print JSON");
+    command.typedJson(options.json);
 }
 
 }  // namespace cli

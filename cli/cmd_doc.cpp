@@ -77,7 +77,7 @@ std::string nearestKey(const NativeDocService& service, const ptree& doc, const 
     return leads ? whole : key.substr(0, start) + meant;
 }
 
-bool run(const Options& options) {
+void run(const Options& options) {
     const NativeDocService service;
     ptree doc;
     if (!service.getFromFile(doc))
@@ -86,21 +86,22 @@ bool run(const Options& options) {
             "set MAV_APP_ROOT to its share directory.");
     if (!service.isValidDocKey(doc, options.key)) {
         const std::string meant = nearestKey(service, doc, options.key);
-        complain("no key " + shown(options.key) + " is documented." + didYouMean(meant) +
-                 " 'mav doc' lists the keys.");
-        return false;
+        throw Negative("no key " + shown(options.key) + " is documented." + didYouMean(meant) +
+                       " 'mav doc' lists the keys.");
     }
     const ptree& keys = doc.get_child("documentation_keys");
     const bool all = options.key == "all" || options.key == "list_keys";
     const ptree branch = all ? keys : service.getDocKeyBranch(doc, options.key);
     writeData(options.json ? service.getAsJsonStr(branch) : describe(keys, options.key, branch));
-    return true;
 }
 
 }  // namespace
 
 void commands::doc(Command& command) {
     command.description = "Explain the keys of the description";
+    command.no = "there is no such key";
+    command.failed = "the documentation of the keys cannot be read";
+    command.examples = {{"mav doc HMAVSystemClock.frequency", "one member of a class"}};
     auto& options = command.runs(run);
     command
         .argument("KEY", &options.key,

@@ -55,8 +55,10 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::extract(Command& command) {
-    command.description = "Extract a member of an archive";
+    command.description = "Take a member or a folder out of an archive";
     command.notes = NOTES;
+    command.failed = "the archive cannot be read, or the result cannot be written";
+    command.examples = {{"mav extract card.pka BIT -o /tmp", "what is listed under the type BIT"}};
     auto& options = command.runs(run);
     command.argument("ARCHIVE", &options.archive, "Archive to read");
     command.argument("WHAT", &options.what, "Type, member or folder");

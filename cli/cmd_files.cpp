@@ -16,29 +16,38 @@ struct Options {
     bool names = false;
 };
 
+std::string joined(const HSTVector<std::string>& types) {
+    std::string text;
+    for (const std::string& type : types) text.append(text.empty() ? "" : ",").append(type);
+    return text;
+}
+
 std::string table(const HSTVector<mav_host::ZipMember>& members, const TypedMembers& types) {
-    const std::vector<std::string> listed = types.typesOf(members);
+    const auto listed = types.typesOf(members);
     std::vector<Screen::Row> rows;
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        rows.push_back({listed[i], std::to_string(members[i].size), members[i].name});
-    }
+    for (std::size_t i = 0; i < members.size(); ++i)
+        rows.push_back({joined(listed[i]), std::to_string(members[i].size), members[i].name});
     std::string text;
     for (const std::string& line : Screen::lines({"TYPE", "SIZE", "MEMBER"}, rows))
         text.append(line).append("\n");
     return text;
 }
 
-std::string json(const HSTVector<mav_host::ZipMember>& members, const TypedMembers& types,
-                 const std::string& digest) {
-    const std::vector<std::string> listed = types.typesOf(members);
+std::string json(const std::string& archive, const HSTVector<mav_host::ZipMember>& members,
+                 const TypedMembers& types, const std::string& digest) {
+    const auto listed = types.typesOf(members);
     JSONValue list = JSONValue::list();
     for (std::size_t i = 0; i < members.size(); ++i) {
         list.add(JSONValue::object()
-                     .add("name", members[i].name)
-                     .addUnlessEmpty("type", listed[i])
+                     .addPath("path", members[i].name)
+                     .add("types", JSONValue::list(listed[i]))
                      .add("size", members[i].size));
     }
-    return JSONValue::object().add("digest", digest).add("members", std::move(list)).text();
+    return JSONValue::answer("files")
+        .addPath("file", archive)
+        .add("digest", digest)
+        .add("members", std::move(list))
+        .text();
 }
 
 void listMembers(const Options& options) {
@@ -56,7 +65,7 @@ void listMembers(const Options& options) {
         digest = digestText(HUTZip::verifyDigest(options.archive));
     }
     const auto members = archive.members();
-    writeData(options.json ? json(members, types, digest)
+    writeData(options.json ? json(options.archive, members, types, digest)
                            : table(members, types) + "digest: " + digest + "\n");
 }
 
@@ -67,10 +76,13 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::files(Command& command) {
-    command.description = "List the members of an archive";
+    command.description = "List what an archive holds: members, types, sizes";
+    command.failed = "the archive cannot be read, or the result cannot be written";
+    command.examples = {{"mav files card.pka", "every member"},
+                        {"mav files card.pka --names", "names alone, at once"}};
     auto& options = command.runs(run);
     command.argument("ARCHIVE", &options.archive, "Archive to list");
-    command.flag("--json", options.json, "Print JSON");
+    command.typedJson(options.json);
     command
         .flag("--names", options.names,
               "Print the members' names alone, without reading them for the digest")

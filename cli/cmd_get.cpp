@@ -22,27 +22,28 @@ struct Options {
     bool json = false;
 };
 
-bool run(const Options& options) {
+void run(const Options& options) {
     using mav::platform::NativeObjectService;
     const auto loader = loadFile("get", options.file);
     bool found = false;
     const auto node = NativeObjectService().getObjectsByPath(loader.get(), options.path, found);
     if (!found) {
-        complain("nothing is at '" + printable(options.path) + "' in '" + printable(options.file) +
-                 "'." + keyHint(*loader, options.path) +
-                 " 'mav keys' lists the paths of a platform.");
-        return false;
+        throw Negative("nothing is at '" + printable(options.path) + "' in '" +
+                       printable(options.file) + "'." + keyHint(*loader, options.path) +
+                       " 'mav keys' lists the paths of a platform.");
     }
     writeData(node.empty() && !options.json ? node.data() + "\n"
                                             : NativeObjectService::getNodeAsJsonStr(node));
-    return true;
 }
 
 }  // namespace
 
 void commands::get(Command& command) {
-    command.description = "Print what is at a path of the description";
+    command.description = "Print what is at one path of the description";
     command.notes = NOTES;
+    command.no = "nothing is there";
+    command.examples = {
+        {"mav get card.pka 'hardwarePlatform.systemClocks[*].name'", "the names of all clocks"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.argument("PATH", &options.path, "Path into the description");

@@ -11,6 +11,7 @@ namespace cli {
 namespace {
 
 using boost::property_tree::ptree;
+using mav::platform::Verdict;
 
 struct Options {
     std::string file;
@@ -34,28 +35,45 @@ void addTable(const ptree& info, const std::string& indent, std::string& text) {
     }
 }
 
+/// The verdict stands in the place that the summary has for it.
+ptree withVerdict(const ptree& info, const Verdict& verdict) {
+    ptree made;
+    for (const auto& member : info) {
+        if (member.first == "hardware") {
+            made.push_back({"verdict", ptree(verdict.sentence())});
+            made.push_back({"toolRelease", ptree(verdict.toolRelease)});
+        }
+        made.push_back(member);
+    }
+    return made;
+}
+
 void run(const Options& options) {
+    needToolRelease("info");
     const mav::platform::NativeCatalogService service;
     const auto loader = loadFile("info", options.file);
+    const Verdict verdict = service.judge(*loader);
     if (options.json) {
-        writeData(service.getAsJsonStr(loader.get(), true, options.partitions));
+        writeData(service.getTypedInfo(*loader, verdict).text());
         return;
     }
     ptree info;
-    service.getPlatformInfo_(loader.get(), info, true, options.partitions);
+    service.getPlatformInfo_(loader.get(), info, false, options.partitions);
     std::string text;
-    addTable(info, "", text);
+    addTable(withVerdict(info, verdict), "", text);
     writeData(text);
 }
 
 }  // namespace
 
 void commands::info(Command& command) {
-    command.description = "Sum a platform up";
+    command.description = "Sum one platform up as names and values, for scripts";
+    command.examples = {{"mav info card.pka --json", "the summary with numbers and booleans"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
-    command.flag("--json", options.json, "Print JSON");
-    command.flag("--partitions", options.partitions, "With reconfigurable partitions");
+    command.flag("--partitions", options.partitions,
+                 "With reconfigurable partitions; --json always has them");
+    command.typedJson(options.json);
 }
 
 }  // namespace cli

@@ -44,15 +44,17 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::json(Command& command) {
-    command.description = "Print the description of a platform as JSON";
+    command.description = "Print the whole description of a platform as JSON";
     command.notes = NOTES;
+    command.examples = {{"mav json card.pka | jq -r .name", "a member of the document"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.flag("--short", options.shortForm, "Only uniqueName, file and description");
     command
-        .option("--metadata", &options.metadata, "auto|json|xml",
-                "Metadata of hardware archives: auto (JSON, else XML), json (JSON when the primary "
-                "member is there, else XML), xml")
+        .option(
+            "--metadata", &options.metadata, "auto|json|xml",
+            "JSON member of hardware archives: auto (the alternative one, else the primary), json "
+            "(the same where the primary is there), xml (none: that XML is not read)")
         .oneOf("metadata", {"auto", "json", "xml"});
 }
 

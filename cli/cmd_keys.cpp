@@ -39,7 +39,8 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::keys(Command& command) {
-    command.description = "List the paths of the description";
+    command.description = "List the paths that the description has";
+    command.examples = {{"mav keys card.pka", "what get, dict and transform can ask for"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.flag("--json", options.json, "Print JSON");

@@ -5,33 +5,30 @@
 #include <array>
 #include <chrono>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <utility>
 
 #include "Archive.h"
 #include "Command.h"
-#include "Load.h"
 #include "Output.h"
 #include "Screen.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
-#include "mav_host/Letters.h"
 #include "mav_host/ReportScope.h"
-#include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HMAVPlatformMgr.h"
-#include "mav_platform/HMAVPlatformUtils.h"
-#include "mav_platform/JSONValue.h"
-#include "mav_platform/partitionsFault.h"
+#include "mav_platform/PlatformList.h"
 
 namespace cli {
 namespace {
 
-using mav_platform::JSONValue;
-using mav_platform::partitionsFault;
+using mav_platform::PlatformFilter;
+using mav_platform::PlatformList;
+using mav_platform::PlatformRow;
 
-using Platforms = HSTVector<HMAVPlatform*>;
 using Refusal = HMAVPlatformMgr::Refusal;
 using Refusals = HSTVector<Refusal>;
 
@@ -40,13 +37,17 @@ constexpr const char* NOTES =
     ".dsa)\n"
     "at any depth. Without a DIR the default directories are searched; 'mav dirs' shows them.\n"
     "Vendor and board are compared exactly, part and type in any letter case; of those that fit,\n"
-    "--latest keeps the greatest version of each vendor, board and name.\n";
+    "--latest keeps the greatest version of each vendor, board and name. Archives that belong to "
+    "a\n"
+    "listed description are listed with --all alone. A file .mavignore in a searched directory\n"
+    "names what the search passes over, with the rules of git's ignore files.\n";
 
 struct Options {
     std::vector<std::string> dirs;  ///< empty: the default search directories
-    std::string part, board, vendor, type;
-    bool latest = false;
-    bool all = false;  ///< also those that were left out, and why
+    std::vector<std::string> ignored;
+    PlatformFilter filter;
+    std::string why;   ///< a file to tell about; empty: all are listed
+    bool all = false;  ///< also parts of others, and those that were left out, with the reason
     bool json = false;
 };
 
@@ -114,54 +115,36 @@ class SearchLine final : public HUTDirWalkProgress {
     bool shown_ = false;
 };
 
-/// One line of the list.
-struct Entry {
-    std::string name, vendor, board, version, type, device, part, state, file;
+/// A column of the table, shown always or when it is asked for.
+struct Column {
+    const char* name;
+    std::string PlatformRow::*cell;
+    bool shown = true;
 };
 
-Entry entryOf(const HMAVPlatform& platform) {
-    Entry entry;
-    entry.file = platform.getPlatformFile();
-    entry.type = platform.getTypeString();
-    const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
-    if (hardware == nullptr) {
-        entry.name = platform.getName();
-        entry.vendor = platform.getVendor();
-        entry.version = platform.getVersion();
-        return entry;
-    }
-    entry.name = platform.getName().empty() ? hardware->getName() : platform.getName();
-    entry.vendor = hardware->getVendor();
-    entry.board = hardware->getBoardId();
-    entry.version = hardware->getVersion();
-    entry.device = hardware->getFpgaDevice();
-    entry.part = hardware->getFpgaPart();
-    entry.state = hardware->getPlatformState();
-    return entry;
-}
-
-bool fits(const Entry& entry, const Options& options) {
-    const auto exact = [](const std::string& wanted, const std::string& text) {
-        return wanted.empty() || wanted == text;
-    };
-    const auto anyCase = [](const std::string& wanted, const std::string& text) {
-        return wanted.empty() || mav_host::equalLetters(wanted, text);
-    };
-    return anyCase(options.part, entry.part) && exact(options.board, entry.board) &&
-           exact(options.vendor, entry.vendor) && anyCase(options.type, entry.type);
-}
-
-void writeTable(const std::vector<Entry>& entries) {
-    std::vector<Screen::Row> rows;
-    rows.reserve(entries.size());
-    for (const Entry& entry : entries) {
-        rows.push_back({entry.name, entry.vendor, entry.version, entry.type, entry.device,
-                        entry.state, entry.file});
+void writeTable(const HSTVector<PlatformRow>& list, const Options& options) {
+    const PlatformFilter& filter = options.filter;
+    const bool hasParts = std::any_of(list.begin(), list.end(),
+                                      [](const PlatformRow& row) { return !row.partOf.empty(); });
+    const std::array<Column, 10> columns{{{"NAME", &PlatformRow::name},
+                                          {"VENDOR", &PlatformRow::vendor},
+                                          {"BOARD", &PlatformRow::board, !filter.board.empty()},
+                                          {"VERSION", &PlatformRow::version},
+                                          {"TYPE", &PlatformRow::type},
+                                          {"DEVICE", &PlatformRow::device},
+                                          {"PART", &PlatformRow::part, !filter.part.empty()},
+                                          {"STATE", &PlatformRow::state},
+                                          {"PART OF", &PlatformRow::partOf, hasParts},
+                                          {"FILE", &PlatformRow::file}}};
+    Screen::Row names;
+    std::vector<Screen::Row> rows(list.size());
+    for (const Column& column : columns) {
+        if (!column.shown) continue;
+        names.emplace_back(column.name);
+        for (std::size_t i = 0; i < list.size(); ++i) rows[i].push_back(list[i].*column.cell);
     }
     LongAnswer answer;
-    for (const std::string& line :
-         Screen::lines({"NAME", "VENDOR", "VERSION", "TYPE", "DEVICE", "STATE", "FILE"}, rows))
-        answer += line + "\n";
+    for (const std::string& line : Screen::fitting(names, std::move(rows))) answer += line + "\n";
     answer.end();
 }
 
@@ -175,30 +158,6 @@ std::string refusedText(const Refusals& refused) {
         }
     }
     return text;
-}
-
-std::string json(const std::vector<Entry>& entries, const Refusals& refused, bool all) {
-    JSONValue platforms = JSONValue::list();
-    for (const Entry& entry : entries) {
-        platforms.add(JSONValue::object()
-                          .addUnlessEmpty("name", entry.name)
-                          .addUnlessEmpty("vendor", entry.vendor)
-                          .addUnlessEmpty("board", entry.board)
-                          .addUnlessEmpty("version", entry.version)
-                          .addUnlessEmpty("type", entry.type)
-                          .addUnlessEmpty("device", entry.device)
-                          .addUnlessEmpty("part", entry.part)
-                          .addUnlessEmpty("state", entry.state)
-                          .add("file", entry.file));
-    }
-    JSONValue document = JSONValue::object().add("platforms", std::move(platforms));
-    if (!all) return document.text();
-    JSONValue left = JSONValue::list();
-    for (const Refusal& refusal : refused) {
-        left.add(
-            JSONValue::object().add("file", refusal.file).addUnlessEmpty("reason", refusal.reason));
-    }
-    return document.add("refused", std::move(left)).text();
 }
 
 HSTVector<std::string> searched(const Options& options) {
@@ -233,62 +192,72 @@ void tellRefusals(const Refusals& refused) {
              " left out because of faults. 'mav list --all' tells which and why.");
 }
 
-/// Moves the platforms that have no whole document to the refusals.
-void leaveOutPartial(Platforms& platforms, Refusals& refused) {
-    std::erase_if(platforms, [&](const HMAVPlatform* platform) {
-        const std::string fault = platform->isBad() ? "" : partitionsFault(*platform);
-        if (!fault.empty()) refused.push_back({platform->getPlatformFile(), fault, {}, false});
-        return !fault.empty();
-    });
+std::unique_ptr<PlatformList> find(const Options& options) {
+    const HSTVector<std::string> dirs = searched(options);
+    PlatformFilter filter = options.filter;
+    filter.parts = options.all;
+    filter.ignored = options.ignored;
+    Reports reports;
+    std::unique_ptr<PlatformList> list;
+    {
+        const SearchLine line;
+        list = std::make_unique<PlatformList>(dirs, filter);
+    }
+    reports.tellTheRest(list->refusals());
+    return list;
 }
 
-void run(const Options& options) {
-    const HSTVector<std::string> dirs = searched(options);
-    HMAVPlatformMgr manager;
-    Platforms platforms;
-    Refusals refused;
-    {
-        Reports reports;
-        {
-            const SearchLine line;
-            manager.addPlatformsFromDirs(dirs);
-        }
-        manager.getAllPlatforms(platforms);
-        refused = manager.getRefusals();
-        leaveOutPartial(platforms, refused);
-        reports.tellTheRest(refused);
-    }
-    std::erase_if(platforms,
-                  [&](const auto* one) { return one->isBad() || !fits(entryOf(*one), options); });
-    if (options.latest) platforms = HMAVPlatformUtils::filterOutOldPlatforms(platforms);
-    std::vector<Entry> entries;
-    for (const HMAVPlatform* platform : platforms) entries.push_back(entryOf(*platform));
+std::string sentence(const PlatformList::Answer& why) {
+    std::string text = printable(why.file) + ": " + why.state;
+    if (!why.directory.empty()) text += " below " + printable(why.directory);
+    return text + ": " + printable(why.reason) + "\n";
+}
+
+bool run(const Options& options) {
+    const auto list = find(options);
+    std::optional<PlatformList::Answer> why;
+    if (!options.why.empty()) why = list->why(options.why);
     if (options.json) {
-        writeData(json(entries, refused, options.all));
+        writeData(list->answer(why ? &*why : nullptr).text());
+    } else if (why) {
+        writeAnswer(sentence(*why));
     } else {
-        writeTable(entries);
-        if (options.all) writeAnswer(refusedText(refused));
+        writeTable(list->rows(), options);
+        if (options.all) writeAnswer(refusedText(list->refusals()));
     }
-    if (!options.all) tellRefusals(refused);
+    if (!options.all && !why) tellRefusals(list->refusals());
+    return !why || why->state == "found";
 }
 
 }  // namespace
 
 void commands::list(Command& command) {
-    command.description = "List the platforms of search directories";
+    command.description = "List the platforms that are found in directories";
     command.notes = NOTES;
+    command.no = "with --why: the file is not listed";
+    command.failed = "a DIR is no directory, or the result cannot be written";
+    command.examples = {{"mav list", "all that the tools find by themselves"},
+                        {"mav list /proj --type pellux --latest", "the newest of a type"},
+                        {"mav list /proj --why /proj/a/card.pka", "why a platform is not listed"},
+                        {"mav list /proj --json | jq -r '.platforms[].file'", "paths alone"}};
     auto& options = command.runs(run);
+    PlatformFilter& filter = options.filter;
     command.argument("DIR", &options.dirs, "Directories to search").required = false;
-    command.option("--part", &options.part, "PART", "Only platforms of this part");
-    command.option("--board", &options.board, "BOARD", "Only platforms of this board");
-    command.option("--vendor", &options.vendor, "VENDOR", "Only platforms of this vendor");
+    command.option("--part", &filter.part, "PART", "Only platforms of this part");
+    command.option("--board", &filter.board, "BOARD", "Only platforms of this board");
+    command.option("--vendor", &filter.vendor, "VENDOR", "Only platforms of this vendor");
     command
-        .option("--type", &options.type, "pellux|quorin|acceleration|undefined",
+        .option("--type", &filter.type, "pellux|quorin|acceleration|undefined",
                 "Only platforms of this type")
         .oneOf("platform type", {"pellux", "quorin", "acceleration", "undefined"});
-    command.flag("--latest", options.latest, "Only the latest versions");
-    command.flag("--all", options.all, "Also what was left out, and why");
-    command.flag("--json", options.json, "Print JSON");
+    command.flag("--latest", filter.latest, "Only the latest versions");
+    command.option("--ignore", &options.ignored, "PATTERN",
+                   "Pass over names or folders, as a line of .mavignore does; may be repeated");
+    command.option("--why", &options.why, "FILE", "Tell whether this file is found, and why not")
+        .kind = ValueKind::FILES;
+    command.flag("--all", options.all,
+                 "Also archives that belong to descriptions, and what was left out, and why");
+    command.typedJson(options.json);
 }
 
 }  // namespace cli

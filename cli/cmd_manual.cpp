@@ -37,6 +37,8 @@ void run(const Options& options, const std::vector<Command>& commands) {
 
 void commands::manual(Command& command) {
     command.description = "Write the manual pages into a folder";
+    command.failed = "the folder or a page cannot be written";
+    command.examples = {{"mav manual ~/.local/share/man/man1", "pages for man mav"}};
     auto& options = command.runs(run);
     command.argument("DIR", &options.directory, "Folder to write into");
 }

@@ -171,8 +171,10 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::pack(Command& command) {
-    command.description = "Pack a folder into a platform archive";
+    command.description = "Pack a folder into a platform archive with a digest";
     command.notes = NOTES;
+    command.failed = "the folder cannot be read, or the archive cannot be written";
+    command.examples = {{"mav pack card/ card.pka", "the folder's files as members"}};
     auto& options = command.runs(run);
     command.argument("DIR", &options.directory, "Folder with the files");
     command.argument("ARCHIVE", &options.archive, "Archive to write");

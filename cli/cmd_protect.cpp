@@ -34,8 +34,11 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::protect(Command& command) {
-    command.description = "Encipher a support list";
+    command.description = "Encipher a file, such as a support list";
     command.notes = NOTES;
+    command.failed = "the file or the key cannot be read, or the result cannot be written";
+    command.examples = {
+        {"MAV_KEY_FILE=key mav protect list.json achromatic", "a support list for the tools"}};
     auto& options = command.runs(run);
     command.argument("IN", &options.source, "File in the clear");
     command.argument("OUT", &options.target, "Protected file to write");

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -20,9 +21,12 @@
 #include "mav_platform/HMAVSoftwarePlatform.h"
 #include "mav_platform/HMAVSystemConfig.h"
 #include "mav_platform/HPLPlatform.h"
+#include "mav_platform/PlatformOverview.h"
 
 namespace cli {
 namespace {
+
+using mav::platform::PlatformOverview;
 
 constexpr const char* NOTES =
     "Sections: identity, device, targets, support, clocks, memories, banks, interfaces, "
@@ -34,6 +38,7 @@ constexpr const char* NOTES =
 struct Options {
     std::string file;
     std::vector<std::string> sections;  ///< empty: the whole platform, long lists cut
+    bool json = false;
     std::string color;
 };
 
@@ -178,12 +183,18 @@ void showTargets(Screen& screen, const Subject& subject) {
 void showSupport(Screen& screen, const Subject& subject) {
     if (subject.hardware == nullptr) return;
     const mav::platform::NativeCatalogService service;
-    std::string reason;
-    const bool supported = service.isUnderWarranty(&subject.loader, reason);
-    const std::string release = service.getCompilerVersion_();
+    const mav::platform::Verdict verdict = service.judge(subject.loader);
+    const auto& release = verdict.toolRelease;
+    const auto entry = [&] {
+        if (!verdict.entry) return std::string();
+        return std::to_string(verdict.entry->place) + " of the " +
+               (verdict.entry->good ? "white_list" : "black_list");
+    };
     screen.section("support");
-    screen.values({{"verdict", supported ? "supported" : "refused"},
-                   {"reason", reason},
+    screen.values({{"verdict", verdict.word()},
+                   {"rule", verdict.rule},
+                   {"list entry", entry()},
+                   {"reason", verdict.reason},
                    {"tool release", release.empty() ? "versionless" : release}});
 }
 
@@ -417,15 +428,25 @@ constexpr Section SECTIONS[] = {
     {"files", showFiles},
 };
 
-std::vector<std::string> sectionNames() {
-    std::vector<std::string> names;
-    for (const Section& section : SECTIONS) names.emplace_back(section.name);
-    return names;
+bool isWanted(const Options& options, const std::string& section) {
+    return std::find(options.sections.begin(), options.sections.end(), section) !=
+           options.sections.end();
+}
+
+void writeJson(const Options& options, mav_platform::PlatformLoader& loader) {
+    std::optional<mav::platform::Verdict> verdict;
+    if (options.sections.empty() || isWanted(options, "support"))
+        verdict = mav::platform::NativeCatalogService().judge(loader);
+    writeData(PlatformOverview::answer(loader, options.file, options.sections,
+                                       verdict ? &*verdict : nullptr)
+                  .text());
 }
 
 void run(const Options& options) {
     const bool color = wantsColor(options.color);
+    needToolRelease("show");
     const auto loader = loadFile("show", options.file);
+    if (options.json) return writeJson(options, *loader);
     const auto platform = loader->load();
     const Subject subject{
         *loader, *platform,
@@ -434,8 +455,7 @@ void run(const Options& options) {
     Screen screen(color, screenWidth(), !subject.whole);
     if (!subject.whole) screen.title(title(subject));
     for (const Section& section : SECTIONS) {
-        const bool wanted = std::find(options.sections.begin(), options.sections.end(),
-                                      section.name) != options.sections.end();
+        const bool wanted = isWanted(options, section.name);
         if (!wanted && subject.whole) continue;
         const std::size_t before = screen.sections();
         section.show(screen, subject);
@@ -450,12 +470,16 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::show(Command& command) {
-    command.description = "Show a platform on one screen";
+    command.description = "Show one platform to people, on one screen";
+    command.examples = {{"mav show card.pka", "what matters, on one screen"},
+                        {"mav show card.pka --section memories", "one section, whole"},
+                        {"mav show card.pka --json --section clocks", "the clocks for a script"}};
     command.notes = NOTES;
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.option("--section", &options.sections, "SECTION", "Only this section; may be repeated")
-        .oneOf("section", sectionNames());
+        .oneOf("section", PlatformOverview::sections());
+    command.typedJson(options.json);
     addColor(command, options.color, "auto (on a terminal, without NO_COLOR), always or never");
 }
 

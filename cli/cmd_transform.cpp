@@ -47,8 +47,10 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::transform(Command& command) {
-    command.description = "Make another document from a platform";
+    command.description = "Make another document from the description";
     command.notes = NOTES;
+    command.examples = {{"mav transform card.pka '{\"part\": \"hardwarePlatform.fpgaPart\"}'",
+                         "a document with one member"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.file, "Platform file");
     command.argument("SPEC", &options.spec, "Specification, or a file with it");

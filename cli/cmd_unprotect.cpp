@@ -32,8 +32,11 @@ void run(const Options& options) {
 }  // namespace
 
 void commands::unprotect(Command& command) {
-    command.description = "Decipher a support list";
+    command.description = "Decipher a file that was protected";
     command.notes = NOTES;
+    command.failed = "the file or the key cannot be read, or the file was changed";
+    command.examples = {
+        {"MAV_KEY_FILE=key mav unprotect achromatic", "its content on standard output"}};
     auto& options = command.runs(run);
     command.argument("IN", &options.source, "Protected file");
     command.argument("OUT", &options.target, "File to write; without it standard output").required =

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "Command.h"
+#include "Load.h"
 #include "Output.h"
 #include "RulePages.h"
 #include "Screen.h"
@@ -22,7 +23,9 @@ using Findings = HSTVector<CheckFinding>;
 
 constexpr const char* NOTES =
     "Looks at the platform file and all that it refers to, and prints every finding as\n"
-    "FILE:LINE:COLUMN: SEVERITY: SENTENCE [RULE]. The code is 1 when one of them is an error.\n";
+    "FILE:LINE:COLUMN: SEVERITY: SENTENCE [RULE].\n"
+    "Asks whether a platform is free of faults; 'mav verify' asks whether an archive still holds\n"
+    "the bytes that were packed, 'mav check' whether a tool release supports a platform.\n";
 
 struct Options {
     std::vector<std::string> files;
@@ -32,14 +35,13 @@ struct Options {
     std::string color;
 };
 
-/// The number of errors, with those that are not shown one by one.
-std::size_t errorsOf(const Findings& findings) {
-    std::size_t count = 0;
+/// The number of findings, with those that are not shown one by one.
+std::size_t count(const Findings& findings, CheckFinding::Severity severity) {
+    std::size_t sum = 0;
     for (const CheckFinding& finding : findings) {
-        if (finding.severity == CheckFinding::ERROR)
-            count += std::max<std::size_t>(finding.more, 1);
+        if (finding.severity == severity) sum += std::max<std::size_t>(finding.more, 1);
     }
-    return count;
+    return sum;
 }
 
 std::string plain(const Findings& findings, bool color) {
@@ -58,19 +60,26 @@ std::string plain(const Findings& findings, bool color) {
     return text;
 }
 
+JSONValue orNull(std::size_t number) {
+    return number > 0 ? JSONValue(number) : JSONValue(nullptr);
+}
+
 std::string json(const Findings& findings) {
     JSONValue list = JSONValue::list();
     for (const CheckFinding& finding : findings) {
         list.add(JSONValue::object()
-                     .add("file", finding.file)
-                     .add("line", finding.line)
-                     .add("column", finding.column)
+                     .addPath("file", finding.file)
+                     .add("line", orNull(finding.line))
+                     .add("column", orNull(finding.column))
                      .add("severity", PlatformCheck::severityText(finding.severity))
                      .add("rule", finding.rule)
-                     .add("text", finding.text));
+                     .add("text", finding.text)
+                     .add("more", finding.more));
     }
-    return JSONValue::object()
-        .add("errors", errorsOf(findings))
+    return JSONValue::answer("validate")
+        .add("errors", count(findings, CheckFinding::ERROR))
+        .add("warnings", count(findings, CheckFinding::WARNING))
+        .add("notes", count(findings, CheckFinding::NOTE))
         .add("findings", std::move(list))
         .text();
 }
@@ -178,6 +187,7 @@ bool run(const Options& options) {
         if (file.empty())
             throw UsageError("FILE is empty; give the path of a platform file.", "validate");
     }
+    needToolRelease("validate");
     const bool color = wantsColor(options.color);
     Findings all;
     for (const std::string& file : options.files) {
@@ -188,7 +198,7 @@ bool run(const Options& options) {
     }
     if (options.json) writeData(json(all));
     if (options.sarif) writeData(sarif(all));
-    const std::size_t errors = errorsOf(all);
+    const std::size_t errors = count(all, CheckFinding::ERROR);
     if (errors > 0) complain(summary(all, errors));
     return errors == 0;
 }
@@ -196,11 +206,15 @@ bool run(const Options& options) {
 }  // namespace
 
 void commands::validate(Command& command) {
-    command.description = "Find all that is wrong with platforms";
+    command.description = "Find all faults of platforms and of what they refer to";
     command.notes = NOTES;
+    command.no = "a finding is an error";
+    command.failed = "the result cannot be written";
+    command.examples = {{"mav validate card.qpfm", "every finding, a line each"},
+                        {"mav validate --explain digest", "the page about a rule"}};
     auto& options = command.runs(run);
     command.argument("FILE", &options.files, "Platform files").required = false;
-    command.flag("--json", options.json, "Print JSON");
+    command.typedJson(options.json);
     command.flag("--sarif", options.sarif, "Print SARIF 2.1.0");
     command.option("--explain", &options.rule, "RULE", "Print the page about a rule")
         .oneOf("rule", ruleNames());

@@ -4,14 +4,29 @@
 int main(int argc, char** argv) {
     using namespace cli::commands;
     static constexpr cli::Row TABLE[] = {
-        {"list", list},         {"dirs", dirs},           {"show", show},
-        {"validate", validate}, {"diff", diff},           {"json", json},
-        {"pack", pack},         {"files", files},         {"extract", extract},
-        {"add", add},           {"verify", verify},       {"get", get},
-        {"keys", keys},         {"dict", dict},           {"transform", transform},
-        {"doc", doc},           {"info", info},           {"check", check},
-        {"protect", protect},   {"unprotect", unprotect}, {"completion", completion},
-        {"manual", manual},
+        {"Look", "list", list},
+        {"Look", "dirs", dirs},
+        {"Look", "show", show},
+        {"Look", "info", info},
+        {"Look", "files", files},
+        {"Judge", "validate", validate},
+        {"Judge", "verify", verify},
+        {"Judge", "check", check},
+        {"Judge", "diff", diff},
+        {"Ask", "json", json},
+        {"Ask", "get", get},
+        {"Ask", "keys", keys},
+        {"Ask", "dict", dict},
+        {"Ask", "transform", transform},
+        {"Ask", "doc", doc},
+        {"Make", "pack", pack},
+        {"Change", "add", add},
+        {"Hand on", "extract", extract},
+        {"Hand on", "protect", protect},
+        {"Hand on", "unprotect", unprotect},
+        {"Shell", "help", help},
+        {"Shell", "completion", completion},
+        {"Shell", "manual", manual},
     };
     return cli::runProgram(TABLE, argc, argv);
 }

@@ -79,10 +79,31 @@ ComMsgSink* ComMsgMgr::setSink(ComMsgSink* sink) {
 }
 
 std::string ComMsgMgr::format(const ComMsg& message) {
-    const std::string_view key = catalogueKey(message.id);
     std::string line(label(message.mask));
-    line.append(": [").append(message.group).append(" ").append(key).append("] ");
-    const std::string_view known = sentence(key);
+    line.append(": [").append(message.group).append(" ").append(number(message)).append("] ");
+    return line + text(message);
+}
+
+std::string_view ComMsgMgr::number(const ComMsg& message) {
+    return catalogueKey(message.id);
+}
+
+std::string_view ComMsgMgr::severity(const ComMsg& message) {
+    switch (message.mask) {
+        case ERROR:
+            return "error";
+        case CRITICAL_WARNING:
+            return "critical warning";
+        case WARNING:
+            return "warning";
+        default:
+            return "info";
+    }
+}
+
+std::string ComMsgMgr::text(const ComMsg& message) {
+    std::string line;
+    const std::string_view known = sentence(number(message));
     if (!known.empty()) {
         appendSentence(line, known, message.args);
         return line;

@@ -25,6 +25,7 @@ namespace fs = std::filesystem;
 namespace {
 
 thread_local HUTDirWalkProgress* theProgress = nullptr;
+thread_local HUTDirWalkFilter* theFilter = nullptr;
 
 using mav_host::DirIdentity;
 using mav_host::DirItem;
@@ -122,6 +123,7 @@ class Walk {
             entry_.isDir = item.type == DT_DIR;
             if (item.type == DT_LNK && options_.followLinks && !follow()) continue;
             if (theProgress != nullptr) theProgress->visit(entry_.path);
+            if (theFilter != nullptr && !theFilter->passes(top_, entry_)) continue;
             if (!visit_(entry_)) return false;
             if (!entry_.isDir || entry_.depth >= options_.maxDepth) continue;
             enter(level.canonical && item.type == DT_DIR);
@@ -218,6 +220,14 @@ bool HUTDirWalk::walk(const std::string& dir, const Options& options, const Visi
 }
 
 HUTDirWalkProgress::~HUTDirWalkProgress() = default;
+HUTDirWalkFilter::~HUTDirWalkFilter() = default;
+
+HUTDirWalkFiltering::HUTDirWalkFiltering(HUTDirWalkFilter& filter)
+    : before_(std::exchange(theFilter, &filter)) {}
+
+HUTDirWalkFiltering::~HUTDirWalkFiltering() {
+    theFilter = before_;
+}
 
 HUTDirWalkProgress* HUTDirWalk::setProgress(HUTDirWalkProgress* progress) {
     return std::exchange(theProgress, progress);

@@ -20,6 +20,7 @@
 
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Printable.h"
 
 namespace fs = std::filesystem;
 
@@ -201,6 +202,23 @@ std::string HUTEnv::getProductName() {
 void HUTEnv::setProductName(const std::string& name) {
     const std::lock_guard<std::mutex> hold(theProductGuard);
     theProductName = name;
+}
+
+bool HUTEnv::isRelease(std::string_view text) {
+    const auto digits = [](std::string_view part) {
+        return !part.empty() && part.size() < 7 &&
+               part.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    const std::size_t dot = text.find('.');
+    return dot != std::string_view::npos && digits(text.substr(0, dot)) &&
+           digits(text.substr(dot + 1));
+}
+
+std::string HUTEnv::getReleaseFault() {
+    const char* const text = getEnv("MAV_TOOL_RELEASE");
+    if (theProvider != nullptr || text == nullptr || *text == '\0' || isRelease(text)) return "";
+    return "the variable MAV_TOOL_RELEASE is '" + mav_host::printable(text) +
+           "', which is no release; set it to a year and a number, such as 2026.1, or unset it.";
 }
 
 void HUTEnv::pinTimeZone() {

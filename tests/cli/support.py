@@ -12,6 +12,8 @@ import tempfile
 import termios
 import unittest
 
+from jsonschema import Draft202012Validator
+
 MAV = os.environ["MAV_BIN"]
 SOURCE = pathlib.Path(os.environ["MAV_SOURCE_DIR"])
 SAMPLES = pathlib.Path(os.path.realpath(os.environ["MAV_SAMPLES"]))
@@ -19,6 +21,33 @@ SAMPLES = pathlib.Path(os.path.realpath(os.environ["MAV_SAMPLES"]))
 # The platform files of the samples, as a user would name them.
 PLATFORMS = ["veltrin_h90/veltrin_h90.pka", "ostrivel_e7/ostrivel_e7.qpfm",
              "tessomar_r2/tessomar_r2.qpfm", "tessomar_r2/partition1/tessomar_r2_p1.dsa"]
+
+
+OUTPUT_SCHEMAS = SOURCE / "platform/schema/output"
+
+
+def fixed(schema):
+    """The schema with the members that it names alone: later releases may add some, this one does not."""
+    if isinstance(schema, list):
+        return [fixed(item) for item in schema]
+    if not isinstance(schema, dict):
+        return schema
+    made = {key: fixed(value) for key, value in schema.items()}
+    if made.get("type") == "object":
+        made["additionalProperties"] = False
+    return made
+
+
+def validate_answer(text):
+    """The typed answer of a command, held against its schema and the schema's order of members."""
+    answer = json.loads(text)
+    name = answer["schema"].removeprefix("mav.").removesuffix("/1")
+    schema = json.loads((OUTPUT_SCHEMAS / f"{name}.schema.json").read_text(encoding="utf-8"))
+    Draft202012Validator(fixed(schema)).validate(answer)
+    named = [key for key in schema["properties"] if key in answer]
+    if list(answer) != named:
+        raise AssertionError(f"members in another order than the schema's: {list(answer)}")
+    return answer
 
 
 def run(*command, **options):

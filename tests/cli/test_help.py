@@ -27,9 +27,11 @@ zpty -d shell
 
 def commands():
     """The commands that the help lists, each with the options that its own help lists."""
-    listed = run(MAV, "--help").stdout.decode().split("Subcommands:")[1].split("Exit codes")[0]
+    listed = run(MAV, "--help").stdout.decode().split("Options:")[1].split("Exit codes")[0]
     names = re.findall(r"^  (\w+) ", listed, re.MULTILINE)
     helps = {name: run(MAV, name, "--help").stdout.decode() for name in names}
+    assert all(f"Usage: mav {name} " in text and "\nExit codes:\n  0  done\n" in text
+               for name, text in helps.items())
     return {name: re.findall(r"^  (?:-\w,)?(--[\w-]+)", text, re.MULTILINE)
             for name, text in helps.items()}
 
@@ -72,6 +74,8 @@ class HelpTest(CommandTest):
             self.assertIn(name, self.offered(""))
             page = (BUILT / f"man1/mav-{name}.1").read_text().replace("\\-", "-")
             self.assertIn("--help", options)
+            self.assertRegex(page, r"EXIT STATUS\n(.*\n)*\.SH EXAMPLES\n\.TP\n\\fB.*mav")
+            self.assertEqual(self.mav("help", name)[0], self.mav(name, "--help")[0])
             for option in options:
                 self.assertIn(f"\\fB{option}\\fR", page, name)
             self.assertLessEqual(set(options), set(self.offered(name, "--")))

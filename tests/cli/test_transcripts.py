@@ -10,7 +10,7 @@ import re
 import sys
 import tempfile
 
-from support import MAV, SAMPLES, SOURCE, CommandTest, run
+from support import MAV, SAMPLES, SOURCE, CommandTest, run, validate_answer
 
 FOLDER = SOURCE / "tests/cli/transcripts"
 SCENE = "".join(f'{name}() {{ "$PYTHON" -B "$SCENE" {name} "$@"; }}\n'
@@ -34,6 +34,8 @@ class Transcripts(CommandTest):
         for i in range(len(calls)):
             out, err, code = ((folder / f"{i}{end}").read_bytes().decode(errors="backslashreplace")
                               for end in (".out", ".err", ""))
+            if out.startswith('{\n    "schema": "mav.') and out.endswith("\n}\n"):
+                validate_answer(out)
             out += "" if out.endswith("\n") or not out else "\n\\ no end of line\n"
             text = out + re.sub("^", "! ", err, flags=re.M).removesuffix("! ") + f"[{code.strip()}]\n"
             text = text.removesuffix("[0]\n")

@@ -21,7 +21,8 @@ files_in_place() {
     local missing=0 file
     for file in bin/mav include/mav_platform/mav_platform_c.h include/mav_host/HEXError.h \
         lib/libmav_platform.so share/mav lib/pkgconfig/mav-platform.pc \
-        lib/cmake/MavPlatform/MavPlatformConfig.cmake share/mav_platform/schema/hpfm.xsd \
+        lib/cmake/MavPlatform/MavPlatformConfig.cmake share/mav_platform/schema/hpfm.xsd share/doc/mav/docs/rules/digest.md \
+        share/mav_platform/schema/output/check.schema.json \
         share/mav_platform/schema/document.schema.json; do
         [[ -e "$prefix/$file" ]] || { echo "missing: $file"; missing=1; }
     done

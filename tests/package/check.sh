@@ -50,7 +50,7 @@ files_in_their_packages() {
         holds libmav-platform1 /usr/lib/libmav_platform.so.1 &&
         holds libmav-platform-dev /usr/lib/libmav_platform.so &&
         holds libmav-platform-dev /usr/share/mav_platform/schema/hpfm.xsd || return 1
-    holds mav /usr/share/man/man1/mav.1 && holds mav /usr/share/man/man1/mav-show.1 &&
+    holds mav /usr/share/doc/mav/docs/formats/metadata.md && holds mav /usr/share/man/man1/mav.1 && holds mav /usr/share/man/man1/mav-show.1 &&
         holds mav /usr/share/bash-completion/completions/mav &&
         holds mav /usr/share/zsh/vendor-completions/_mav &&
         holds mav /usr/share/fish/vendor_completions.d/mav.fish || return 1

@@ -47,6 +47,11 @@ class MAV_API ComMsgMgr {
     /// The report as one line, such as "ERROR: [platform 74-14] sentence". Control characters in
     /// arguments are shown as \xNN, so that a report stays one line.
     static std::string format(const ComMsg& message);
+    /// Its parts: the number such as "74-14" (part of `message.id`), the severity ("error",
+    /// "critical warning", "warning", "info") and the sentence.
+    static std::string_view number(const ComMsg& message);
+    static std::string_view severity(const ComMsg& message);
+    static std::string text(const ComMsg& message);
 
     /// The catalogue's sentence for "74-14" with %1, %2, … for the arguments; empty for an id that
     /// the catalogue does not hold.

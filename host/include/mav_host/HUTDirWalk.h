@@ -51,6 +51,27 @@ class MAV_API HUTDirWalk {
     static HUTDirWalkProgress* setProgress(HUTDirWalkProgress* progress);
 };
 
+/// Is asked of every entry that a walk comes to.
+class MAV_API HUTDirWalkFilter {
+  public:
+    virtual ~HUTDirWalkFilter();
+    /// False: the walk of the directory `top` passes over the entry and all that is below it.
+    virtual bool passes(const std::string& top, const HUTDirWalk::Entry& entry) = 0;
+};
+
+/// While one lives, the filter, which it does not own, is asked by the walks on its thread. The
+/// innermost one counts.
+class MAV_API HUTDirWalkFiltering {
+  public:
+    explicit HUTDirWalkFiltering(HUTDirWalkFilter& filter);
+    ~HUTDirWalkFiltering();
+    HUTDirWalkFiltering(const HUTDirWalkFiltering&) = delete;
+    HUTDirWalkFiltering& operator=(const HUTDirWalkFiltering&) = delete;
+
+  private:
+    HUTDirWalkFilter* before_;
+};
+
 /// While one lives, what walks on its thread see of directories is remembered: a second walk does
 /// not read them again, and HUTFile answers from it whether something exists, is a file or a
 /// directory, and what its canonical name is. A search asks the system once for each directory that

@@ -41,6 +41,13 @@ class MAV_API HUTEnv {
     static std::string getProductName();
     static void setProductName(const std::string& name);
 
+    /// Two numbers joined by a dot, such as 2026.1.
+    static bool isRelease(std::string_view text);
+    /// The sentence about a MAV_TOOL_RELEASE that is no release; empty when it is one, not set, or
+    /// the host has
+    /// another provider. Such a variable otherwise counts as far as it is a number.
+    static std::string getReleaseFault();
+
     /// Sets the variable TZ to ":/etc/localtime", which means the same zone, unless it is set. The
     /// C library otherwise asks the system about that file for each member of an archive that is
     /// opened, which takes half the time of opening a usual one. For the start of a program, before

@@ -7,8 +7,14 @@
 #include "mav_host/Export.h"
 #include "mav_host/HSTVector.h"
 #include "mav_platform/HMAVCatalogService.h"
+#include "mav_platform/JSONValue.h"
+#include "mav_platform/Verdict.h"
 
 namespace mav::platform {
+
+/// What is asked of the policy: whether a platform is supported, the same for one that is not
+/// synthesized yet, or whether a device support archive can be opened.
+enum class SupportQuestion { CARD, PRE_SYNTH, ARCHIVE };
 
 /// The support policy and the summary of a platform. The forms that take a path make a loader for
 /// it, whose exceptions pass; those that take a loader load only what it has not loaded yet.
@@ -33,6 +39,17 @@ class MAV_API NativeCatalogService : public CatalogService {
     bool isUnderWarranty(const std::string& path, HSTVector<std::string>& reasons,
                          std::string productName = "") const override;
 
+    /// What the policy answers to the question, with all that led there. Reports as the operations
+    /// above do. A platform whose array-engine project cannot be read is unsupported by the rule
+    /// "array-project"; `judgeByPolicy` does not look at that.
+    Verdict judge(PlatformLoader& loader, SupportQuestion question = SupportQuestion::CARD) const;
+    Verdict judgeByPolicy(PlatformLoader& loader,
+                          SupportQuestion question = SupportQuestion::CARD) const;
+    /// The verdict of `judge` for each tool release from the platform's own to two years on, in
+    /// their order, without reports; none for a platform without a release.
+    HSTVector<Verdict> matrix(PlatformLoader& loader,
+                              SupportQuestion question = SupportQuestion::CARD) const;
+
     /// The state of the loaded hardware platform is "pre_synth". Tells on the console which step
     /// failed: "Error: failed to acquire a platform loader.", "Error: failed to load platform." or
     /// "Error: failed to load the hardware platform.".
@@ -50,6 +67,8 @@ class MAV_API NativeCatalogService : public CatalogService {
     /// that speak of hardware. Leaves `info` empty for a platform that does not load.
     void getPlatformInfo_(PlatformLoader* loader, ptree& info, bool warranty,
                           bool partitions) const;
+    /// The summary with numbers and booleans as such, the partitions and the verdict.
+    mav_platform::JSONValue getTypedInfo(PlatformLoader& loader, const Verdict& verdict) const;
     /// The summary as pretty JSON text.
     std::string getAsJsonStr(PlatformLoader* loader, bool warranty, bool partitions) const override;
     std::string getAsJsonStr(const std::string& path, bool warranty,

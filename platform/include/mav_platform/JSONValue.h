@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "mav_host/Export.h"
+#include "mav_host/HSTVector.h"
 
 namespace mav_platform {
 
@@ -27,12 +28,21 @@ class MAV_API JSONValue {
 
     static JSONValue list() { return JSONValue(Kind::LIST); }
     static JSONValue object() { return JSONValue(Kind::OBJECT); }
+    static JSONValue list(const HSTVector<std::string>& texts);
+    /// The object that a command answers with: its first member is "schema": "mav.COMMAND/1".
+    static JSONValue answer(const std::string& command);
+    /// The number that the text is, digit by digit; null for a text that is no JSON number.
+    static JSONValue number(const std::string& text);
+    /// The text; null when it is empty.
+    static JSONValue orNull(const std::string& text);
 
-    /// Appends to a list, a member to an object, the member unless its text is empty. The answer is
-    /// this value. Throw std::logic_error for another kind of value.
+    /// Append an item to a list, a member to an object. The answer is this value. Throw
+    /// std::logic_error for another kind of value.
     JSONValue& add(JSONValue item);
     JSONValue& add(std::string name, JSONValue value);
-    JSONValue& addUnlessEmpty(std::string name, const std::string& text);
+    /// The member with the path, null when it is empty. Beside a path that is not UTF-8 stands its
+    /// base64 form: "pathBytes" for "file" and "path", NAME + "Bytes" for others.
+    JSONValue& addPath(const std::string& name, const std::string& path);
 
     /// The pretty form of the writers, with a line end. Members stand in the order of adding.
     std::string text() const;

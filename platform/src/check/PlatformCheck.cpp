@@ -273,12 +273,10 @@ void load(const std::string& path, const Walk& walk, Report& report) {
             all.push_back(partition->getHardwareEmulationPlatform());
         }
         all.erase(std::remove(all.begin(), all.end(), nullptr), all.end());
-        std::string reason;
         // The policy is about hardware.
-        if (!all.empty() &&
-            !mav::platform::NativeCatalogService().isUnderWarranty(&loader, reason)) {
-            report.add("release", {shownPath},
-                       reason.empty() ? "the platform is not supported" : reason);
+        if (!all.empty()) {
+            const auto verdict = mav::platform::NativeCatalogService().judgeByPolicy(loader);
+            if (!verdict.supported) report.add("release", {shownPath}, verdict.sentence());
         }
         // One that stands twice is read once.
         for (const HMAVHardwarePlatform* hardware : all) {

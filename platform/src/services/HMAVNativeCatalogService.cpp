@@ -2,6 +2,7 @@
 #include "mav_platform/HMAVNativeCatalogService.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/property_tree/ptree.hpp>
 #include <ostream>
 #include <set>
@@ -11,12 +12,14 @@
 #include "mav_host/HUTFile.h"
 #include "mav_host/Host.h"
 #include "mav_host/Messages.h"
+#include "mav_host/ReportScope.h"
 #include "mav_platform/HMAVEnv.h"
 #include "mav_platform/HMAVNativeObjectService.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/NativePlatformRepoService.h"
 #include "mav_platform/PlatformLoader.h"
 #include "mav_platform/PlatformParseException.h"
+#include "mav_platform/partitionsFault.h"
 #include "services/Summary.h"
 #include "services/SupportPolicy.h"
 
@@ -42,12 +45,6 @@ PlatformLoader loaderFor(const std::string& path) {
     return PlatformLoader(path, PlatformLoader::HW_METADATA_AUTO);
 }
 
-bool isPreSynth(const HMAVPlatform& platform) {
-    constexpr int PRE_SYNTH = 2;
-    const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
-    return hardware != nullptr && hardware->getState() == PRE_SYNTH;
-}
-
 /// The description files below the directories, each once also where links lead to it again.
 HSTVector<std::string> descriptionFiles(const std::string& directories) {
     HSTVector<std::string> found;
@@ -59,18 +56,69 @@ HSTVector<std::string> descriptionFiles(const std::string& directories) {
     return found;
 }
 
+/// Who asks: the tool's release, empty for a versionless tool, and the product.
+struct Asker {
+    std::string toolText;
+    std::string product;
+};
+
 /// The rules in their order; the first that decides ends the evaluation.
-bool judge(SupportPolicy& policy, const HMAVPlatform& platform, const std::string& toolText,
-           const std::string& product) {
+bool judgeCard(SupportPolicy& policy, const HMAVPlatform& platform, const Asker& asker) {
     if (!policy.isUnified()) return false;
     if (!policy.isForCards()) return true;
-    const Releases releases = releasesOf(platform, toolText, "2019.1", VERSIONLESS);
+    const Releases releases = releasesOf(platform, asker.toolText, "2019.1", VERSIONLESS);
     if (!policy.isNotNewer(releases)) return false;
     mav_host::report(mav_host::messages::JUDGED_FOR_RELEASE, releases.toolText);
     if (policy.hasExtendedWarranty(releases)) return true;
-    bool supported = false;
-    if (policy.isListed(product, supported)) return supported;
+    if (const SupportEntry* const entry = policy.listEntry(asker.product)) return entry->good;
     return policy.isInSupportedRange(releases);
+}
+
+bool judgePreSynth(SupportPolicy& policy, const HMAVPlatform& platform, const Asker& asker) {
+    if (!policy.isPreSynth() || !policy.isUnified()) return false;
+    const Releases releases = releasesOf(platform, asker.toolText, "2020.1", VERSIONLESS_PRE_SYNTH);
+    return policy.isNotNewer(releases) && policy.isOfSameRelease(releases);
+}
+
+bool judgeArchive(SupportPolicy& policy, const HMAVPlatform& platform, const Asker& asker) {
+    return policy.isUnified() &&
+           policy.isNotNewer(releasesOf(platform, asker.toolText, "2019.1", VERSIONLESS));
+}
+
+/// The policy's answer to the question.
+Verdict judged(const HMAVPlatform& platform, PlatformLoader& loader, SupportQuestion question,
+               const Asker& asker) {
+    static constexpr auto RULES = std::array{judgeCard, judgePreSynth, judgeArchive};
+    Verdict verdict;
+    verdict.toolRelease = asker.toolText;
+    const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
+    if (hardware != nullptr) verdict.platformRelease = hardware->getGeneratedVersion();
+    const bool isArchive = question == SupportQuestion::ARCHIVE;
+    SupportPolicy policy(platform, loader, isArchive ? "DSA" : "Platform", verdict);
+    verdict.supported = RULES[static_cast<std::size_t>(question)](policy, platform, asker);
+    return verdict;
+}
+
+/// What is asked over and over is told once, by the judgement itself.
+class Silence final : public mav_host::ReportScope {
+  public:
+    ~Silence() override { close(); }
+
+  private:
+    void onReport(const ComMsg&) override {}
+    void onLines(const std::string&) override {}
+};
+
+/// The releases from the platform's own to the same one two years on; a year has four at least.
+HSTVector<std::string> releasesFrom(const Release& first) {
+    const Release last{first.year + 2, first.number};
+    const int most = std::max(first.number, 4);
+    HSTVector<std::string> texts;
+    for (Release next = first; !(last < next);) {
+        texts.push_back(std::to_string(next.year) + "." + std::to_string(next.number));
+        next = next.number < most ? Release{next.year, next.number + 1} : Release{next.year + 1, 1};
+    }
+    return texts;
 }
 
 }  // namespace
@@ -94,9 +142,9 @@ bool NativeCatalogService::isUnderWarranty(PlatformLoader* loader, std::string& 
         tell(NOT_LOADED);
         return false;
     }
-    SupportPolicy policy(*platform, *loader, "Platform", reason);
-    return judge(policy, *platform, getCompilerVersion_(),
-                 product_ ? *product_ : HMAVEnv::getProductName());
+    const Verdict verdict = judgeByPolicy(*loader, SupportQuestion::CARD);
+    reason = verdict.reason;
+    return verdict.supported;
 }
 
 bool NativeCatalogService::isUnderWarranty(const std::string& path, std::string& reason,
@@ -137,7 +185,8 @@ bool NativeCatalogService::isPreSynthPlatform(PlatformLoader* loader) const {
         tell("Error: failed to load the hardware platform.");
         return false;
     }
-    return isPreSynth(*platform);
+    Verdict verdict;
+    return SupportPolicy(*platform, *loader, "Platform", verdict).isPreSynth();
 }
 
 bool NativeCatalogService::isPreSynthPlatformSupported(PlatformLoader* loader,
@@ -150,15 +199,9 @@ bool NativeCatalogService::isPreSynthPlatformSupported(PlatformLoader* loader,
             "respect to the tool flow.";
         return false;
     }
-    SupportPolicy policy(*platform, *loader, "Platform", reason);
-    if (!isPreSynth(*platform)) {
-        reason = policy.subject() + " is not a PRE_SYNTH platform";
-        return false;
-    }
-    if (!policy.isUnified()) return false;
-    const Releases releases =
-        releasesOf(*platform, getCompilerVersion_(), "2020.1", VERSIONLESS_PRE_SYNTH);
-    return policy.isNotNewer(releases) && policy.isOfSameRelease(releases);
+    const Verdict verdict = judgeByPolicy(*loader, SupportQuestion::PRE_SYNTH);
+    reason = verdict.reason;
+    return verdict.supported;
 }
 
 bool NativeCatalogService::isPreSynthPlatformSupported(const std::string& path,
@@ -175,14 +218,60 @@ bool NativeCatalogService::canDsaBeOpened(PlatformLoader* loader, std::string& r
         tell(NOT_LOADED);
         return false;
     }
-    SupportPolicy policy(*platform, *loader, "DSA", reason);
-    return policy.isUnified() &&
-           policy.isNotNewer(releasesOf(*platform, getCompilerVersion_(), "2019.1", VERSIONLESS));
+    const Verdict verdict = judgeByPolicy(*loader, SupportQuestion::ARCHIVE);
+    reason = verdict.reason;
+    return verdict.supported;
 }
 
 bool NativeCatalogService::canDsaBeOpened(const std::string& path, std::string& reason) const {
     PlatformLoader loader = loaderFor(path);
     return canDsaBeOpened(&loader, reason);
+}
+
+Verdict NativeCatalogService::judgeByPolicy(PlatformLoader& loader,
+                                            SupportQuestion question) const {
+    const Asker asker{getCompilerVersion_(), product_ ? *product_ : HMAVEnv::getProductName()};
+    if (const auto platform = loader.load()) return judged(*platform, loader, question, asker);
+    Verdict verdict;
+    verdict.toolRelease = asker.toolText;
+    verdict.reason = NOT_LOADED;
+    return verdict;
+}
+
+Verdict NativeCatalogService::judge(PlatformLoader& loader, SupportQuestion question) const {
+    const auto platform = loader.load();
+    Verdict verdict;
+    if (platform) verdict.reason = mav_platform::partitionsFault(*platform);
+    if (verdict.reason.empty()) return judgeByPolicy(loader, question);
+    verdict.rule = "array-project";
+    verdict.toolRelease = getCompilerVersion_();
+    return verdict;
+}
+
+HSTVector<Verdict> NativeCatalogService::matrix(PlatformLoader& loader,
+                                                SupportQuestion question) const {
+    const auto platform = loader.load();
+    const auto* const hardware = platform ? platform->getHardwarePlatform() : nullptr;
+    const Release first = Release::of(hardware != nullptr ? hardware->getGeneratedVersion() : "");
+    HSTVector<Verdict> verdicts;
+    if (first.year == 0) return verdicts;
+    const Silence silence;
+    NativeCatalogService other(*this);
+    for (const std::string& release : releasesFrom(first)) {
+        other.setTestCompilerVersion_(release);
+        verdicts.push_back(other.judge(loader, question));
+    }
+    return verdicts;
+}
+
+mav_platform::JSONValue NativeCatalogService::getTypedInfo(PlatformLoader& loader,
+                                                           const Verdict& verdict) const {
+    mav_platform::JSONValue info = mav_platform::JSONValue::answer("info");
+    if (const auto platform = loader.load()) {
+        Summary(*platform).addTo(info);
+        verdict.addTo(info);
+    }
+    return info;
 }
 
 void NativeCatalogService::getPlatformInfo_(PlatformLoader* loader, ptree& info, bool warranty,
@@ -193,9 +282,13 @@ void NativeCatalogService::getPlatformInfo_(PlatformLoader* loader, ptree& info,
         tell(NOT_LOADED);
         return;
     }
-    Warranty answer;
-    if (warranty) answer.supported = isUnderWarranty(loader, answer.reason);
-    summarise(*platform, warranty ? &answer : nullptr, partitions, info);
+    Summary summary(*platform);
+    if (warranty) {
+        std::string reason;
+        const bool supported = isUnderWarranty(loader, reason);
+        summary.addWarranty(supported, reason);
+    }
+    summary.addTo(info, partitions);
 }
 
 std::string NativeCatalogService::getAsJsonStr(PlatformLoader* loader, bool warranty,

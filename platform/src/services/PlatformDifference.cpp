@@ -208,10 +208,10 @@ std::string PlatformDifference::json(const Changes& changes) {
         list.add(JSONValue::object()
                      .add("kind", KINDS[change.kind])
                      .add("path", change.path)
-                     .addUnlessEmpty("from", change.from)
-                     .addUnlessEmpty("to", change.to));
+                     .add("from", JSONValue::orNull(change.from))
+                     .add("to", JSONValue::orNull(change.to)));
     }
-    return JSONValue::object()
+    return JSONValue::answer("diff")
         .add("differ", !changes.empty())
         .add("changes", std::move(list))
         .text();

@@ -13,18 +13,15 @@ namespace mav::platform {
 namespace {
 
 using boost::property_tree::ptree;
+using mav_platform::JSONValue;
 
-void put(ptree& info, const char* key, const std::string& value) {
-    info.push_back({key, ptree(HI18N_convertToUTF8(value))});
-}
-
-void put(ptree& info, const char* key, const char* value) {
-    put(info, key, std::string(value));
-}
-
-void put(ptree& info, const char* key, bool value) {
-    put(info, key, value ? "true" : "false");
-}
+/// One call for each kind of value.
+template <class... Calls>
+struct Each : Calls... {
+    using Calls::operator()...;
+};
+template <class... Calls>
+Each(Calls...) -> Each<Calls...>;
 
 /// The member that describes the hardware, as a path inside the archive.
 std::string hpfmFile(const HMAVHardwarePlatform* hardware) {
@@ -32,10 +29,10 @@ std::string hpfmFile(const HMAVHardwarePlatform* hardware) {
     return member.empty() ? "" : "<DSA>/" + member;
 }
 
-std::string clockCount(const HMAVHardwarePlatform* hardware) {
+std::size_t clockCount(const HMAVHardwarePlatform* hardware) {
     HSTVector<HMAVSystemClock*> clocks;
     if (hardware != nullptr) hardware->getSystemClocks(clocks);
-    return std::to_string(clocks.size());
+    return clocks.size();
 }
 
 std::string partArchitecture(const HMAVHardwarePlatform* hardware) {
@@ -47,45 +44,6 @@ std::string partArchitecture(const HMAVHardwarePlatform* hardware) {
 
 std::string arrayArchitecture(const HMAVHardwarePlatform* hardware) {
     return hardware != nullptr ? hardware->getDpeHardware().getArchAsString() : "";
-}
-
-void putState(ptree& info, const HMAVHardwarePlatform* hardware) {
-    put(info, "platformState", hardware != nullptr ? hardware->getPlatformState() : "");
-    put(info, "usesPR", hardware != nullptr && hardware->usesPR());
-}
-
-void putHardware(ptree& info, const HMAVHardwarePlatform* hardware,
-                 const HMAVHardwarePlatform* emulation) {
-    put(info, "hpfmFile", hpfmFile(hardware));
-    put(info, "systemClockCount", clockCount(hardware));
-    put(info, "hwEmuHpfmFile", hpfmFile(emulation));
-    put(info, "hwEmuSystemClockCount", clockCount(emulation));
-}
-
-void putArchitectures(ptree& info, const HMAVHardwarePlatform* hardware) {
-    put(info, "partArchitecture", partArchitecture(hardware));
-    put(info, "dpeArchitecture", arrayArchitecture(hardware));
-}
-
-ptree partitionInfo(const HMAVReconfigurablePartition& partition) {
-    const HMAVHardwarePlatform* const hardware = partition.getHardwarePlatform();
-    ptree info;
-    put(info, "id", std::to_string(partition.getID()));
-    putState(info, hardware);
-    put(info, "platformHwFile", partition.getHardwarePlatformFile());
-    put(info, "platformHwEmuFile", partition.getHardwareEmulationPlatformFile());
-    putHardware(info, hardware, partition.getHardwareEmulationPlatform());
-    putArchitectures(info, hardware);
-    return info;
-}
-
-void putPartitions(ptree& info, const HMAVPlatform& platform) {
-    HSTVector<HMAVReconfigurablePartition*> partitions;
-    platform.getReconfigurablePartitions(partitions);
-    if (partitions.empty()) return;
-    ptree& list = info.push_back({"reconfigurablePartitions", ptree()})->second;
-    for (const HMAVReconfigurablePartition* partition : partitions)
-        list.push_back({"", partitionInfo(*partition)});
 }
 
 /// Names and files of the platform; what it lacks is that of its default partition.
@@ -108,40 +66,108 @@ struct Files {
     std::string emulation;
 };
 
-void putIdentity(ptree& info, const HMAVPlatform& platform, const Files& files) {
-    put(info, "baseName", files.baseName);
-    put(info, "version", platform.getVersion());
-    put(info, "type", platform.getTypeString());
-    put(info, "dataCenter", platform.getDesignIntentDataCenter());
-    put(info, "embedded", platform.getDesignIntentEmbedded());
-    put(info, "externalHost", platform.getDesignIntentExternalHost());
-    put(info, "serverManaged", platform.getDesignIntentServerManaged());
-}
-
 }  // namespace
 
-void summarise(const HMAVPlatform& platform, const Warranty* warranty, bool partitions,
-               ptree& info) {
+void Summary::addState(const HMAVHardwarePlatform* hardware) {
+    add("platformState", hardware != nullptr ? hardware->getPlatformState() : "");
+    add("usesPR", hardware != nullptr && hardware->usesPR());
+}
+
+void Summary::addHardware(const HMAVHardwarePlatform* hardware,
+                          const HMAVHardwarePlatform* emulation) {
+    add("hpfmFile", hpfmFile(hardware));
+    add("systemClockCount", clockCount(hardware));
+    add("hwEmuHpfmFile", hpfmFile(emulation));
+    add("hwEmuSystemClockCount", clockCount(emulation));
+}
+
+void Summary::addArchitectures(const HMAVHardwarePlatform* hardware) {
+    add("partArchitecture", partArchitecture(hardware));
+    add("dpeArchitecture", arrayArchitecture(hardware));
+}
+
+Summary::Summary(const HMAVReconfigurablePartition& partition) {
+    const HMAVHardwarePlatform* const hardware = partition.getHardwarePlatform();
+    add("id", std::size_t{partition.getID()});
+    addState(hardware);
+    add("platformHwFile", Path{partition.getHardwarePlatformFile()});
+    add("platformHwEmuFile", Path{partition.getHardwareEmulationPlatformFile()});
+    addHardware(hardware, partition.getHardwareEmulationPlatform());
+    addArchitectures(hardware);
+}
+
+Summary::Summary(const HMAVPlatform& platform) {
     const HMAVHardwarePlatform* const hardware = platform.getHardwarePlatform();
-    const HMAVHardwarePlatform* const emulation = platform.getHardwareEmulationPlatform();
     const Files files(platform);
-    putIdentity(info, platform, files);
-    putState(info, hardware);
-    put(info, "platformFile", platform.getPlatformFile());
-    put(info, "platformHwFile", files.hardware);
-    put(info, "platformHwEmuFile", files.emulation);
-    putHardware(info, hardware, emulation);
-    if (partitions) putPartitions(info, platform);
-    put(info, "platformSwFile", platform.getSoftwarePlatformFile());
-    putArchitectures(info, hardware);
-    if (warranty != nullptr) {
-        put(info, "warranty", warranty->supported);
-        put(info, "warrantyReason", warranty->reason);
+    add("baseName", files.baseName);
+    add("version", platform.getVersion());
+    add("type", std::string(platform.getTypeString()));
+    add("dataCenter", platform.getDesignIntentDataCenter());
+    add("embedded", platform.getDesignIntentEmbedded());
+    add("externalHost", platform.getDesignIntentExternalHost());
+    add("serverManaged", platform.getDesignIntentServerManaged());
+    addState(hardware);
+    add("platformFile", Path{platform.getPlatformFile()});
+    add("platformHwFile", Path{files.hardware});
+    add("platformHwEmuFile", Path{files.emulation});
+    addHardware(hardware, platform.getHardwareEmulationPlatform());
+    HSTVector<HMAVReconfigurablePartition*> partitions;
+    platform.getReconfigurablePartitions(partitions);
+    std::vector<Summary> list;
+    for (const HMAVReconfigurablePartition* partition : partitions)
+        list.push_back(Summary(*partition));
+    add("reconfigurablePartitions", std::move(list));
+    add("platformSwFile", Path{platform.getSoftwarePlatformFile()});
+    addArchitectures(hardware);
+    warrantyPlace_ = members_.size();
+    add("hardware", platform.supportsHardware());
+    add("hardwareEmulation", platform.supportsHWEmulation());
+    add("twoHwEmuBd", platform.hasDistinctHardwareEmulationPlatform());
+    add("softwareEmulation", platform.supportsSWEmulation());
+}
+
+void Summary::addWarranty(bool supported, const std::string& reason) {
+    const auto place = members_.begin() + static_cast<std::ptrdiff_t>(warrantyPlace_);
+    members_.insert(place, {{"warranty", supported}, {"warrantyReason", reason}});
+}
+
+void Summary::addTo(ptree& info, bool partitions) const {
+    for (const auto& [key, value] : members_) {
+        const auto put = [&, name = key](const std::string& text) {
+            info.push_back({name, ptree(HI18N_convertToUTF8(text))});
+        };
+        const auto putList = [&, name = key](const std::vector<Summary>& list) {
+            if (!partitions || list.empty()) return;
+            ptree& items = info.push_back({name, ptree()})->second;
+            for (const Summary& item : list)
+                item.addTo(items.push_back({"", ptree()})->second, false);
+        };
+        std::visit(Each{[&](const std::string& text) { put(text); },
+                        [&](const Path& path) { put(path.text); },
+                        [&](bool yes) { put(yes ? "true" : "false"); },
+                        [&](std::size_t count) { put(std::to_string(count)); }, putList},
+                   value);
     }
-    put(info, "hardware", platform.supportsHardware());
-    put(info, "hardwareEmulation", platform.supportsHWEmulation());
-    put(info, "twoHwEmuBd", platform.hasDistinctHardwareEmulationPlatform());
-    put(info, "softwareEmulation", platform.supportsSWEmulation());
+}
+
+void Summary::addTo(JSONValue& info) const {
+    for (const auto& [key, value] : members_) {
+        const auto addList = [&, name = key](const std::vector<Summary>& list) {
+            JSONValue items = JSONValue::list();
+            for (const Summary& item : list) {
+                JSONValue object = JSONValue::object();
+                item.addTo(object);
+                items.add(std::move(object));
+            }
+            info.add(name, std::move(items));
+        };
+        std::visit(Each{[&, name = key](const std::string& text) {
+                            info.add(name, JSONValue::orNull(text));
+                        },
+                        [&, name = key](const Path& path) { info.addPath(name, path.text); },
+                        [&, name = key](auto plain) { info.add(name, plain); }, addList},
+                   value);
+    }
 }
 
 }  // namespace mav::platform

@@ -62,8 +62,11 @@ bool addEntries(const Node& root, std::string_view name, HSTVector<SupportEntry>
     for (const Node& list : root) {
         if (list.key() != name) continue;
         if (!isArray(list)) return false;
-        for (const Node& entry : list)
+        std::size_t place = 0;
+        for (const Node& entry : list) {
             if (!addEntry(entry, name == WHITE, out)) return false;
+            out.back().place = ++place;
+        }
     }
     return true;
 }

@@ -4,17 +4,9 @@
 #include <string>
 
 #include "mav_host/HSTVector.h"
+#include "mav_platform/Verdict.h"
 
 namespace mav::platform {
-
-/// One platform, or family of platforms, that is known to be good or bad.
-struct SupportEntry {
-    bool good = false;  ///< of the white list
-    HSTVector<std::string> products;
-    std::string key;  ///< object path into the platform's document
-    std::string value;
-    std::string reason;
-};
 
 /// ROOT/platforms/achromatic.
 std::string supportListPath();

@@ -66,12 +66,23 @@ Releases releasesOf(const HMAVPlatform& platform, const std::string& toolText,
 }
 
 SupportPolicy::SupportPolicy(const HMAVPlatform& platform, mav_platform::PlatformLoader& loader,
-                             const char* subject, std::string& reason)
+                             const char* subject, Verdict& verdict)
     : platform_(platform),
       loader_(loader),
       subject_(std::string(subject) + " '" +
                std::filesystem::path(loader.getFilePath()).filename().string() + "'"),
-      reason_(reason) {}
+      verdict_(verdict) {}
+
+bool SupportPolicy::refuse(const char* rule, std::string reason) {
+    verdict_.rule = rule;
+    verdict_.reason = std::move(reason);
+    return false;
+}
+
+bool SupportPolicy::pass(const char* rule) {
+    verdict_.rule = rule;
+    return true;
+}
 
 std::string SupportPolicy::versions(const Releases& releases) const {
     return subject_ + " (version " + releases.platformText + ") is not supported by the current " +
@@ -83,47 +94,52 @@ const mav_platform::json::Document& SupportPolicy::document() {
     return *document_;
 }
 
+bool SupportPolicy::isPreSynth() {
+    constexpr int PRE_SYNTH = 2;
+    const HMAVHardwarePlatform* const hardware = platform_.getHardwarePlatform();
+    if (hardware != nullptr && hardware->getState() == PRE_SYNTH) return pass("pre-synth");
+    return refuse("pre-synth", subject_ + " is not a PRE_SYNTH platform");
+}
+
 bool SupportPolicy::isUnified() {
-    if (platform_.isUnified()) return true;
-    reason_ = subject_ +
-              " is not a unified platform. By policy, non-unified platforms are not supported by "
-              "the current tool version";
-    return false;
+    if (platform_.isUnified()) return pass("unified");
+    return refuse("unified", subject_ +
+                                 " is not a unified platform. By policy, non-unified platforms are "
+                                 "not supported by the current tool version");
 }
 
 bool SupportPolicy::isNotNewer(const Releases& releases) {
-    if (!(releases.tool < releases.platform)) return true;
+    if (!(releases.tool < releases.platform)) return pass("not-newer");
     const char* const kind = subject_.starts_with("DSA") ? "DSA" : "platform";
-    reason_ = versions(releases) + BY_POLICY + "the " + kind +
-              " version can not be newer than the current tool version";
-    return false;
+    return refuse("not-newer", versions(releases) + BY_POLICY + "the " + kind +
+                                   " version can not be newer than the current tool version");
 }
 
 bool SupportPolicy::isOfSameRelease(const Releases& releases) {
-    if (releases.platform == releases.tool) return true;
-    reason_ = subject_ + " (version " + releases.platformText +
-              ") is a PRE_SYNTH platform and is not supported by the current tool version (" +
-              releases.toolText + BY_POLICY +
-              "platforms are only supported on the same tool release on which the platform was "
-              "created.";
-    return false;
+    if (releases.platform == releases.tool) return pass("same-release");
+    return refuse(
+        "same-release",
+        subject_ + " (version " + releases.platformText +
+            ") is a PRE_SYNTH platform and is not supported by the current tool version (" +
+            releases.toolText + BY_POLICY +
+            "platforms are only supported on the same tool release on which the platform "
+            "was created.");
 }
 
 bool SupportPolicy::isInSupportedRange(const Releases& releases) {
     if (releases.platform < FLOOR) {
-        reason_ =
-            versions(releases) + BY_POLICY + "the platform version can not be older than 2017.4";
-        return false;
+        return refuse("oldest-release", versions(releases) + BY_POLICY +
+                                            "the platform version can not be older than 2017.4");
     }
     const int year = releases.platform.year;
-    if (releases.tool.year == year || releases.tool.year - 1 == year) return true;
-    reason_ = versions(releases) + BY_POLICY +
-              "platforms are supported for the remainder of the calendar year release plus the "
-              "following calendar year release";
-    return false;
+    if (releases.tool.year == year || releases.tool.year - 1 == year) return pass("release-years");
+    return refuse("release-years", versions(releases) + BY_POLICY +
+                                       "platforms are supported for the remainder of the calendar "
+                                       "year release plus the following calendar year release");
 }
 
-bool SupportPolicy::isForCards() const {
+bool SupportPolicy::isForCards() {
+    verdict_.rule = "embedded";
     return platform_.getDesignIntentDataCenter() || platform_.getDesignIntentServerManaged() ||
            platform_.getDesignIntentExternalHost();
 }
@@ -139,24 +155,26 @@ bool SupportPolicy::hasExtendedWarranty(const Releases& releases) {
         mav_host::report(mav_host::messages::WARRANTY_UNREADABLE, error.what());
         return false;
     }
-    reason_ = subject_ + " has been explicitly enabled for this release with an extended warranty.";
-    return true;
+    verdict_.reason =
+        subject_ + " has been explicitly enabled for this release with an extended warranty.";
+    return pass("extended-warranty");
 }
 
-bool SupportPolicy::isListed(const std::string& product, bool& supported) {
-    const HSTVector<SupportEntry> entries = readSupportList();
-    if (entries.empty()) return false;
+const SupportEntry* SupportPolicy::listEntry(const std::string& product) {
+    HSTVector<SupportEntry> entries = readSupportList();
+    if (entries.empty()) return nullptr;
     const auto root = document().root();
     const auto entry = std::find_if(entries.begin(), entries.end(), [&](const SupportEntry& one) {
         return applies(one, product, root);
     });
-    if (entry == entries.end()) return false;
-    supported = entry->good;
-    reason_ = subject_ + " has been " +
-              (entry->good ? "explicitly enabled for this release."
-                           : "marked unsupported due to known issues.");
-    if (!entry->reason.empty()) reason_ += " Reason: " + entry->reason;
-    return true;
+    if (entry == entries.end()) return nullptr;
+    verdict_.rule = entry->good ? "white-list" : "black-list";
+    verdict_.reason = subject_ + " has been " +
+                      (entry->good ? "explicitly enabled for this release."
+                                   : "marked unsupported due to known issues.");
+    if (!entry->reason.empty()) verdict_.reason += " Reason: " + entry->reason;
+    verdict_.entry = std::move(*entry);
+    return &*verdict_.entry;
 }
 
 }  // namespace mav::platform

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "mav_platform/Verdict.h"
+
+namespace mav::platform {
+
+using mav_platform::JSONValue;
+
+namespace {
+
+const char* listName(const SupportEntry& entry) {
+    return entry.good ? "white_list" : "black_list";
+}
+
+JSONValue jsonOf(const SupportEntry& entry) {
+    return JSONValue::object()
+        .add("list", listName(entry))
+        .add("place", entry.place)
+        .add("products", JSONValue::list(entry.products))
+        .add("key", entry.key)
+        .add("value", entry.value)
+        .add("reason", JSONValue::orNull(entry.reason));
+}
+
+}  // namespace
+
+std::string Verdict::sentence() const {
+    std::string text = word();
+    if (!rule.empty()) text += " by rule '" + rule + "'";
+    if (entry) {
+        text += ", entry " + std::to_string(entry->place) + " of the " + listName(*entry) + " (" +
+                entry->key + " is '" + entry->value + "')";
+    }
+    return reason.empty() ? text : text + ": " + reason;
+}
+
+void Verdict::addTo(JSONValue& object) const {
+    object.add("verdict", word())
+        .add("rule", JSONValue::orNull(rule))
+        .add("reason", JSONValue::orNull(reason))
+        .add("listEntry", entry ? jsonOf(*entry) : JSONValue(nullptr))
+        .add("platformRelease", JSONValue::orNull(platformRelease))
+        .add("toolRelease", JSONValue::orNull(toolRelease));
+}
+
+}  // namespace mav::platform
