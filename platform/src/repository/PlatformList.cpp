@@ -2,7 +2,7 @@
 #include "mav_platform/PlatformList.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <map>
 #include <utility>
 
 #include "mav_host/HUTDirWalk.h"
@@ -58,7 +58,7 @@ std::string unmet(const PlatformRow& row, const PlatformFilter& filter) {
 }
 
 /// The description that each archive belongs to, the first in the list's order.
-using Owners = std::unordered_map<std::string, std::string>;
+using Owners = std::map<std::string, std::string>;
 
 Owners ownersIn(const HSTVector<HMAVPlatform*>& platforms) {
     Owners owners;
@@ -146,7 +146,7 @@ class PlatformList::Ignored final : public HUTDirWalkFilter {
     }
 
   private:
-    std::unordered_map<std::string, IgnoreRules> rules_;
+    std::map<std::string, IgnoreRules> rules_;
 };
 
 PlatformList::PlatformList(const HSTVector<std::string>& dirs, const PlatformFilter& filter) {
