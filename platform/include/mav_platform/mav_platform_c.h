@@ -227,9 +227,9 @@ typedef struct hmav_support_options {
 MAV_API int hmav_platform_support(hmav_platform* platform, const hmav_support_options* options,
                                   int* supported, char** reason, hmav_error** error) HMAV_NOEXCEPT;
 
-/* What differs between two platforms, as `mav diff --json` prints it: {"differ": true,
- * "changes": [{"kind": "changed", "path": ..., "from": ..., "to": ...}, ...]} with the kinds
- * changed, added and removed. Reports go to the session of the first. */
+/* What differs between two platforms, as `mav diff --json` prints it: {"schema": "mav.diff/1",
+ * "differ": true, "changes": [{"kind": "changed", "path": ..., "from": ..., "to": ...}, ...]} with
+ * the kinds changed, added and removed. Reports go to the session of the first. */
 MAV_API int hmav_difference(hmav_platform* first, hmav_platform* second, char** json,
                             hmav_error** error) HMAV_NOEXCEPT;
 

@@ -379,7 +379,9 @@ TEST(CInterface, ComparesTwoPlatforms) {
         opened(packArchive(dir, "b.pka", {{"pka.json", metadata("", "other")}}));
     char* text = nullptr;
     ASSERT_EQ(hmav_difference(first.get(), first.get(), &text, nullptr), HMAV_DONE);
-    EXPECT_EQ(take(text), "{\n    \"differ\": false,\n    \"changes\": []\n}\n");
+    EXPECT_EQ(
+        take(text),
+        "{\n    \"schema\": \"mav.diff\\/1\",\n    \"differ\": false,\n    \"changes\": []\n}\n");
     ASSERT_EQ(hmav_difference(first.get(), second.get(), &text, nullptr), HMAV_DONE);
     EXPECT_NE(take(text).find("\"to\": \"other\""), std::string::npos);
 }
