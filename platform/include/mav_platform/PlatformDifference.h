@@ -27,7 +27,8 @@ class MAV_API PlatformDifference {
     /// In the order of the first document, what was added behind its neighbours. Throws as
     /// NativeObjectService does for a platform without a whole document.
     static Changes between(const HMAVPlatform& first, const HMAVPlatform& second);
-    /// {"schema": "mav.diff/1", "differ": true, "changes": [{"kind": "changed", "path": ..., "from": ..., "to": ...}]}
+    /// {"schema": "mav.diff/1", "differ": true, "changes": [{"kind": "changed", "path": ...,
+    /// "from": ..., "to": ...}]}
     static std::string json(const Changes& changes);
 };
 
