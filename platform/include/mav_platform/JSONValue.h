@@ -36,10 +36,11 @@ class MAV_API JSONValue {
     /// The text; null when it is empty.
     static JSONValue orNull(const std::string& text);
 
-    /// Append an item to a list, a member to an object. The answer is this value. Throw
-    /// std::logic_error for another kind of value.
+    /// Append an item to a list, a member to an object, or one unless its text is empty. The answer
+    /// is this value. Throw std::logic_error for another kind of value.
     JSONValue& add(JSONValue item);
     JSONValue& add(std::string name, JSONValue value);
+    JSONValue& addUnlessEmpty(std::string name, const std::string& text);
     /// The member with the path, null when it is empty. Beside a path that is not UTF-8 stands its
     /// base64 form: "pathBytes" for "file" and "path", NAME + "Bytes" for others.
     JSONValue& addPath(const std::string& name, const std::string& path);

@@ -87,6 +87,10 @@ JSONValue& JSONValue::add(std::string name, JSONValue value) {
     return *this;
 }
 
+JSONValue& JSONValue::addUnlessEmpty(std::string name, const std::string& text) {
+    return text.empty() ? *this : add(std::move(name), text);
+}
+
 JSONValue& JSONValue::addPath(const std::string& name, const std::string& path) {
     add(name, orNull(path));
     if (HI18N_isUTF8(path)) return *this;
