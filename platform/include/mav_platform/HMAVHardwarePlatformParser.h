@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -9,6 +10,7 @@
 
 class HMAVHardwarePlatform;
 class HMAVPlatform;
+class HPLPlatform;
 
 /// Finds bare archives, those that no platform description accompanies, and turns each into a
 /// hardware platform in a container of its own. Nothing is kept between calls.
@@ -17,6 +19,11 @@ class MAV_API HMAVHardwarePlatformParser {
     using Platforms = HSTVector<HMAVHardwarePlatform*>;
     /// Containers under the canonical path of their archive.
     using Containers = std::unordered_map<std::string, HMAVPlatform*>;
+
+    /// What one search has read for descriptions, by canonical path: hardware platforms that were
+    /// read without a report and that read nothing on demand. A bare archive among them is not read
+    /// again; its container shares the hardware platform.
+    using Parsed = std::unordered_map<std::string, std::shared_ptr<HPLPlatform>>;
 
     /// Scans each directory that exists, in order, all levels deep, without following links to
     /// directories; then merges what was found into `platforms`: an older entry with the unique
@@ -41,18 +48,26 @@ class MAV_API HMAVHardwarePlatformParser {
     static void loadBareHardwarePlatforms(const HSTVector<std::string>& directories,
                                           Platforms& platforms, Containers& seen, bool filterByVbnv,
                                           HSTVector<Unsearched>& unsearched);
+    static void loadBareHardwarePlatforms(const HSTVector<std::string>& directories,
+                                          Platforms& platforms, Containers& seen, bool filterByVbnv,
+                                          HSTVector<Unsearched>& unsearched, const Parsed& parsed);
 
     /// Reads one archive into a new hardware platform of `platform`, which owns it and has yet to
     /// attach it. An archive whose metadata cannot be read is reported, its hardware platform is
     /// answered as far as it came, and `platform` is marked bad with the reason. Null for a null
     /// container alone.
     static HMAVHardwarePlatform* addPlatform(const std::string& file, HMAVPlatform* platform);
+    /// The same; adds to `parsed` what may be shared.
+    static HMAVHardwarePlatform* addPlatform(const std::string& file, HMAVPlatform* platform,
+                                             Parsed& parsed);
 
   private:
-    static HMAVHardwarePlatform* parseDSAFile_(const std::string& file, HMAVPlatform* platform);
+    static std::shared_ptr<HPLPlatform> parseDSAFile_(const std::string& file,
+                                                      HMAVPlatform* platform);
     static bool parseBareDSAFiles_(const std::string& dir, Platforms& found, Containers& seen,
-                                   HSTVector<Unsearched>& unsearched);
-    static void parseBareDSAFile_(const std::string& path, Platforms& found, Containers& seen);
+                                   HSTVector<Unsearched>& unsearched, const Parsed& parsed);
+    static void parseBareDSAFile_(const std::string& path, Platforms& found, Containers& seen,
+                                  const Parsed& parsed);
     static void filterByVBNV_(const Platforms& candidates, Platforms& accepted);
     static void addPlatforms_(const Platforms& additions, Platforms& platforms);
 };

@@ -37,10 +37,14 @@ class MAV_API HMAVPlatform : public mav_platform::JSONSerializable {
     std::shared_ptr<HPLPlatform> createMutableHardwarePlatform();
     std::shared_ptr<HMAVSoftwarePlatform> createMutableSoftwarePlatform();
 
-    /// Attach an object that this platform created. For any other, null included, they throw
-    /// HEXAlgException and change nothing: "invalid set hardware platform", "set invalid hardware
-    /// emulation platform", "invalid set default RP hardware platform", "set invalid hardware
-    /// emulation platform", "added invalid software platform".
+    /// Takes a part in the ownership of a hardware platform that another platform created, and then
+    /// accepts it for attaching like its own. Not null.
+    void shareHardwarePlatform(const std::shared_ptr<HPLPlatform>& hardware);
+
+    /// Attach an object that this platform created or shares. For any other, null included, they
+    /// throw HEXAlgException and change nothing: "invalid set hardware platform", "set invalid
+    /// hardware emulation platform", "invalid set default RP hardware platform", "set invalid
+    /// hardware emulation platform", "added invalid software platform".
     void setHardwarePlatform(HMAVHardwarePlatform* platform);
     void setHardwareEmulationPlatform(HMAVHardwarePlatform* platform);
     void setDefaultRPHardwarePlatform(HMAVHardwarePlatform* platform);

@@ -15,6 +15,7 @@
 class HMAVHardwarePlatform;
 class HMAVPlatform;
 class HMAVReconfigurablePartition;
+class HPLPlatform;
 
 /// The repository of platforms: finds them in search directories, holds them, answers look-ups, and
 /// gathers what was wrong as texts.
@@ -154,6 +155,9 @@ class MAV_API HMAVPlatformMgr {
     std::unordered_map<std::string, std::size_t> refusalOfFile_;  ///< its place in the list
     HSTVector<std::string> faulty_;   ///< of the description that is being loaded
     HSTVector<std::string> reasons_;  ///< of that description, lines for its refusal
+    /// By canonical path, what the search at hand has read for descriptions; empty between
+    /// searches.
+    std::unordered_map<std::string, std::shared_ptr<HPLPlatform>> parsed_;
     MAVProjectType projectType_ = MAVProjectType::MAV;
     HSTVector<std::string> boardRepoPaths_;
     std::unique_ptr<HBOBoardCDataManager> boardDataMgr_;

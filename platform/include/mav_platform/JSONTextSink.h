@@ -13,6 +13,7 @@ class JSONWriter;
 
 namespace mav_platform::json {
 
+class Document;
 struct KeyLook;
 struct KeyPlace;
 class KeySet;
@@ -70,9 +71,17 @@ class TextSink {
     /// Moves the whole text to `out` and leaves the sink empty.
     void drainTo(char* out);
 
+    /// From its beginning on, takes members as the cells of a document; what needs a tree throws.
+    void becomeCompact();
+    /// The document that was filled, which leaves the sink of no use.
+    Document takeDocument();
+
   private:
     std::size_t memberRoom(std::string_view key) const;
     char* putMemberStart(char* out, std::string_view key, KeyPlace& place) const;
+    void beginCompact(std::string_view key, const KeyLook& look);
+    bool addCompact(std::string_view key, std::uint64_t hash, std::string_view value,
+                    Existing existing);
     void makeRoomForKey();
     bool knows(const KeyPlace& place);
     void remember(const KeyPlace& place) noexcept;
@@ -84,6 +93,7 @@ class TextSink {
     std::uint64_t keyMask_ = 0;
     std::unique_ptr<KeySet> manyKeys_;
     std::uint32_t depth_ = 0;
+    std::uint32_t cell_ = 0;  ///< the level's own, in a compact document
     const bool list_;
     bool ownsText_ = true;
     bool keyed_ = false;  ///< the level stands under a key

@@ -4,6 +4,7 @@
 #include <boost/property_tree/ptree_fwd.hpp>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,7 +17,9 @@ namespace mav_platform {
 
 class JSONSerializable;
 namespace json {
+class Document;
 class TreeSink;
+std::optional<Document> compactDocument(const JSONSerializable& object);
 }  // namespace json
 
 /// Common base of the writers. To its users a writer is a property tree of texts. Inside, members
@@ -78,6 +81,7 @@ class MAV_API JSONWriter {
     void addObjectAt(std::string_view key, const JSONSerializable* object);
 
   private:
+    friend std::optional<json::Document> json::compactDocument(const JSONSerializable& object);
     static json::TextSink begun(JSONWriter& child, JSONWriter& parent, std::string_view key,
                                 bool list);
     void settle() const;

@@ -13,9 +13,14 @@
 
 #include "json/GrowingMemory.h"
 
+namespace mav_platform {
+class JSONSerializable;
+}
+
 namespace mav_platform::json {
 
 class Node;
+class TextSink;
 
 /// What a node is in the text, whatever its children are called.
 enum class Kind : std::uint8_t { SCALAR, LIST, OBJECT };
@@ -67,6 +72,12 @@ class Document {
     boost::property_tree::ptree tree() const;
 
   private:
+    friend class TextSink;
+    template <class Owner>
+    Document(std::shared_ptr<Owner> owner, GrowingMemory cells)
+        : owner_(std::move(owner)),
+          text_(static_cast<const Owner*>(owner_.get())->data()),
+          cells_(std::move(cells)) {}
     void parse(char* text, std::size_t size, std::string_view fileName, unsigned maxDepth);
 
     std::shared_ptr<void> owner_;
@@ -155,6 +166,10 @@ inline std::size_t Node::offset() const {
 inline Node::Iterator Node::end() const {
     return Iterator(Node(text_, cell_ + cell_->span));
 }
+
+/// The document that an object writes of itself, as the constructor reads it from the text, but
+/// without the text. Nothing when writing it needs a property tree, or when it would be too large.
+std::optional<Document> compactDocument(const JSONSerializable& object);
 
 inline Node Document::root() const {
     return {text_, static_cast<const Cell*>(static_cast<const void*>(cells_.data()))};

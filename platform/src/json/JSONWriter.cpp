@@ -107,6 +107,18 @@ std::unique_ptr<char[]> JSONWriter::newText() {
     return result;
 }
 
+std::optional<json::Document> json::compactDocument(const JSONSerializable& object) {
+    JSONObjectWriter writer;
+    TextSink& sink = static_cast<JSONWriter&>(writer).text_;
+    sink.becomeCompact();
+    try {
+        object.toJSON(writer);
+        return sink.takeDocument();
+    } catch (const NotCompact&) {
+        return std::nullopt;
+    }
+}
+
 // ---- children ----
 
 void JSONWriter::finish() {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "json/CompactText.h"
 #include "json/KeyPlaces.h"
 #include "json/TextBuffer.h"
 #include "mav_platform/JSONTextSink.h"
@@ -12,8 +14,9 @@ namespace mav_platform::json {
 /// What a writer and the open children below it share.
 struct SharedText {
     TextBuffer text;
-    std::vector<KeyPlace> keys;  ///< of the open levels, the innermost last
-    JSONWriter* active;          ///< the innermost open writer
+    std::vector<KeyPlace> keys;       ///< of the open levels, the innermost last
+    JSONWriter* active;               ///< the innermost open writer
+    std::unique_ptr<CellList> cells;  ///< of a compact document; null for JSON text
 };
 
 inline JSONWriter*& TextSink::active() const {

@@ -46,6 +46,11 @@ TextSink::TextSink(JSONWriter& writer, TextSink& parent, std::string_view key, c
       ownsText_(false),
       keyed_(!parent.list_) {
     parent.makeRoomForKey();
+    if (shared_->cells) {
+        beginCompact(key, look);
+        shared_->active = &writer;
+        return;
+    }
     KeyPlace place{look.hash};
     char* out = parent.putMemberStart(shared_->text.room(parent.memberRoom(key)), key, place);
     *out++ = list ? '[' : '{';
@@ -62,16 +67,21 @@ TextSink::~TextSink() {
 }
 
 void TextSink::close(TextSink& parent) {
-    TextBuffer& text = shared_->text;
-    char* out = putLineStart(text.room(INDENT * depth_ + 2), depth_);
-    *out++ = list_ ? ']' : '}';
-    text.commit(out);
+    if (shared_->cells) {
+        shared_->cells->close(cell_);
+    } else {
+        TextBuffer& text = shared_->text;
+        char* out = putLineStart(text.room(INDENT * depth_ + 2), depth_);
+        *out++ = list_ ? ']' : '}';
+        text.commit(out);
+    }
     shared_->keys.resize(firstKey_);
     if (keyed_) parent.keyMask_ |= maskBit(shared_->keys.back().hash);
 }
 
 void TextSink::forget() noexcept {
     shared_->text.truncate(mark_);
+    if (shared_->cells) shared_->cells->truncate(cell_);
     shared_->keys.resize(keyed_ ? firstKey_ - 1 : firstKey_);
 }
 
@@ -96,6 +106,7 @@ void TextSink::moveApart(JSONWriter& writer, JSONWriter* parent) {
 // ---- the whole ----
 
 TextSink::ptree TextSink::tree() const {
+    if (shared_->cells) throw NotCompact();
     ptree tree;
     parseRendered(shared_->text.view().substr(start_), list_, tree);
     return tree;
@@ -147,6 +158,7 @@ std::size_t TextSink::memberRoom(std::string_view key) const {
 
 bool TextSink::addScalar(std::string_view key, std::uint64_t hash, std::string_view value,
                          Existing existing) {
+    if (shared_->cells) return addCompact(key, hash, value, existing);
     makeRoomForKey();
     KeyPlace place{hash};
     char* out = shared_->text.room(memberRoom(key) + escapeRoom(value));
@@ -161,6 +173,7 @@ bool TextSink::addScalar(std::string_view key, std::uint64_t hash, std::string_v
 }
 
 void TextSink::addCopy(std::string_view key, const TextSink& sub) {
+    if (shared_->cells || sub.shared_->cells) throw NotCompact();
     makeRoomForKey();
     const std::string_view body = sub.shared_->text.view().substr(sub.start_);
     const std::size_t to = INDENT * (std::size_t{depth_} + 1);
@@ -185,6 +198,7 @@ void TextSink::addCopy(std::string_view key, const TextSink& sub) {
 }
 
 bool TextSink::addTree(std::string_view key, const ptree& sub) {
+    if (shared_->cells) throw NotCompact();
     makeRoomForKey();
     TextBuffer& text = shared_->text;
     const std::size_t before = text.size();
@@ -204,6 +218,58 @@ bool TextSink::addTree(std::string_view key, const ptree& sub) {
         text.truncate(before);
     }
     return done;
+}
+
+// ---- compact documents ----
+
+namespace {
+
+std::uint32_t offset32(std::size_t offset) {
+    if (offset > Document::MAX_SIZE) throw NotCompact();
+    return static_cast<std::uint32_t>(offset);
+}
+
+}  // namespace
+
+void TextSink::becomeCompact() {
+    shared_->cells = std::make_unique<CellList>();
+    shared_->cells->add(Kind::OBJECT, 0, 0, 0);
+}
+
+Document TextSink::takeDocument() {
+    shared_->cells->close(0);
+    return Document(std::make_shared<TextBuffer>(std::move(shared_->text)), shared_->cells->take());
+}
+
+/// The level of a child, under its key.
+void TextSink::beginCompact(std::string_view key, const KeyLook& look) {
+    TextBuffer& text = shared_->text;
+    if (!keyed_) key = {};
+    char* const out = text.room(key.size());
+    text.commit(out + key.copy(out, key.size()));
+    cell_ = shared_->cells->add(list_ ? Kind::LIST : Kind::OBJECT, offset32(mark_),
+                                offset32(key.size()), 0);
+    start_ = text.size();
+    if (keyed_) shared_->keys.push_back({look.hash, mark_, key.size()});
+    firstKey_ = shared_->keys.size();
+}
+
+bool TextSink::addCompact(std::string_view key, std::uint64_t hash, std::string_view value,
+                          Existing existing) {
+    makeRoomForKey();
+    TextBuffer& text = shared_->text;
+    if (list_) key = {};
+    const std::size_t at = text.size();
+    char* const out = text.room(key.size() + value.size());
+    key.copy(out, key.size());
+    const KeyPlace place{hash, at, key.size()};
+    if (existing == Existing::REPLACED && knows(place)) return false;
+    value.copy(out + key.size(), value.size());
+    text.commit(out + key.size() + value.size());
+    offset32(text.size());
+    shared_->cells->add(Kind::SCALAR, offset32(at), offset32(key.size()), offset32(value.size()));
+    remember(place);
+    return true;
 }
 
 // ---- keys ----

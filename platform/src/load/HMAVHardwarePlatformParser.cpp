@@ -8,12 +8,46 @@
 #include "archive/OpenArchives.h"
 #include "mav_host/HUTDirWalk.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Host.h"
 #include "mav_host/Messages.h"
+#include "mav_host/ReportScope.h"
 #include "mav_platform/HMAVDsaJsonReader.h"
 #include "mav_platform/HMAVDsaXmlReader.h"
 #include "mav_platform/HMAVPlatform.h"
+#include "mav_platform/HPLPlatform.h"
 
 namespace {
+
+/// Passes on all that is told, and knows whether there was anything.
+class Listener final : public mav_host::ReportScope {
+  public:
+    ~Listener() override { close(); }
+    bool heardNothing() {
+        flush();
+        return !heard_;
+    }
+
+  private:
+    void onReport(const ComMsg& message) override {
+        heard_ = true;
+        ComMsgMgr::sendMsg(message.level, message.group, message.mask, message.id, message.args);
+    }
+    void onLines(const std::string& text) override {
+        heard_ = true;
+        mav_host::console() << text << std::flush;
+    }
+    bool heard_ = false;
+};
+
+/// True for a platform that reads nothing on the first question: what it would report is reported
+/// once for each owner.
+bool isReadWhole(const HPLPlatform& hardware) {
+    if (hardware.hasFile(HMAVPfmFileTypes::DPEPRJ)) return false;
+    // Nothing is left that a question would note down: the owners may ask in different threads.
+    hardware.initDpePartitions();
+    hardware.isMemoryResourceIndexed();
+    return true;
+}
 
 /// A description of the archive's name stands beside the archive.
 bool isDescribed(const std::string& path, const std::string& extension) {
@@ -43,9 +77,15 @@ void HMAVHardwarePlatformParser::loadBareHardwarePlatforms(
 void HMAVHardwarePlatformParser::loadBareHardwarePlatforms(
     const HSTVector<std::string>& directories, Platforms& platforms, Containers& seen,
     bool filterByVbnv, HSTVector<Unsearched>& unsearched) {
+    loadBareHardwarePlatforms(directories, platforms, seen, filterByVbnv, unsearched, {});
+}
+
+void HMAVHardwarePlatformParser::loadBareHardwarePlatforms(
+    const HSTVector<std::string>& directories, Platforms& platforms, Containers& seen,
+    bool filterByVbnv, HSTVector<Unsearched>& unsearched, const Parsed& parsed) {
     Platforms found;
     for (const std::string& dir : directories) {
-        if (HUTFile::isDir(dir)) parseBareDSAFiles_(dir, found, seen, unsearched);
+        if (HUTFile::isDir(dir)) parseBareDSAFiles_(dir, found, seen, unsearched, parsed);
     }
     if (!filterByVbnv) {
         addPlatforms_(found, platforms);
@@ -58,11 +98,23 @@ void HMAVHardwarePlatformParser::loadBareHardwarePlatforms(
 
 HMAVHardwarePlatform* HMAVHardwarePlatformParser::addPlatform(const std::string& file,
                                                               HMAVPlatform* platform) {
-    return platform != nullptr ? parseDSAFile_(file, platform) : nullptr;
+    return platform != nullptr ? parseDSAFile_(file, platform).get() : nullptr;
 }
 
-HMAVHardwarePlatform* HMAVHardwarePlatformParser::parseDSAFile_(const std::string& file,
-                                                                HMAVPlatform* platform) {
+HMAVHardwarePlatform* HMAVHardwarePlatformParser::addPlatform(const std::string& file,
+                                                              HMAVPlatform* platform,
+                                                              Parsed& parsed) {
+    if (platform == nullptr) return nullptr;
+    Listener listener;
+    const std::shared_ptr<HPLPlatform> hardware = parseDSAFile_(file, platform);
+    if (hardware->isMetadataRead() && listener.heardNothing() && isReadWhole(*hardware)) {
+        parsed.emplace(hardware->getPlatformFile(), hardware);
+    }
+    return hardware.get();
+}
+
+std::shared_ptr<HPLPlatform> HMAVHardwarePlatformParser::parseDSAFile_(const std::string& file,
+                                                                       HMAVPlatform* platform) {
     using Mode = HMAVDsaJsonReader::Mode;
     mav_platform::OpenArchives archives;
     const std::shared_ptr<HPLPlatform> first = platform->createMutableHardwarePlatform();
@@ -71,25 +123,26 @@ HMAVHardwarePlatform* HMAVHardwarePlatformParser::parseDSAFile_(const std::strin
     if (reader.canParse(file, Mode::HW_METADATA_AUTO, member)) {
         // What is wrong with the member has been reported; of another kind the archive is not.
         if (!reader.parseMember(file, member)) markBad(*platform, file, reader.getErrorMsg());
-        return first.get();
+        return first;
     }
     if (!HUTFile::exists(file)) {
         markBad(*platform, file, "the file does not exist");
-        return first.get();
+        return first;
     }
     const std::shared_ptr<HPLPlatform> second = platform->createMutableHardwarePlatform();
     HMAVDsaXmlReader xmlReader(file, second.get(), &archives);
     if (!xmlReader.parseDSA()) {
         markBad(*platform, file, xmlReader.getErrorMsg());
-        return first.get();
+        return first;
     }
     second->setPlatformFile(HUTFile::getCanonicalName(file));
-    return second.get();
+    return second;
 }
 
 bool HMAVHardwarePlatformParser::parseBareDSAFiles_(const std::string& dir, Platforms& found,
                                                     Containers& seen,
-                                                    HSTVector<Unsearched>& unsearched) {
+                                                    HSTVector<Unsearched>& unsearched,
+                                                    const Parsed& parsed) {
     if (!HUTFile::exists(dir)) {
         mav_host::report(mav_host::messages::NO_SUCH_DIRECTORY, dir);
         return false;
@@ -99,7 +152,7 @@ bool HMAVHardwarePlatformParser::parseBareDSAFiles_(const std::string& dir, Plat
             const std::string extension = HUTPathUtils::extension(entry.path);
             if (HMAVHardwarePlatform::isValidPlatformExt(extension) &&
                 !isDescribed(entry.path, extension)) {
-                parseBareDSAFile_(entry.path, found, seen);
+                parseBareDSAFile_(entry.path, found, seen, parsed);
             }
             return true;
         });
@@ -111,15 +164,18 @@ bool HMAVHardwarePlatformParser::parseBareDSAFiles_(const std::string& dir, Plat
 }
 
 void HMAVHardwarePlatformParser::parseBareDSAFile_(const std::string& path, Platforms& found,
-                                                   Containers& seen) {
+                                                   Containers& seen, const Parsed& parsed) {
     const std::string file = HUTFile::getCanonicalName(path);
     auto recorded = seen.find(file);
     if (recorded == seen.end()) {
         auto container = std::make_unique<HMAVPlatform>();
-        HMAVHardwarePlatform* const hardware = parseDSAFile_(path, container.get());
+        const auto shared = parsed.find(file);
+        if (shared != parsed.end()) container->shareHardwarePlatform(shared->second);
+        const std::shared_ptr<HPLPlatform> hardware =
+            shared != parsed.end() ? shared->second : parseDSAFile_(path, container.get());
         // What leads nowhere was never opened.
         if (hardware->getPlatformFile().empty()) hardware->setPlatformFile(file);
-        container->setHardwarePlatform(hardware);
+        container->setHardwarePlatform(hardware.get());
         container->setPartial(true);
         container->setPlatformFile(hardware->getPlatformFile());
         recorded = seen.emplace(file, container.get()).first;

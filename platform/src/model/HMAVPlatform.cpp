@@ -26,10 +26,14 @@ HMAVPlatform::~HMAVPlatform() {
 
 std::shared_ptr<HPLPlatform> HMAVPlatform::createMutableHardwarePlatform() {
     auto platform = std::make_shared<HPLPlatform>();
-    const auto index = static_cast<unsigned>(ownedHardwarePlatforms_.size());
-    ownedHardwarePlatforms_.push_back(platform);
-    ownedHardwareIndex_.emplace(platform.get(), index);
+    shareHardwarePlatform(platform);
     return platform;
+}
+
+void HMAVPlatform::shareHardwarePlatform(const std::shared_ptr<HPLPlatform>& hardware) {
+    const auto index = static_cast<unsigned>(ownedHardwarePlatforms_.size());
+    ownedHardwarePlatforms_.push_back(hardware);
+    ownedHardwareIndex_.emplace(hardware.get(), index);
 }
 
 std::shared_ptr<HMAVSoftwarePlatform> HMAVPlatform::createMutableSoftwarePlatform() {

@@ -54,6 +54,11 @@ HSTVector<const HMAVHardwarePlatform*> allHardware(const HMAVPlatform& platform)
     return hardware;
 }
 
+struct ClearedAtEnd {
+    HMAVHardwarePlatformParser::Parsed& parsed;
+    ~ClearedAtEnd() { parsed.clear(); }
+};
+
 /// Containers of a scan; deletes those that nobody took.
 struct Found {
     Found() = default;
@@ -117,6 +122,7 @@ bool HMAVPlatformMgr::addPlatformsFromDirs(const std::string& name, const Dirs& 
     // Descriptions and bare archives are two walks over the same directories.
     const HUTDirMemory memory;
     const Dirs full = canonical(dirs);
+    const ClearedAtEnd cleared{parsed_};
     addPlatformsFromDirs_(name, full);
     addHardwarePlatformsFromDirs_(full);
     return !platforms_.empty() || !dsaPlatforms_.empty();
@@ -271,7 +277,7 @@ HMAVHardwarePlatform* HMAVPlatformMgr::parseHardwarePlatform_(const std::string&
         handleInvalidExtension_(hardwareFile, platform->getPlatformFile());
         return nullptr;
     }
-    return HMAVHardwarePlatformParser::addPlatform(hardwareFile, platform);
+    return HMAVHardwarePlatformParser::addPlatform(hardwareFile, platform, parsed_);
 }
 
 void HMAVPlatformMgr::handleInvalidPath_(const std::string& hardwareFile,
@@ -352,7 +358,7 @@ void HMAVPlatformMgr::searchBareArchives_(
     std::unordered_map<std::string, HMAVPlatform*>& containers, bool filterByVbnv) {
     HSTVector<HMAVHardwarePlatformParser::Unsearched> unsearched;
     HMAVHardwarePlatformParser::loadBareHardwarePlatforms(dirs, out, containers, filterByVbnv,
-                                                          unsearched);
+                                                          unsearched, parsed_);
     for (const auto& [dir, reason] : unsearched) refuseDir_(dir, reason);
 }
 

@@ -14,7 +14,27 @@ using mav_platform::json::Document;
 
 namespace {
 
-Document read(std::string text) {
+std::shared_ptr<HMAVPlatform> loaded(PlatformLoader* loader) {
+    if (loader == nullptr) throw HEXAlgException("Failed to read platform: no loader was given");
+    auto platform = loader->load();
+    if (!platform) {
+        throw HEXAlgException(
+            "Failed to read platform: it does not load, which the messages explain");
+    }
+    return platform;
+}
+
+std::string textOf(const HMAVPlatform& platform) {
+    mav_platform::JSONObjectWriter writer;
+    platform.toJSON(writer);
+    return writer.text();
+}
+
+}  // namespace
+
+Document documentOf(const HMAVPlatform& platform) {
+    if (auto document = mav_platform::json::compactDocument(platform)) return *std::move(document);
+    std::string text = textOf(platform);
     try {
         return Document(std::move(text), {}, Document::MAX_OWN_DEPTH);
     } catch (const boost::property_tree::json_parser::json_parser_error& error) {
@@ -22,31 +42,22 @@ Document read(std::string text) {
     }
 }
 
-}  // namespace
+Document documentOf(PlatformLoader* loader) {
+    return documentOf(*loaded(loader));
+}
+
+Document documentOf(const std::string& platformFile) {
+    PlatformLoader loader(platformFile, PlatformLoader::HW_METADATA_AUTO);
+    return documentOf(&loader);
+}
 
 std::string documentTextOf(PlatformLoader* loader) {
-    if (loader == nullptr) throw HEXAlgException("Failed to read platform: no loader was given");
-    const auto platform = loader->load();
-    if (!platform) {
-        throw HEXAlgException(
-            "Failed to read platform: it does not load, which the messages explain");
-    }
-    mav_platform::JSONObjectWriter writer;
-    platform->toJSON(writer);
-    return writer.text();
+    return textOf(*loaded(loader));
 }
 
 std::string documentTextOf(const std::string& platformFile) {
     PlatformLoader loader(platformFile, PlatformLoader::HW_METADATA_AUTO);
     return documentTextOf(&loader);
-}
-
-Document documentOf(PlatformLoader* loader) {
-    return read(documentTextOf(loader));
-}
-
-Document documentOf(const std::string& platformFile) {
-    return read(documentTextOf(platformFile));
 }
 
 }  // namespace mav::platform

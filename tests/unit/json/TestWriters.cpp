@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "json/Document.h"
 #include "mav_host/HI18N.h"
 #include "mav_platform/JSONListWriter.h"
 #include "mav_platform/JSONObjectWriter.h"
@@ -198,6 +199,7 @@ class Twins {
 
 TEST(Writers, RandomMembersComeOutAsFromATree) {
     std::size_t expressible = 0;
+    std::size_t compact = 0;
     for (std::uint64_t seed = 0; seed < 6000; ++seed) {
         Twins twins(seed);
         JSONObjectWriter writer;
@@ -207,12 +209,22 @@ TEST(Writers, RandomMembersComeOutAsFromATree) {
         ASSERT_EQ(std::as_const(writer).getTree(), expected.tree) << "seed " << seed;
         expressible += written(writer)[0] == '{' ? 1U : 0U;
 
+        const Scripted same([seed](JSONObjectWriter& again) {
+            ReferenceWriter unused;
+            Twins(seed).object(again, unused, 4);
+        });
+        if (const auto document = mav_platform::json::compactDocument(same)) {
+            ASSERT_EQ(document->tree(), expected.tree) << "seed " << seed;
+            ++compact;
+        }
+
         JSONListWriter list;
         ReferenceWriter items;
         twins.list(list, items, 3);
         ASSERT_EQ(written(list), reference(items.tree)) << "seed " << seed;
         ASSERT_EQ(list.getTree(), items.tree) << "seed " << seed;
     }
+    EXPECT_GT(compact, 500U);
     EXPECT_GT(expressible, 3000U);
     EXPECT_LT(expressible, 6000U);
 }

@@ -307,6 +307,26 @@ TEST(HMAVPlatformMgr, RemovalLooksAtTheParentDirectoryAlone) {
     EXPECT_EQ(r.mgr.getNumPlatforms(), 1U) << "a platform without a file is never removed";
 }
 
+TEST(HMAVPlatformMgr, AnArchiveOfADescriptionIsReadOnceUnlessItsReadingIsTold) {
+    const std::string hpfm = R"(, "files": [{"name": "a.hpfm", "type": "HPFM"}])";
+    const std::pair<std::string, bool> rows[] = {{"<qd:repository/>", true}, {"<broken>", false}};
+    for (const auto& [text, shared] : rows) {
+        Repository r;
+        std::filesystem::create_directory(r.dir.path("hw"));
+        packArchive(r.dir, "hw/a.pka", {{"pka.json", metadata(hpfm)}, {"a.hpfm", text}});
+        r.dir.write("d.qpfm", descriptionOf("hw/a.pka"));
+        r.mgr.addPlatformsFromDirs({r.dir.path()});
+        HSTVector<HMAVPlatform*> all;
+        r.mgr.getAllPlatforms(all);
+        ASSERT_EQ(all.size(), 2U);
+        EXPECT_EQ(all[0]->getHardwarePlatform() == all[1]->getHardwarePlatform(), shared);
+        EXPECT_EQ(r.messages.all.size(), shared ? 0U : 2U) << r.messages.text();
+        r.mgr.removePlatformsFromDirs({r.dir.path()});
+        ASSERT_EQ(r.bare(), "hw/a.pka\n");
+        EXPECT_EQ(all[1]->getHardwarePlatform()->getName(), "card");
+    }
+}
+
 TEST(HMAVPlatformMgr, HandoffsAreOwnedApartAndRemovedAtAnyDepth) {
     Repository r;
     bareArchive(r.dir, "d/a.pka", metadata("", "a"));
