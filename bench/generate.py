@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Writes the archives of the benchmarks: small.pka, medium.pka and large.pka in the given folder,
-with metadata of about 10 kB, 500 kB and 10 MB and an hpfm of about 3.5 kB, 235 kB and 4.8 MB. Equal at
+"""Writes the archives of the benchmarks: small.pka, medium.pka and large.pka in the given folder, each
+with another one in which a tenth of the bus interfaces differ and a file that tells its size, with metadata of about 10 kB, 500 kB and 10 MB and an hpfm of about 3.5 kB, 235 kB and 4.8 MB. Equal at
 every run."""
 
 import json
@@ -89,15 +89,26 @@ def metadata(buses, files=()):
             "busInterfaces": [bus_interface(i) for i in range(buses)]}
 
 
+def write(path, content, buses):
+    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
+        for i in range(8):
+            archive.writestr(f"files/{i}.tcl", f"# script {i}\n" * 100)
+        archive.writestr("pka.json", json.dumps(content, indent=2))
+        archive.writestr(HPFM["name"], hpfm(buses))
+
+
 def main():
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
     for name, buses in SIZES.items():
-        with zipfile.ZipFile(folder / f"{name}.pka", "w", zipfile.ZIP_DEFLATED) as archive:
-            for i in range(8):
-                archive.writestr(f"files/{i}.tcl", f"# script {i}\n" * 100)
-            archive.writestr("pka.json", json.dumps(metadata(buses, [HPFM]), indent=2))
-            archive.writestr(HPFM["name"], hpfm(buses))
+        content = metadata(buses, [HPFM])
+        write(folder / f"{name}.pka", content, buses)
+        size = len(json.dumps(content, indent=2)) + len(hpfm(buses))
+        (folder / f"{name}.size").write_text(str(size), encoding="ascii")
+        for bus in content["busInterfaces"][::10]:
+            bus["slr"] = "SLR2"
+            bus["addressSegments"].pop()
+        write(folder / f"{name}-changed.pka", content, buses)
 
 
 if __name__ == "__main__":

@@ -19,11 +19,14 @@ file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/share/mav)
 add_custom_target(mav_share ALL DEPENDS ${MAV_SHARE_COPIES})
 add_dependencies(mav_platform mav_share)
 
-# Three components: the library with its data, what clients are built with, and the command.
+# Three components: the library with its data, what clients are built with, and the command. A plain
+# installation has the command that holds the library (component whole), packages the other one.
 install(TARGETS mav_platform EXPORT MavPlatformTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
 if(TARGET mav_help)
-  install(TARGETS mav RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
+  install(TARGETS mav RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT whole)
+  install(TARGETS mav_packaged RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command
+    EXCLUDE_FROM_ALL)
   install(DIRECTORY ${MAV_HELP_DIR}/man1 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
   install(FILES ${MAV_HELP_DIR}/mav.bash RENAME mav COMPONENT command
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)

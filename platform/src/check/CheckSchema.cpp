@@ -4,15 +4,13 @@
 #include <charconv>
 #include <cstdlib>
 #include <limits>
-#include <locale>
 #include <map>
-#include <memory>
 #include <optional>
-#include <regex>
 #include <set>
 #include <string_view>
 
 #include "check/CheckReport.h"
+#include "check/Pattern.h"
 #include "mav_host/HEXError.h"
 
 namespace mav_platform::check {
@@ -77,8 +75,7 @@ class SchemaWalk {
         return schema;
     }
 
-    static bool admits(const Node& schema, std::string_view type) {
-        const auto types = schema.find("type");
+    static bool isAmong(const std::optional<Node>& types, std::string_view type) {
         if (!types) return true;
         if (!types->hasChildren()) return types->data() == type;
         for (const Node& item : *types) {
@@ -86,9 +83,13 @@ class SchemaWalk {
         }
         return false;
     }
+    static bool admits(const Node& schema, std::string_view type) {
+        return isAmong(schema.find("type"), type);
+    }
     static bool admitsText(const Node& schema) {
+        const auto types = schema.find("type");
         for (const char* const type : {"string", "number", "integer", "boolean"}) {
-            if (admits(schema, type)) return true;
+            if (isAmong(types, type)) return true;
         }
         return false;
     }
@@ -173,13 +174,8 @@ class SchemaWalk {
     bool checkPattern(const Node& node, const Node& schema, std::string_view pattern,
                       const std::string& path) {
         const std::string text(node.data());
-        auto& compiled = patterns_[std::string(pattern)];
-        if (!compiled) {
-            compiled = std::make_unique<std::regex>();
-            compiled->imbue(std::locale::classic());
-            compiled->assign(std::string(pattern));
-        }
-        if (text.size() <= LONGEST_PATTERN_TEXT && std::regex_search(text, *compiled)) return true;
+        Pattern& known = patterns_.try_emplace(pattern, pattern).first->second;
+        if (text.size() <= LONGEST_PATTERN_TEXT && known.matches(text)) return true;
         const auto form = schema.find("description");
         if (!form) throw HEXAlgException("a schema describes no pattern");
         fault(node, path, shown(text) + " is not " + std::string(form->data()));
@@ -208,7 +204,7 @@ class SchemaWalk {
     const LocatedJson& json_;
     const Node root_;
     Report& report_;
-    std::map<std::string, std::unique_ptr<std::regex>> patterns_;
+    std::map<std::string_view, Pattern> patterns_;
 };
 
 }  // namespace

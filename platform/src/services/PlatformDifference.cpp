@@ -3,23 +3,27 @@
 
 #include <algorithm>
 #include <array>
-#include <boost/property_tree/ptree.hpp>
 #include <filesystem>
 #include <map>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "json/Document.h"
 #include "mav_host/Printable.h"
-#include "mav_platform/HMAVJSONUtils.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/JSONValue.h"
+#include "services/LoadedDocument.h"
 
 namespace mav_platform {
+
+namespace fs = std::filesystem;
+using json::Node;
+
 namespace {
 
-using boost::property_tree::ptree;
 using Change = PlatformDifference::Change;
 using Changes = PlatformDifference::Changes;
 
@@ -28,8 +32,28 @@ constexpr std::array<std::string_view, 4> PLACES{"uniqueName", "file", "director
 /// Files of the platform, told by where they lie from its directory.
 constexpr std::array<std::string_view, 3> MEMBERS{"hwFile", "hwEmuFile", "swFile"};
 /// What tells the items of a list apart, the first that an item has.
-constexpr std::array<const char*, 6> IDENTITIES{"name",     "id",       "dpeInst",
-                                                "instance", "designID", "type"};
+constexpr std::array<std::string_view, 6> IDENTITIES{"name",     "id",       "dpeInst",
+                                                     "instance", "designID", "type"};
+/// Up to so many members are held against each other for equal keys.
+constexpr std::size_t FEW_MEMBERS = 32;
+
+using Told = std::map<std::string, std::string, std::less<>>;
+
+/// The platform's own files told from the platform's directory, however the path to it was written.
+/// A file elsewhere keeps its path.
+Told toldFromDirectory(const Node& document) {
+    Told told;
+    const fs::path directory = fs::weakly_canonical(document.text("directory"));
+    for (const std::string_view key : MEMBERS) {
+        const std::string file = document.text(key);
+        if (file.empty()) continue;
+        const fs::path member = fs::weakly_canonical(file);
+        const fs::path relative = member.lexically_relative(directory);
+        const bool inside = !relative.empty() && *relative.begin() != "..";
+        told.emplace(key, inside ? relative.string() : member.string());
+    }
+    return told;
+}
 
 /// A foreign name where it is told over and over: no more of it than what tells it apart.
 std::string brief(std::string_view name) {
@@ -39,24 +63,24 @@ std::string brief(std::string_view name) {
 }
 
 /// A value in few words: a text as it stands, an object by its first texts.
-std::string inFewWords(const ptree& node) {
-    if (node.empty()) return node.data();
+std::string inFewWords(const Node& node) {
+    if (!node.hasChildren()) return std::string(node.data());
     std::string text;
     std::size_t taken = 0;
-    for (const auto& [key, child] : node) {
-        if (!child.empty() || child.data().empty()) continue;
+    for (const Node& child : node) {
+        if (child.hasChildren() || child.data().empty()) continue;
         if (taken++ == 4) return text + ", ..";
         if (!text.empty()) text += ", ";
-        if (!key.empty()) text.append(key).append(" ");
+        if (!child.key().empty()) text.append(child.key()).append(" ");
         text += child.data();
     }
     return text;
 }
 
-std::string_view identity(const ptree& item) {
-    for (const char* const key : IDENTITIES) {
+std::string_view identity(const Node& item) {
+    for (const std::string_view key : IDENTITIES) {
         const auto found = item.find(key);
-        if (found != item.not_found() && !found->second.data().empty()) return found->second.data();
+        if (found && !found->data().empty()) return found->data();
     }
     return item.data();
 }
@@ -84,26 +108,11 @@ std::string number(std::string_view text) {
 }
 
 /// Whether two texts under the key mean the same. 1.1 and 1.10 are one frequency, but two versions.
-bool meanTheSame(std::string_view key, const std::string& a, const std::string& b) {
+bool meanTheSame(std::string_view key, std::string_view a, std::string_view b) {
     if (a == b) return true;
     if (key == "name" || key == "id" || key.ends_with("ersion")) return false;
     const std::string value = number(a);
     return !value.empty() && value == number(b);
-}
-
-/// The document with the platform's own files told from the platform's directory, however the path
-/// to it was written. A file elsewhere keeps its path.
-void tellFromDirectory(ptree& document) {
-    namespace fs = std::filesystem;
-    const fs::path directory = fs::weakly_canonical(document.get<std::string>("directory", ""));
-    for (const std::string_view key : MEMBERS) {
-        const auto found = document.find(std::string(key));
-        if (found == document.not_found() || found->second.data().empty()) continue;
-        const fs::path member = fs::weakly_canonical(found->second.data());
-        const fs::path relative = member.lexically_relative(directory);
-        const bool inside = !relative.empty() && *relative.begin() != "..";
-        found->second.data() = inside ? relative.string() : member.string();
-    }
 }
 
 /// A member's name or an item's identity, which the document holds, with the number that tells
@@ -119,52 +128,96 @@ struct Step {
     }
 };
 
+using Members = std::vector<std::pair<Step, Node>>;
+
+/// What is directly below a node.
+Members membersOf(const Node& node) {
+    Members list;
+    std::unordered_map<std::string_view, unsigned> seen;
+    for (const Node& child : node) {
+        if (isOneOf(PLACES, child.key())) continue;
+        const bool isItem = child.key().empty();
+        const std::string_view name = isItem ? identity(child) : child.key();
+        list.push_back({{name, isItem, isItem ? ++seen[name] : 1}, child});
+    }
+    return list;
+}
+
+/// True when both hold the same steps in the same order, and none of them twice.
+bool goTogether(const Members& a, const Members& b) {
+    const auto same = [](const auto& one, const auto& other) { return one.first == other.first; };
+    if (!std::equal(a.begin(), a.end(), b.begin(), b.end(), same)) return false;
+    const bool items =
+        std::all_of(a.begin(), a.end(), [](const auto& m) { return m.first.isItem; });
+    if (items) return true;  // their counts tell them apart
+    if (a.size() > FEW_MEMBERS) return false;
+    for (auto member = a.begin(); member != a.end(); ++member) {
+        for (auto before = a.begin(); before != member; ++before) {
+            if (same(*member, *before)) return false;
+        }
+    }
+    return true;
+}
+
 class Comparison {
   public:
-    void compare(const ptree& a, const ptree& b) {
-        if (a.empty() && b.empty()) {
-            const std::string_view key = steps_.empty() ? std::string_view() : steps_.back().name;
-            if (!meanTheSame(key, a.data(), b.data()))
-                changes_.push_back({Change::CHANGED, path(), a.data(), b.data()});
+    Comparison(const Told& before, const Told& after) : toldBefore_(before), toldAfter_(after) {}
+
+    void compare(const Node& a, const Node& b) {
+        if (!a.hasChildren() && !b.hasChildren()) {
+            compareTexts(shown(a, toldBefore_), shown(b, toldAfter_));
             return;
         }
-        const Members before = members(a);
-        const Members after = members(b);
-        const std::map<Step, const ptree*> inBefore(before.begin(), before.end());
-        const std::map<Step, const ptree*> inAfter(after.begin(), after.end());
+        const Members before = membersOf(a);
+        const Members after = membersOf(b);
+        if (!goTogether(before, after)) {
+            match(before, after);
+            return;
+        }
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            steps_.push_back(before[i].first);
+            compare(before[i].second, after[i].second);
+            steps_.pop_back();
+        }
+    }
+    Changes take() { return std::move(changes_); }
+
+  private:
+    void compareTexts(std::string_view a, std::string_view b) {
+        const std::string_view key = steps_.empty() ? std::string_view() : steps_.back().name;
+        if (!meanTheSame(key, a, b))
+            changes_.push_back({Change::CHANGED, path(), std::string(a), std::string(b)});
+    }
+
+    void match(const Members& before, const Members& after) {
+        const std::map<Step, Node> inBefore(before.begin(), before.end());
+        const std::map<Step, Node> inAfter(after.begin(), after.end());
         for (const auto& [step, node] : before) {
             const auto other = inAfter.find(step);
             steps_.push_back(step);
             if (other == inAfter.end()) {
-                changes_.push_back({Change::REMOVED, path(), inFewWords(*node), {}});
+                changes_.push_back({Change::REMOVED, path(), inFewWords(node, toldBefore_), {}});
             } else {
-                compare(*node, *other->second);
+                compare(node, other->second);
             }
             steps_.pop_back();
         }
         for (const auto& [step, node] : after) {
             if (inBefore.contains(step)) continue;
             steps_.push_back(step);
-            changes_.push_back({Change::ADDED, path(), {}, inFewWords(*node)});
+            changes_.push_back({Change::ADDED, path(), {}, inFewWords(node, toldAfter_)});
             steps_.pop_back();
         }
     }
-    const Changes& changes() const { return changes_; }
 
-  private:
-    using Members = std::vector<std::pair<Step, const ptree*>>;
-
-    /// What is directly below a node.
-    static Members members(const ptree& node) {
-        Members list;
-        std::map<std::string_view, unsigned> seen;
-        for (const auto& [key, child] : node) {
-            if (isOneOf(PLACES, key)) continue;
-            const bool isItem = key.empty();
-            const std::string_view name = isItem ? identity(child) : key;
-            list.push_back({{name, isItem, isItem ? ++seen[name] : 1}, &child});
-        }
-        return list;
+    /// The text of the node where the steps lead.
+    std::string_view shown(const Node& node, const Told& told) const {
+        if (steps_.size() != 1) return node.data();
+        const auto found = told.find(steps_.back().name);
+        return found == told.end() ? node.data() : std::string_view(found->second);
+    }
+    std::string inFewWords(const Node& node, const Told& told) const {
+        return node.hasChildren() ? mav_platform::inFewWords(node) : std::string(shown(node, told));
     }
 
     /// Made for a change alone, of brief names: a document may repeat a long one without end.
@@ -180,25 +233,23 @@ class Comparison {
         return made;
     }
 
+    const Told& toldBefore_;
+    const Told& toldAfter_;
     std::vector<Step> steps_;
     Changes changes_;
 };
-
-ptree documentOf(const HMAVPlatform& platform) {
-    ptree made = HMAVJSONUtils::readJson(platform.toJSONString());
-    tellFromDirectory(made);
-    return made;
-}
 
 }  // namespace
 
 PlatformDifference::Changes PlatformDifference::between(const HMAVPlatform& first,
                                                         const HMAVPlatform& second) {
-    const ptree before = documentOf(first);
-    const ptree after = documentOf(second);
-    Comparison comparison;
-    comparison.compare(before, after);
-    return comparison.changes();
+    const json::Document before = mav::platform::documentOf(first);
+    const json::Document after = mav::platform::documentOf(second);
+    const Told toldBefore = toldFromDirectory(before.root());
+    const Told toldAfter = toldFromDirectory(after.root());
+    Comparison comparison(toldBefore, toldAfter);
+    comparison.compare(before.root(), after.root());
+    return comparison.take();
 }
 
 std::string PlatformDifference::json(const Changes& changes) {
