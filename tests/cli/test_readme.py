@@ -61,11 +61,13 @@ class ReadmeTest(CommandTest):
     def test_python(self):
         script = self.dir / "client.py"
         script.write_text(block("python"))
-        env = {**os.environ, "LD_LIBRARY_PATH": str(LIBRARY.parent), "LD_PRELOAD": SANITIZER,
+        env = {**os.environ, "PYTHONPATH": os.environ["MAV_PYTHON_PATH"], "LD_PRELOAD": SANITIZER,
                "ASAN_OPTIONS": "detect_leaks=0"}
         done = run("/usr/bin/python3", script, SAMPLE, env=env)
         self.assertEqual(done.stdout, b"xqh90-bga2612-2L-e\n", done.stderr)
-        self.assertEqual(run("/usr/bin/python3", script, self.dir / "none.pka", env=env).returncode, 1)
+        missing = run("/usr/bin/python3", script, self.dir / "none.pka", env=env)
+        self.assertEqual((missing.returncode, missing.stdout), (1, b""))
+        self.assertRegex(missing.stderr, rb"^Nothing is at '.*none\.pka'\. .*\.\n$")
 
     def test_links_and_commands(self):
         links = re.findall(r"\]\(([^)#]+)", README)

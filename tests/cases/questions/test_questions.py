@@ -4,11 +4,12 @@ import json
 import os
 import pathlib
 import subprocess
+import sys
 import unittest
 
 HERE = pathlib.Path(__file__).parent
 SAMPLES = pathlib.Path(os.environ["MAV_SAMPLES"])
-MAV = os.environ["MAV_BIN"]
+MAV = os.environ.get("MAV_BIN")
 DONE, NOT_FOUND, NOT_LOADABLE = 0, 2, 3
 
 QUESTIONS = json.loads((HERE / "questions.json").read_text(encoding="utf-8"))
@@ -18,10 +19,10 @@ def file_of(question):
     return str(SAMPLES / question["file"]) if "file" in question else ""
 
 
-def ask_driver(program):
+def ask_driver(*program):
     """The codes and answers of a program that speaks as ask.c does."""
     lines = "".join(f"{one['ask']}\t{file_of(one)}\t{one.get('with', '')}\n" for one in QUESTIONS)
-    rest = subprocess.run([program], input=lines.encode(), stdout=subprocess.PIPE, check=True).stdout
+    rest = subprocess.run(program, input=lines.encode(), stdout=subprocess.PIPE, check=True).stdout
     while rest:
         head, rest = rest.split(b"\n", 1)
         code, size = map(int, head.split())
@@ -54,7 +55,7 @@ def by_mav(question):
     return NOT_FOUND if missing else NOT_LOADABLE, None
 
 
-class Questions(unittest.TestCase):
+class Compare(unittest.TestCase):
     def compare(self, answers):
         answers = list(answers)
         self.assertEqual(len(answers), len(QUESTIONS))
@@ -63,6 +64,8 @@ class Questions(unittest.TestCase):
                 self.assertEqual(code, question.get("code", DONE))
                 self.assertEqual(answer, question.get("answer"))
 
+
+class Questions(Compare):
     def test_there_are_thirty(self):
         self.assertGreaterEqual(len(QUESTIONS), 30)
 
@@ -74,3 +77,8 @@ class Questions(unittest.TestCase):
 
     def test_mav(self):
         self.compare(map(by_mav, QUESTIONS))
+
+
+class Python(Compare):
+    def test_python(self):
+        self.compare(ask_driver(sys.executable, "-B", HERE / "ask.py"))
