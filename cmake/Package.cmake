@@ -1,12 +1,17 @@
 # SPDX-License-Identifier: Apache-2.0
-# `cpack` makes three Debian packages from the components of Install.cmake: the library with its data,
-# what clients are built with, and the command.
+# `cpack` makes Debian packages from the components of Install.cmake: the library with its data, what
+# clients are built with, the command, and the Python package.
 set(MAV_LIBRARY_PACKAGE libmav-platform${PROJECT_VERSION_MAJOR})
 set(MAV_DEVELOPMENT_PACKAGE libmav-platform-dev)
 set(MAV_COMMAND_PACKAGE mav)
+set(MAV_PYTHON_PACKAGE python3-mav-platform)
+set(components library development command)
+if(TARGET mav_python)
+  list(APPEND components python)
+endif()
 
 # Debian wants the licence in a folder named like the package; a plain install has it once.
-foreach(component library development command)
+foreach(component IN LISTS components)
   string(TOUPPER ${component} upper)
   install(FILES LICENSE RENAME copyright COMPONENT ${component} EXCLUDE_FROM_ALL
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${MAV_${upper}_PACKAGE})
@@ -20,7 +25,7 @@ set(CPACK_PACKAGE_CONTACT "The platform library's maintainers <maintainers@local
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development command)
+set(CPACK_COMPONENTS_ALL ${components})
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # Only the library is measured for what it links; the command links it and what it links itself.
@@ -36,6 +41,11 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(exactly "${MAV_LIBRARY_PACKAGE} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${exactly}, libboost-dev (>= 1.74)")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${exactly}")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${exactly}, python3 (>= 3.11)")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_SOURCE_DIR}/cmake/debian/python/postinst
+  ${CMAKE_SOURCE_DIR}/cmake/debian/python/prerm)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION devel)
@@ -47,4 +57,6 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "platform library, files for buildin
  sample platforms.")
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "shows, checks and makes accelerator platforms
  The mav command with its manual pages and shell completion.")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "platform library, Python package
+ Typed views of platforms, questions to them, validation and archives.")
 include(CPack)

@@ -5,6 +5,7 @@
 Usage: make_wheel.py BUILD_DIR OUTPUT_DIR. Libraries that not every Linux has go with it, with their
 licences; the wheel's platform is the oldest C library that all of them accept.
 """
+import os
 import pathlib
 import re
 import shutil
@@ -82,7 +83,7 @@ def main():
         for old in output.glob("mav_platform-*.whl"):
             old.unlink()
         run(sys.executable, "-m", "build", "--wheel", "--no-isolation", "--outdir", output, project,
-            stdout=subprocess.DEVNULL)
+            stdout=subprocess.DEVNULL, env={**os.environ, "PYTHONWARNINGS": "ignore"})
     print(next(output.glob("mav_platform-*.whl")))
 
 

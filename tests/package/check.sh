@@ -8,7 +8,7 @@ readonly here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 readonly build="$(cd "$1" && pwd)"
 readonly work="$(mktemp -d)"
 readonly packages="$work/packages" root="$work/root" prefix="$work/root/usr"
-readonly names=(libmav-platform1 libmav-platform-dev mav)
+readonly names=(libmav-platform1 libmav-platform-dev mav python3-mav-platform)
 readonly title=package
 trap 'rm -rf "$work"' EXIT
 # shellcheck source=tests/install/common.sh
@@ -28,11 +28,11 @@ holds() {
 }
 files_of() { dpkg-deb --contents "$(package_of "$1")" | awk '$1 !~ /^d/ { print $6 }'; }
 
-# What each package asks for, by which the three stay together and the library's users find it.
+# What each package asks for, by which they stay together and the library's users find it.
 dependencies_are_told() {
     local version name
     version="$(field mav Version)"
-    for name in mav libmav-platform-dev; do
+    for name in mav libmav-platform-dev python3-mav-platform; do
         [[ "$(field "$name" Depends)" == *"libmav-platform1 (= $version)"* ]] || return 1
     done
     [[ "$(field libmav-platform1 Depends)" == *libexpat1*libzip4* ]] &&
@@ -50,6 +50,7 @@ files_in_their_packages() {
         holds libmav-platform1 /usr/lib/libmav_platform.so.1 &&
         holds libmav-platform-dev /usr/lib/libmav_platform.so &&
         holds libmav-platform-dev /usr/share/mav_platform/schema/hpfm.xsd || return 1
+    holds python3-mav-platform /usr/lib/python3/dist-packages/mav_platform/views.py || return 1
     holds mav /usr/share/doc/mav/docs/formats/metadata.md && holds mav /usr/share/man/man1/mav.1 && holds mav /usr/share/man/man1/mav-show.1 &&
         holds mav /usr/share/bash-completion/completions/mav &&
         holds mav /usr/share/zsh/vendor-completions/_mav &&
@@ -98,7 +99,7 @@ removed_without_trace() {
         ! find "$root/var/lib/dpkg/info" -name '*mav*' | grep .
 }
 
-check "three packages" pack
+check "the packages" pack
 check "dependencies" dependencies_are_told
 check "each file in its package" files_in_their_packages
 check "owners and permissions" safe_permissions

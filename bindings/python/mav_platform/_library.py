@@ -60,7 +60,7 @@ def text_of(raw: bytes | None) -> str:
 
 def _whole(raw: bytes) -> bytes:
     if b"\0" in raw:
-        raise WrongArgument(f"The text {raw!r} holds a null character", "Take it out.")
+        raise WrongArgument(f"The text {text_of(raw)!r} holds a null character", "Take it out.")
     return raw
 
 
