@@ -13,6 +13,7 @@ namespace {
 
 using mav_platform::JSONValue;
 
+using mav::platform::checkItem;
 using mav::platform::NativeCatalogService;
 using mav::platform::SupportQuestion;
 using mav::platform::Verdict;
@@ -72,28 +73,6 @@ std::string lines(const Answer& answer) {
     return text;
 }
 
-JSONValue row(const std::string& file, const Verdict* verdict) {
-    JSONValue made = JSONValue::object().addPath("file", file);
-    if (verdict != nullptr) {
-        verdict->addTo(made);
-        return made;
-    }
-    for (const char* const name :
-         {"verdict", "rule", "reason", "listEntry", "platformRelease", "toolRelease"})
-        made.add(name, nullptr);
-    return made;
-}
-
-JSONValue matrixOf(const Answer& answer) {
-    JSONValue list = JSONValue::list();
-    for (const Verdict& verdict : answer.matrix) {
-        JSONValue made = JSONValue::object();
-        verdict.addTo(made);
-        list.add(std::move(made));
-    }
-    return list;
-}
-
 /// Asks about each file; what does not load is told and the others are asked all the same.
 class Answers {
   public:
@@ -108,15 +87,13 @@ class Answers {
             good_ = good_ && answer.verdict.supported;
             if (!options_.json) writeAnswer(lines(answer));
             KeptReports::take();
-            list_.add(
-                row(file, &answer.verdict).add("matrix", matrixOf(answer)).add("error", nullptr));
+            list_.add(checkItem(file, &answer.verdict, answer.matrix));
         } catch (const Failure& failure) {
             failed_ = true;
             JSONValue error = JSONValue::object();
             addError(error, failure.what());
             complain(failure.what());
-            list_.add(
-                row(file, nullptr).add("matrix", JSONValue::list()).add("error", std::move(error)));
+            list_.add(checkItem(file, nullptr, {}, std::move(error)));
         }
     }
 

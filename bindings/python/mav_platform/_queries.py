@@ -88,13 +88,13 @@ def find(directories: PathText | Iterable[PathText] = (), *, part: str | None = 
         vendor=_library.optional(vendor), type=_library.optional(type), latest=latest)
     made = _library.json_from("hmav_find", _library.session, _library.text_array(raw), len(raw), options)
     return Found(tuple(_entry(one) for one in made["platforms"]),
-                 tuple(Refusal(Path(one["file"]), one.get("reason", "")) for one in made["refused"]))
+                 tuple(Refusal(Path(one["file"]), one["reason"] or "") for one in made["refused"]))
 
 
 def _entry(one: dict[str, Any]) -> Entry:
     """What a newer library tells beyond the fields is left out."""
     names = {each.name for each in fields(Entry)} - {"file"}
-    return Entry(Path(one["file"]), **{key: one[key] for key in names & one.keys()})
+    return Entry(Path(one["file"]), **{key: one[key] or "" for key in names & one.keys()})
 
 
 @dataclass(frozen=True, slots=True)

@@ -40,4 +40,10 @@ struct MAV_API Verdict {
     void addTo(mav_platform::JSONValue& object) const;
 };
 
+/// An item of the answer of `mav check`: "file", the members of the verdict, null without one,
+/// "matrix" and "error".
+MAV_API mav_platform::JSONValue checkItem(const std::string& file, const Verdict* verdict,
+                                          const HSTVector<Verdict>& matrix = {},
+                                          mav_platform::JSONValue error = nullptr);
+
 }  // namespace mav::platform

@@ -226,6 +226,10 @@ typedef struct hmav_support_options {
  * supported. */
 MAV_API int hmav_platform_support(hmav_platform* platform, const hmav_support_options* options,
                                   int* supported, char** reason, hmav_error** error) HMAV_NOEXCEPT;
+/* The same verdict with the rule and the list entry that decided, as an item of what `mav check
+ * --json` prints: {"file": ..., "verdict": "unsupported", "rule": ..., "reason": ..., ...}. */
+MAV_API int hmav_platform_verdict(hmav_platform* platform, const hmav_support_options* options,
+                                  char** json, hmav_error** error) HMAV_NOEXCEPT;
 
 /* What differs between two platforms, as `mav diff --json` prints it: {"schema": "mav.diff/1",
  * "differ": true, "changes": [{"kind": "changed", "path": ..., "from": ..., "to": ...}, ...]} with
@@ -241,7 +245,7 @@ MAV_API int hmav_key_documentation(const hmav_session* session, const char* key,
 
 /* --- Directories ------------------------------------------------------------------------------ */
 
-/* Null fields match everything. */
+/* Null and empty fields match everything. */
 typedef struct hmav_find_options {
     size_t size;
     const char* part;   /* ignoring case */
@@ -252,8 +256,9 @@ typedef struct hmav_find_options {
 } hmav_find_options;
 
 /* The platforms in the directories, and with a count of 0 in the default ones, as `mav list --json
- * --all` prints them: {"platforms": [{"name": ..., "file": ...}, ...], "refused": [{"file": ...,
- * "reason": ...}, ...]}. HMAV_NOT_FOUND for a directory that is not there. */
+ * --all` prints them: {"schema": "mav.list/1", "platforms": [{"name": ..., "file": ...}, ...],
+ * "refused": [{"file": ..., "reason": ...}, ...], ...}; docs/outputs.md tells of the shape.
+ * HMAV_NOT_FOUND for a directory that is not there. */
 MAV_API int hmav_find(const hmav_session* session, const char* const* directories, size_t count,
                       const hmav_find_options* options, char** json,
                       hmav_error** error) HMAV_NOEXCEPT;

@@ -16,7 +16,6 @@
 #include "mav_platform/JSONObjectWriter.h"
 #include "mav_platform/PlatformDifference.h"
 #include "mav_platform/PlatformParseException.h"
-#include "mav_platform/partitionsFault.h"
 
 using namespace capi;
 using mav_host::printable;
@@ -94,18 +93,17 @@ std::string transformed(const hmav_platform& platform, const char* specification
     return service.getAsJsonStr(platform.loader.get(), specification);
 }
 
-bool isSupported(const hmav_platform& platform, const hmav_support_options& options,
-                 std::string& reason) {
+mav::platform::Verdict verdictOf(const hmav_platform& platform,
+                                 const hmav_support_options* options) {
+    using mav::platform::SupportQuestion;
+    const hmav_support_options wanted = optionsOf(options);
+    refuseBeyond(wanted.question, HMAV_SUPPORT_ARCHIVE, "question");
     mav::platform::NativeCatalogService service;
-    if (options.tool_release != nullptr) service.setTestCompilerVersion_(options.tool_release);
-    if (options.product != nullptr) service.setProduct_(options.product);
-    reason = mav_platform::partitionsFault(*platform.platform);
-    if (!reason.empty()) return false;
-    if (options.question == HMAV_SUPPORT_PRE_SYNTHESIS)
-        return service.isPreSynthPlatformSupported(platform.loader.get(), reason);
-    if (options.question == HMAV_SUPPORT_ARCHIVE)
-        return service.canDsaBeOpened(platform.loader.get(), reason);
-    return service.isUnderWarranty(platform.loader.get(), reason);
+    if (wanted.tool_release != nullptr) service.setTestCompilerVersion_(wanted.tool_release);
+    if (wanted.product != nullptr) service.setProduct_(wanted.product);
+    static_assert(static_cast<int>(SupportQuestion::PRE_SYNTH) == HMAV_SUPPORT_PRE_SYNTHESIS &&
+                  static_cast<int>(SupportQuestion::ARCHIVE) == HMAV_SUPPORT_ARCHIVE);
+    return service.judge(*platform.loader, static_cast<SupportQuestion>(wanted.question));
 }
 
 std::string documentationOf(const char* key) {
@@ -215,14 +213,20 @@ int hmav_platform_support(hmav_platform* platform, const hmav_support_options* o
     char* unwanted = nullptr;
     const int code = textOf(platform, reason != nullptr ? reason : &unwanted, error, [&] {
         clearResult(supported, "supported");
-        const hmav_support_options wanted = optionsOf(options);
-        refuseBeyond(wanted.question, HMAV_SUPPORT_ARCHIVE, "question");
-        std::string why;
-        *supported = isSupported(*platform, wanted, why) ? 1 : 0;
-        return why;
+        const mav::platform::Verdict verdict = verdictOf(*platform, options);
+        *supported = verdict.supported ? 1 : 0;
+        return verdict.reason;
     });
     hmav_free_text(unwanted);
     return code;
+}
+
+int hmav_platform_verdict(hmav_platform* platform, const hmav_support_options* options, char** json,
+                          hmav_error** error) noexcept {
+    return textOf(platform, json, error, [&] {
+        const mav::platform::Verdict verdict = verdictOf(*platform, options);
+        return mav::platform::checkItem(platform->path, &verdict).text();
+    });
 }
 
 int hmav_difference(hmav_platform* first, hmav_platform* second, char** json,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "mav_platform/Verdict.h"
 
+#include <utility>
+
 namespace mav::platform {
 
 using mav_platform::JSONValue;
@@ -40,6 +42,25 @@ void Verdict::addTo(JSONValue& object) const {
         .add("listEntry", entry ? jsonOf(*entry) : JSONValue(nullptr))
         .add("platformRelease", JSONValue::orNull(platformRelease))
         .add("toolRelease", JSONValue::orNull(toolRelease));
+}
+
+JSONValue checkItem(const std::string& file, const Verdict* verdict,
+                    const HSTVector<Verdict>& matrix, JSONValue error) {
+    JSONValue item = JSONValue::object().addPath("file", file);
+    if (verdict != nullptr) {
+        verdict->addTo(item);
+    } else {
+        for (const char* const name :
+             {"verdict", "rule", "reason", "listEntry", "platformRelease", "toolRelease"})
+            item.add(name, nullptr);
+    }
+    JSONValue list = JSONValue::list();
+    for (const Verdict& one : matrix) {
+        JSONValue made = JSONValue::object();
+        one.addTo(made);
+        list.add(std::move(made));
+    }
+    return item.add("matrix", std::move(list)).add("error", std::move(error));
 }
 
 }  // namespace mav::platform

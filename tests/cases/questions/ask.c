@@ -41,6 +41,11 @@ static void ask_platform(const char* what, const char* file, const char* with) {
         answer(code, supported ? "true" : "false");
         hmav_platform_free(platform);
         return;
+    } else if (strcmp(what, "verdict") == 0) {
+        hmav_support_options options = {0};
+        options.size = sizeof options;
+        options.tool_release = with;
+        code = hmav_platform_verdict(platform, &options, &text, NULL);
     } else {
         code = HMAV_INTERNAL;
     }
@@ -71,7 +76,10 @@ static void ask(const char* what, const char* file, const char* with) {
     size_t errors = 0;
     char number[32];
     int code;
-    if (strcmp(what, "doc") == 0) {
+    if (strcmp(what, "list") == 0) {
+        code = hmav_find(NULL, &file, 1, NULL, &text, NULL);
+        answer_text(code, text);
+    } else if (strcmp(what, "doc") == 0) {
         code = hmav_key_documentation(NULL, with, &text, NULL);
         answer_text(code, text);
     } else if (strcmp(what, "errors") == 0) {

@@ -19,9 +19,9 @@ def file_of(question):
     return str(SAMPLES / question["file"]) if "file" in question else ""
 
 
-def ask_driver(*program):
+def ask_driver(*program, questions=QUESTIONS):
     """The codes and answers of a program that speaks as ask.c does."""
-    lines = "".join(f"{one['ask']}\t{file_of(one)}\t{one.get('with', '')}\n" for one in QUESTIONS)
+    lines = "".join(f"{one['ask']}\t{file_of(one)}\t{one.get('with', '')}\n" for one in questions)
     rest = subprocess.run(program, input=lines.encode(), stdout=subprocess.PIPE, check=True).stdout
     while rest:
         head, rest = rest.split(b"\n", 1)
@@ -77,6 +77,20 @@ class Questions(Compare):
 
     def test_mav(self):
         self.compare(map(by_mav, QUESTIONS))
+
+    def test_typed_answers_are_the_command_s(self):
+        card, board = "veltrin_h90/veltrin_h90.pka", "tessomar_r2/tessomar_r2.qpfm"
+        for ask, file, argument, arguments, places in (
+                ("list", ".", "", ["list", "--json", "--all"], ()),
+                ("verdict", card, "2026.1", ["check", "--json", "--tool-release", "2026.1"], ("platforms", 0)),
+                ("verdict", board, "2099.1", ["check", "--json", "--tool-release", "2099.1"], ("platforms", 0))):
+            with self.subTest(ask=ask, file=file):
+                question = {"ask": ask, "file": file, "with": argument}
+                (code, answer), = ask_driver(os.environ["MAV_ASK_C"], questions=[question])
+                told = json.loads(mav(*arguments, file_of(question))[1])
+                for place in places:
+                    told = told[place]
+                self.assertEqual((code, answer), (DONE, told))
 
 
 class Python(Compare):

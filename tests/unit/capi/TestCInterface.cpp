@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "mav_host/HEXError.h"
@@ -11,6 +12,7 @@
 #include "mav_platform/mav_platform_c.h"
 #include "support/Archives.h"
 #include "support/Row.h"
+#include "support/ZipFixture.h"
 
 namespace {
 
@@ -323,6 +325,35 @@ TEST(CInterface, RefusesWorkOnArchivesInWords) {
     EXPECT_EQ(hmav_archive_open(nullptr, file.c_str(), &none, nullptr), HMAV_NOT_LOADABLE);
     EXPECT_EQ(hmav_unprotect(nullptr, file.c_str(), out.c_str(), nullptr), HMAV_NOT_LOADABLE);
     EXPECT_EQ(hmav_protect(nullptr, "/nowhere/x", out.c_str(), nullptr), HMAV_NOT_FOUND);
+}
+
+TEST(CInterface, ProtectsWithTheHostsKeyAndGivesBackWithItAlone) {
+    const TempDir dir;
+    const std::string clear = dir.write("clear", "secret");
+    const std::string closed = dir.path("closed");
+    const std::string back = dir.path("back");
+    const auto work = [](auto function, const std::string& source, const std::string& target) {
+        hmav_error* error = nullptr;
+        const int code = function(nullptr, source.c_str(), target.c_str(), &error);
+        const std::string text = told(code, error);
+        return text.substr(0, text.find('|'));
+    };
+    {
+        const HostKey key("first");
+        EXPECT_EQ(work(hmav_protect, clear, closed), "done");
+        EXPECT_EQ(HUTFileUtils::readWhole(closed, 4096).find("secret"), std::string::npos);
+        EXPECT_EQ(work(hmav_unprotect, closed, back), "done");
+        EXPECT_EQ(HUTFileUtils::readWhole(back, 4096), "secret");
+        EXPECT_EQ(work(hmav_protect, closed, back), "refused");
+    }
+    for (const auto& other : {std::optional<std::string>("second"), std::optional<std::string>()}) {
+        const HostKey key(other);
+        EXPECT_EQ(work(hmav_unprotect, closed, dir.path("none")), "refused");
+        if (other) continue;
+        EXPECT_EQ(work(hmav_protect, clear, dir.path("none")), "refused");
+    }
+    EXPECT_EQ(HUTFileUtils::readWhole(back, 4096), "secret");
+    EXPECT_FALSE(HUTFile::exists(dir.path("none")));
 }
 
 TEST(CInterface, ACallerStopsLongWork) {
