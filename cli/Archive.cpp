@@ -21,6 +21,7 @@
 #include "mav_platform/HPLPlatform.h"
 #include "mav_platform/HVMAArchive.h"
 #include "mav_platform/PlatformLoader.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace cli {
 namespace {
@@ -172,10 +173,7 @@ mav_host::ZipArchive openArchive(const std::string& path) {
 }
 
 bool holdsPlatform(const mav_host::ZipArchive& archive) {
-    const std::string extension = HUTPathUtils::extension(archive.path());
-    if (!HMAVHardwarePlatform::isValidPlatformExt(extension)) return false;
-    const std::string member = extension.substr(1) + ".json";
-    return archive.contains(member) || archive.contains("alt_" + member);
+    return mav_platform::holdsPlatform(archive);
 }
 
 std::shared_ptr<HMAVPlatform> loadPlatform(const std::string& path) {

@@ -13,6 +13,7 @@
 #include "Output.h"
 #include "mav_host/HUTFolder.h"
 #include "mav_host/HUTZip.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace fs = std::filesystem;
 
@@ -111,10 +112,8 @@ HSTVector<HUTZip::Source> collect(const std::string& dir) {
 /// Place of a member among the metadata members of an archive of that kind: 0 and 1 for those of
 /// the platform, 2 and 3 for those of its merged emulation platform, 4 for any other.
 int metadataRank(const std::string& member, const std::string& kind) {
-    const std::string names[] = {kind + ".json", "alt_" + kind + ".json",
-                                 "hw_emu/" + kind + ".json", "hw_emu/alt_" + kind + ".json"};
-    return static_cast<int>(std::find(std::begin(names), std::end(names), member) -
-                            std::begin(names));
+    const auto names = mav_platform::metadataMembers(kind);
+    return static_cast<int>(std::find(names.begin(), names.end(), member) - names.begin());
 }
 
 void sortMembers(HSTVector<HUTZip::Source>& sources, const std::string& kind) {

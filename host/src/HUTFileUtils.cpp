@@ -52,6 +52,18 @@ void writeTo(const std::string& path, const std::string& content) {
     }
 }
 
+enum class Read { WHOLE, LARGER, FAILED };
+
+/// Asks for the size first: a file that is too large costs nothing. One that grows meanwhile is
+/// still read up to the limit alone.
+Read readUpTo(const FileDescriptor& file, std::uint64_t limit, std::string& out) {
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0) return Read::FAILED;
+    if (static_cast<std::uint64_t>(status.st_size) > limit) return Read::LARGER;
+    if (!mav_host::readAll(file.get(), limit, out)) return Read::FAILED;
+    return out.size() > limit ? Read::LARGER : Read::WHOLE;
+}
+
 }  // namespace
 
 bool HUTFileUtils::makeDirs(const std::string& path) {
@@ -96,12 +108,21 @@ std::string HUTFileUtils::readWhole(const std::string& path, std::uint64_t limit
         refuseReading(std::generic_category().message(errno));
     }
     std::string content;
-    if (!mav_host::readAll(file.get(), limit, content)) {
-        refuseReading(std::generic_category().message(errno));
-    }
-    if (content.size() > limit) {
+    const Read how = readUpTo(file, limit, content);
+    if (how == Read::FAILED) refuseReading(std::generic_category().message(errno));
+    if (how == Read::LARGER) {
         refuseReading("it is larger than " + std::to_string(limit) + " bytes");
     }
+    return content;
+}
+
+std::optional<std::string> HUTFileUtils::tryRead(const std::string& path, std::uint64_t limit,
+                                                 bool& larger) {
+    const FileDescriptor file = mav_host::openRegular(path);
+    std::string content;
+    const Read how = file.isOpen() ? readUpTo(file, limit, content) : Read::FAILED;
+    larger = how == Read::LARGER;
+    if (how != Read::WHOLE) return std::nullopt;
     return content;
 }
 

@@ -64,8 +64,11 @@ class MAV_API HUTFileUtils {
     /// The content of a regular file. Throws HEXUserException "The file 'PATH' cannot be read:
     /// REASON" when it is none, is not readable or has more than `limit` bytes.
     static std::string readWhole(const std::string& path, std::uint64_t limit);
-    /// The same without a text for a failure: nothing for what cannot be read or is no regular
-    /// file; a content of more than `limit` bytes tells of a larger file.
+    /// The same without a text for a failure: nothing for what cannot be read, is no regular file
+    /// or has more than `limit` bytes, which `larger` tells.
+    static std::optional<std::string> tryRead(const std::string& path, std::uint64_t limit,
+                                              bool& larger);
+    /// The beginning of a regular file, of at most `limit` + 1 bytes: as many tell of a larger one.
     static std::optional<std::string> tryRead(const std::string& path, std::uint64_t limit);
     /// How a file is written.
     struct Writing {

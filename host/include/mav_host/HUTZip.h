@@ -158,9 +158,15 @@ class MAV_API HUTZip {
     /// As `update`, with a digest as `addWithDigest` puts it.
     static void updateWithDigest(const std::string& archive, const Sources& sources,
                                  mav_host::Resign resign = mav_host::Resign::NO);
+    /// The longest name that a member may be added under, in bytes.
+    static constexpr std::size_t MAX_MEMBER_NAME = 65535;
     /// True for a name that a member may be added under: relative, made of parts with "/" between
-    /// them, none of them empty, "." or "..", without backslash and null byte.
+    /// them, none of them empty, "." or "..", without backslash, in UTF-8 without control
+    /// characters other than tabulator and line ends, of at most MAX_MEMBER_NAME bytes.
     static bool isMemberName(const std::string& name);
+    /// Throws HEXUserException "The member name 'NAME' for the archive 'ARCHIVE' " and what is
+    /// wrong with it, unless isMemberName takes it. A long name is shown by its first 200 bytes.
+    static void checkMemberName(const std::string& name, const std::string& archive);
     /// Writes a new archive that holds exactly these members in this order and a digest over them,
     /// however large they are.
     /// No members and equal names are refused with HEXUserException.

@@ -6,7 +6,9 @@
 #include <set>
 
 #include "mav_host/HEXError.h"
+#include "mav_host/HI18N.h"
 #include "mav_host/HUTFile.h"
+#include "mav_host/Printable.h"
 #include "zip/ArchiveWriter.h"
 #include "zip/ZipDirectory.h"
 #include "zip/zipInternal.h"
@@ -28,20 +30,49 @@ bool isSafeMemberName(const std::string& name) {
 
 namespace {
 
+bool isRelativePath(const std::string& name) {
+    if (!isSafeMemberName(name)) return false;
+    const std::string parts = "/" + name + "/";
+    return parts.find("//") == std::string::npos && parts.find("/./") == std::string::npos;
+}
+
+/// Those that the zip library refuses.
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r';
+}
+
+/// What is wrong with a name and what to do; null when nothing is.
+const char* nameFault(const std::string& name) {
+    static_assert(HUTZip::MAX_MEMBER_NAME == 65535);
+    if (name.size() > HUTZip::MAX_MEMBER_NAME) {
+        return "is longer than 65535 bytes, the most that an archive can hold; give a shorter one";
+    }
+    if (!isRelativePath(name)) {
+        return "is empty, absolute, climbs out or holds an empty or '.' part, a backslash or null "
+               "byte; use a relative path with '/'";
+    }
+    if (!HI18N_isUTF8(name)) return "is not UTF-8; give it in UTF-8";
+    if (std::any_of(name.begin(), name.end(), isControl)) {
+        return "holds a control character; leave it out";
+    }
+    return nullptr;
+}
+
+std::string shownName(const std::string& name) {
+    constexpr std::size_t LONGEST = 200;
+    std::string shown(beginning(name, LONGEST));
+    if (shown.size() < name.size()) shown += "...";
+    for (std::size_t at; (at = shown.find('\0')) != std::string::npos;) {
+        shown.replace(at, 1, "\\0");  // a text ends at a null byte
+    }
+    return shown;
+}
+
 using Replacements = std::map<std::string, const HUTZip::Source*>;
 
 void checkSources(const std::string& archive, const HSTVector<HUTZip::Source>& sources) {
     for (const HUTZip::Source& source : sources) {
-        if (!HUTZip::isMemberName(source.member)) {
-            std::string shown = source.member;
-            for (std::size_t at; (at = shown.find('\0')) != std::string::npos;) {
-                shown.replace(at, 1, "\\0");  // a text ends at a null byte
-            }
-            throw HEXUserException(
-                "The member name '" + shown + "' for the archive '" + archive +
-                "' is empty, absolute, climbs out or holds an empty or '.' part, "
-                "a backslash or null byte; use a relative path with '/'");
-        }
+        HUTZip::checkMemberName(source.member, archive);
         if (!source.folder && !source.file.empty() && !HUTFile::isFile(source.file)) {
             throw HEXUserException("The file '" + source.file + "' for the archive '" + archive +
                                    "' does not exist or is not a file");
@@ -161,9 +192,14 @@ void HUTZip::updateWithDigest(const std::string& archive, const Sources& sources
 }
 
 bool HUTZip::isMemberName(const std::string& name) {
-    if (!mav_host::isSafeMemberName(name)) return false;
-    const std::string parts = "/" + name + "/";
-    return parts.find("//") == std::string::npos && parts.find("/./") == std::string::npos;
+    return mav_host::nameFault(name) == nullptr;
+}
+
+void HUTZip::checkMemberName(const std::string& name, const std::string& archive) {
+    const char* const fault = mav_host::nameFault(name);
+    if (fault == nullptr) return;
+    throw HEXUserException("The member name '" + mav_host::shownName(name) + "' for the archive '" +
+                           archive + "' " + fault);
 }
 
 void HUTZip::create(const std::string& archive, const HSTVector<Source>& sources) {

@@ -43,7 +43,8 @@ class MAV_API ArchiveWork {
     /// Adds the file under the type with a new digest, all in one step: an archive with platform
     /// metadata lists it there, any other in its index. Throws HEXFileNotFoundException for the
     /// file, HEXAlgException for a type or member that it cannot have, HEXDataException when what
-    /// the archive says of itself cannot be read, mav_host::DigestRefusal, HEXUserException.
+    /// the archive says of itself cannot be read, mav_host::DigestRefusal, HEXUserException as
+    /// HUTZip::checkMemberName does and when the archive cannot be written.
     static void add(const std::string& archive, const Place& place, const std::string& file,
                     mav_host::Resign resign = mav_host::Resign::NO);
 

@@ -99,8 +99,9 @@ class MAV_API HMAVPlatformMgr {
 
     /// Appends the texts of all failures so far, in order.
     void getParsingErrorMsgs(HSTVector<std::string>& out) const;
-    /// What the searches left out, in order, each file with its latest reason; valid until the next
-    /// search.
+    /// What the searches left out, in order, each file with its latest reason. One that a later
+    /// search loads goes, and so does a directory that one searches to its end. Valid until the
+    /// next search.
     const HSTVector<Refusal>& getRefusals() const { return refusals_; }
     /// Empties both.
     void clearParsingErrorMsgs();
@@ -131,7 +132,9 @@ class MAV_API HMAVPlatformMgr {
     Files heldFiles_() const;
     void refuse_(Refusal refusal);
     void refuseDir_(const std::string& dir, const std::string& reason);
-    void refuseBad_(const HMAVPlatform& platform);
+    void judge_(const HMAVPlatform& platform);
+    void settle_(const std::string& file);
+    void dropSettled_();
     Refusal refusalOf_(const std::string& path);
     void fail_(const std::string& text) { fail_(text, text); }
     void fail_(const std::string& text, const std::string& reason);

@@ -28,6 +28,11 @@ struct MAV_API TypedMembers {
         const HSTVector<mav_host::ZipMember>& members) const;
 };
 
+/// Names of the metadata members of an archive of that extension (without the dot), in the order in
+/// which they are packed: EXT.json and alt_EXT.json, then those two of the merged emulation
+/// platform, below its folder.
+MAV_API HSTVector<std::string> metadataMembers(const std::string& extension);
+
 /// The archive carries platform metadata and has an extension that tells so.
 MAV_API bool holdsPlatform(const mav_host::ZipArchive& archive);
 

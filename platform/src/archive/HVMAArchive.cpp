@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "json/Document.h"
+#include "json/Kinds.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFile.h"
 #include "mav_host/HUTZip.h"
@@ -15,12 +16,36 @@
 
 namespace {
 
+using mav_platform::json::ConversionError;
 using mav_platform::json::Node;
+
+/// Runs the work; what it finds of the wrong kind is told with its place.
+template <class Work>
+void at(const std::string& place, const Work& work) {
+    try {
+        work();
+    } catch (const ConversionError& error) {
+        throw ConversionError((place.empty() ? "" : "'" + place + "': ") + error.what());
+    }
+}
+
+/// The member's text; empty when there is none.
+std::string textOf(const Node& object, const char* key, const std::string& place = {}) {
+    const std::optional<Node> member = object.find(key);
+    if (member) at(place + key, [&] { requireText(*member); });
+    return member ? std::string(member->data()) : std::string();
+}
 
 void addFiles(const Node& root, HVMAFiles& out) {
     const std::optional<Node> files = root.find("files");
     if (!files) return;
-    for (const Node& item : *files) out.add(item.text("type"), item.text("name"));
+    at("files", [&] { requireList(*files); });
+    std::size_t count = 0;
+    for (const Node& item : *files) {
+        const std::string place = "files[" + std::to_string(count++) + "]";
+        at(place, [&] { requireObject(item); });
+        out.add(textOf(item, "type", place + "."), textOf(item, "name", place + "."));
+    }
 }
 
 /// What an index holds.
@@ -32,17 +57,22 @@ struct Index {
     HVMAFiles files;
 };
 
-/// Throws json_parser_error.
+/// Throws ConversionError, whose text tells the line or the place, for what is no index.
 Index indexOf(std::string text) {
-    const auto document = mav_platform::json::Document::fromBytes(std::move(text));
-    const Node root = document.root();
-    Index index{root.text("instPath"),
-                root.text("drBdInstName"),
-                root.text("pfmName"),
-                root.text("hierName"),
-                {}};
-    addFiles(root, index.files);
-    return index;
+    try {
+        const auto document = mav_platform::json::Document::fromBytes(std::move(text));
+        const Node root = document.root();
+        requireObject(root);
+        Index index{textOf(root, "instPath"),
+                    textOf(root, "drBdInstName"),
+                    textOf(root, "pfmName"),
+                    textOf(root, "hierName"),
+                    {}};
+        addFiles(root, index.files);
+        return index;
+    } catch (const boost::property_tree::json_parser::json_parser_error& error) {
+        throw ConversionError("line " + std::to_string(error.line()) + ": " + error.message());
+    }
 }
 
 void takeIfEmpty(std::string& text, std::string&& there) {
@@ -93,9 +123,8 @@ bool HVMAArchive::parse(const mav_host::ZipArchive& archive) {
         read_ = true;
     } catch (const HEXError&) {
         return reportUnreadable(name, archive.path());
-    } catch (const boost::property_tree::json_parser::json_parser_error& error) {
-        mav_host::report(mav_host::messages::MEMBER_FAULT, archive.path(), name,
-                         "line " + std::to_string(error.line()) + ": " + error.message());
+    } catch (const ConversionError& error) {
+        mav_host::report(mav_host::messages::MEMBER_FAULT, archive.path(), name, error.what());
         return false;
     }
     return true;
@@ -194,8 +223,10 @@ void HVMAArchive::takeOver_(const mav_host::ZipArchive& archive) {
         takeIfEmpty(hierName_, std::move(there.hierName));
     } catch (const HEXError&) {
         return;  // an index that nobody can read is written anew
-    } catch (const boost::property_tree::json_parser::json_parser_error&) {
-        return;
+    } catch (const ConversionError& error) {
+        throw HEXUserException("The index '" + name + "' of the archive '" + archive.path() +
+                               "' has a fault: " + error.what() +
+                               "; correct it and pack the archive again");
     }
 }
 
@@ -218,7 +249,11 @@ void HVMAArchive::checkSource_(const std::string& name, const std::string& sourc
         throw HEXUserException("HVMAArchive::archiveFile() - Could not open file for reading: " +
                                source);
     }
-    if (!HUTZip::isMemberName(name)) refuseMember(file_);
+    try {
+        HUTZip::checkMemberName(name, file_);
+    } catch (const HEXError&) {
+        refuseMember(file_);
+    }
 }
 
 void HVMAArchive::toJSON(mav_platform::JSONObjectWriter& writer) const {

@@ -2,6 +2,7 @@
 #include "check/CheckArchive.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <map>
 #include <optional>
@@ -19,6 +20,7 @@
 #include "mav_platform/HMAVHardwarePlatform.h"
 #include "mav_platform/HMAVPfmFileTypes.h"
 #include "mav_platform/HVMAArchive.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace mav_platform::check {
 namespace {
@@ -32,13 +34,13 @@ class ArchiveCheck {
         for (const auto& member : archive_.members()) members_.insert(member.name);
     }
     void run() {
-        const std::string name = HUTFile::getExt(archive_.path()) + ".json";
-        const bool own = checkPlatform("", name);
-        const bool emulation = checkPlatform(HMAVHardwarePlatform::getHwEmuDir() + "/", name);
+        const auto names = metadataMembers(HUTFile::getExt(archive_.path()));
+        const bool own = checkPlatform("", {names[1], names[0]});
+        const bool emulation =
+            checkPlatform(HMAVHardwarePlatform::hwEmuMemberName(""), {names[3], names[2]});
         if (!own && !emulation) {
-            report_.add(
-                "metadata", {archive_.path()},
-                "there is neither a member " + shown(name) + " nor " + shown("alt_" + name));
+            report_.add("metadata", {archive_.path()},
+                        "there is neither a member " + shown(names[0]) + " nor " + shown(names[1]));
         }
         checkIndex();
         checkUnlisted();
@@ -70,9 +72,9 @@ class ArchiveCheck {
 
     /// The metadata below a folder of the archive, both members where there are two. False when
     /// there is none.
-    bool checkPlatform(const std::string& folder, const std::string& name) {
+    bool checkPlatform(const std::string& folder, const std::array<std::string, 2>& members) {
         bool any = false;
-        for (const std::string& member : {folder + "alt_" + name, folder + name}) {
+        for (const std::string& member : members) {
             if (members_.count(member) == 0) continue;
             any = true;
             const auto json = readJson(member, HUTZip::MAX_METADATA_SIZE);

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,16 +11,17 @@
 
 #include "json/Convert.h"
 #include "json/Document.h"
+#include "json/Kinds.h"
 
 /// Tables that say which key of a metadata object fills what. A table lists the keys of one kind of
 /// object in the order in which they take effect, which is not the order of the document.
 namespace mav_platform::metadata {
 
-/// A value that does not convert, or a required key that is not there.
-class ConversionError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+using json::ConversionError;
+using json::isNothing;
+using json::requireList;
+using json::requireObject;
+using json::requireText;
 
 /// Where the reader stands in the document. A failure leaves it standing there, so that the report
 /// can name the place.
@@ -43,20 +43,6 @@ class Trail {
     };
     std::vector<Step> steps_;
 };
-
-/// Throws ConversionError for a node with children.
-[[noreturn]] void refuseChildren(const json::Node& node);
-/// Throws ConversionError unless the node holds a text.
-inline void requireText(const json::Node& node) {
-    if (node.hasChildren()) refuseChildren(node);
-}
-/// True for an empty text and for "null".
-bool isNothing(const json::Node& node);
-/// True when the node holds a list with items. Throws ConversionError for an object and for a text;
-/// an empty text and "null" are an empty list.
-bool requireList(const json::Node& node);
-/// True when the node holds an object with members; throws as requireList does.
-bool requireObject(const json::Node& node);
 
 /// One key of an object of kind T.
 template <class T>

@@ -35,11 +35,11 @@ ptree parse(std::string text, const std::string& file) {
 }
 
 std::string readFile(const std::string& path) {
-    std::optional<std::string> text = HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE);
+    bool larger = false;
+    std::optional<std::string> text =
+        HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE, larger);
+    if (larger) throw json_parser_error("file larger than 1 GiB", path, 0);
     if (!text) throw json_parser_error("cannot open file", path, 0);
-    if (text->size() > HUTZip::MAX_METADATA_SIZE) {
-        throw json_parser_error("file larger than 1 GiB", path, 0);
-    }
     return *std::move(text);
 }
 

@@ -154,7 +154,11 @@ void HMAVHardwarePlatform::archiveFile(const std::string& type, const std::strin
     if (!HUTFile::isFile(source) || !HUTFile::isReadable(source)) {
         throw HEXAlgException(refused + "Could not open file for reading: " + source);
     }
-    if (!HUTZip::isMemberName(name)) refuseMember(platformFile_);
+    try {
+        HUTZip::checkMemberName(name, platformFile_);
+    } catch (const HEXError&) {
+        refuseMember(platformFile_);
+    }
     const std::string member = memberName(name);
     checkNoMetadata_(member, name);
     HPLPlatform::validateFileType(type);

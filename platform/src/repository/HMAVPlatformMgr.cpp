@@ -125,6 +125,7 @@ bool HMAVPlatformMgr::addPlatformsFromDirs(const std::string& name, const Dirs& 
     const ClearedAtEnd cleared{parsed_};
     addPlatformsFromDirs_(name, full);
     addHardwarePlatformsFromDirs_(full);
+    dropSettled_();
     return !platforms_.empty() || !dsaPlatforms_.empty();
 }
 
@@ -158,6 +159,7 @@ bool HMAVPlatformMgr::addPlatformsFromDirs_(const std::string& name, const Dirs&
             if (!HUTDirWalk::walk(dir, {.followLinks = true, .maxDepth = DEEPEST_LEVEL}, visit)) {
                 break;
             }
+            settle_(dir);
         } catch (const std::exception& error) {
             report(messages::SEARCH_ENDED_EARLY, dir);
             refuseDir_(dir, error.what());
@@ -182,7 +184,7 @@ std::unique_ptr<HMAVPlatform> HMAVPlatformMgr::loadDescription_(const std::strin
         refuse_(refusalOf_(path));
         return nullptr;
     }
-    refuseBad_(*platform);
+    judge_(*platform);
     return platform;
 }
 
@@ -211,8 +213,21 @@ void HMAVPlatformMgr::refuseDir_(const std::string& dir, const std::string& reas
     refuse_({dir, reason, {}, true});
 }
 
-void HMAVPlatformMgr::refuseBad_(const HMAVPlatform& platform) {
-    if (!platform.isBad()) return;
+/// Leaves a gap in the list until the search ends.
+void HMAVPlatformMgr::settle_(const std::string& file) {
+    const auto known = refusalOfFile_.find(file);
+    if (known == refusalOfFile_.end()) return;
+    refusals_[known->second].file.clear();
+    refusalOfFile_.erase(known);
+}
+
+void HMAVPlatformMgr::dropSettled_() {
+    std::erase_if(refusals_, [](const Refusal& refusal) { return refusal.file.empty(); });
+    for (std::size_t i = 0; i < refusals_.size(); ++i) refusalOfFile_[refusals_[i].file] = i;
+}
+
+void HMAVPlatformMgr::judge_(const HMAVPlatform& platform) {
+    if (!platform.isBad()) return settle_(platform.getPlatformFile());
     Refusal refusal{platform.getPlatformFile(), platform.getBadReason(), {}, false};
     for (const HMAVHardwarePlatform* hardware : allHardware(platform)) {
         if (hardware == nullptr || hardware->isMetadataRead()) continue;
@@ -334,7 +349,7 @@ bool HMAVPlatformMgr::addHardwarePlatformsFromDirs_(const Dirs& dirs) {
     for (const std::string& file : files) {
         std::unique_ptr<HMAVPlatform> platform = found.take(file);
         if (platform == nullptr || !held.insert(file).second) continue;
-        refuseBad_(*platform);
+        judge_(*platform);
         dsaPlatforms_.push_back(nullptr);
         dsaPlatforms_.back() = platform.release();
     }
@@ -345,12 +360,20 @@ void HMAVPlatformMgr::getHardwarePlatformsFromDirs(const Dirs& dirs,
                                                    HSTVector<HMAVHardwarePlatform*>& out,
                                                    bool filterByVbnv) {
     const HUTDirMemory memory;
-    searchBareArchives_(canonical(dirs), out, handoffs_, filterByVbnv);
+    const Dirs full = canonical(dirs);
+    for (const std::string& dir : full) {
+        if (HUTFile::isDir(dir)) settle_(dir);
+    }
+    std::set<std::string> known;
+    for (const auto& [file, platform] : handoffs_) known.insert(file);
+    searchBareArchives_(full, out, handoffs_, filterByVbnv);
     std::map<std::string, const HMAVPlatform*> bad;
     for (const auto& [file, platform] : handoffs_) {
+        if (!platform->isBad() && !known.contains(file)) settle_(file);
         if (platform->isBad() && !refusalOfFile_.contains(file)) bad.emplace(file, platform);
     }
-    for (const auto& [file, platform] : bad) refuseBad_(*platform);
+    for (const auto& [file, platform] : bad) judge_(*platform);
+    dropSettled_();
 }
 
 void HMAVPlatformMgr::searchBareArchives_(

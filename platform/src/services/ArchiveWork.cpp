@@ -64,10 +64,7 @@ void checkNoFolder(const std::string& type) {
 
 /// Refuses names that no member may have, and those that would make a file of what is a folder.
 void checkMember(const std::string& name, const ZipArchive& archive) {
-    if (!HUTZip::isMemberName(name))
-        throw HEXAlgException(quoted(name) +
-                              " cannot name a member; give a path inside the archive with '/' "
-                              "between its parts, without empty parts, '.', '..' and backslashes");
+    HUTZip::checkMemberName(name, archive.path());
     for (std::size_t at = name.find('/'); at != std::string::npos; at = name.find('/', at + 1)) {
         if (archive.contains(name.substr(0, at)))
             throw HEXAlgException("the member " + quoted(name.substr(0, at)) + " is a file, so " +

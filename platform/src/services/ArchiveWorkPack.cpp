@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <iterator>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "mav_host/HEXError.h"
 #include "mav_host/HUTFolder.h"
 #include "mav_platform/ArchiveWork.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace fs = std::filesystem;
 
@@ -96,10 +96,8 @@ Sources collect(const std::string& dir) {
 /// Place of a member among the metadata members of an archive of that kind: 0 and 1 for those of
 /// the platform, 2 and 3 for those of its merged emulation platform, 4 for any other.
 int metadataRank(const std::string& member, const std::string& kind) {
-    const std::string names[] = {kind + ".json", "alt_" + kind + ".json",
-                                 "hw_emu/" + kind + ".json", "hw_emu/alt_" + kind + ".json"};
-    return static_cast<int>(std::find(std::begin(names), std::end(names), member) -
-                            std::begin(names));
+    const auto names = metadataMembers(kind);
+    return static_cast<int>(std::find(names.begin(), names.end(), member) - names.begin());
 }
 
 void sortMembers(Sources& sources, const std::string& kind) {

@@ -22,6 +22,7 @@ namespace {
 using boost::property_tree::ptree;
 
 constexpr const char* KEYS = "documentation_keys";
+constexpr const char* ANY_FORM = "object of any form";
 
 void tell(const std::string& line) {
     mav_host::console() << line << "\n" << std::flush;
@@ -50,6 +51,9 @@ const ptree* follow(const ptree& keys, const ptree& node, std::string_view text)
         const ptree* const object = inner != nullptr ? child(&keys, inner->data()) : nullptr;
         const ptree* const found = object != nullptr ? follow(keys, *object, rest) : nullptr;
         if (found != nullptr) return found;
+        // What lies in an object of any form is documented with it.
+        const ptree* const type = child(member, "type");
+        if (type != nullptr && type->data() == ANY_FORM) return member;
     }
     return nullptr;
 }
@@ -77,11 +81,14 @@ bool NativeDocService::getFromFile(ptree& doc) const {
     }
     try {
         doc = HMAVJSONUtils::readJsonFile(file);
-        return true;
+        if (child(&doc, KEYS) != nullptr) return true;
+        doc.clear();
+        tell("Exception: the documentation '" + file + "' has no member '" + KEYS +
+             "'; install the library anew");
     } catch (const std::exception& error) {
         tell(std::string("Exception: ") + error.what());
-        return false;
     }
+    return false;
 }
 
 ptree NativeDocService::getDocKeyBranch(const ptree& doc, const std::string& key) const {

@@ -99,11 +99,18 @@ Listed listedOf(const TypedMembers& members) {
 
 }  // namespace
 
+HSTVector<std::string> metadataMembers(const std::string& extension) {
+    const std::string own = extension + ".json";
+    const std::string alternative = "alt_" + own;
+    return {own, alternative, HMAVHardwarePlatform::hwEmuMemberName(own),
+            HMAVHardwarePlatform::hwEmuMemberName(alternative)};
+}
+
 bool holdsPlatform(const mav_host::ZipArchive& archive) {
     const std::string extension = HUTPathUtils::extension(archive.path());
     if (!HMAVHardwarePlatform::isValidPlatformExt(extension)) return false;
-    const std::string member = extension.substr(1) + ".json";
-    return archive.contains(member) || archive.contains("alt_" + member);
+    const HSTVector<std::string> members = metadataMembers(extension.substr(1));
+    return archive.contains(members[0]) || archive.contains(members[1]);
 }
 
 TypedMembers::TypedMembers(const mav_host::ZipArchive& archive) {

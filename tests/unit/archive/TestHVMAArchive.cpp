@@ -195,12 +195,41 @@ TEST(HVMAArchive, RefusalsLeaveArchiveAndObjectAlone) {
     refused(archive, "vma.json", source,
             "archive() - 'vma.json' is the name of the index itself; give the member another name");
     refused(archive, "a/../../b", source, closed + path);
+    refused(archive, std::string(65536, 'n'), source, closed + path);
     {
         const HostKey key("k");
         EXPECT_THROW(archive.archive("PDI", "n", source), mav_host::DigestRefusal);
     }
     EXPECT_TRUE(archive.getFiles().empty());
     EXPECT_EQ(dir.read("a.zip"), before);
+}
+
+TEST(HVMAArchive, AnIndexOfAnotherShapeIsNeitherReadNorReplaced) {
+    const TempDir dir;
+    const std::string source = dir.write("s", "s");
+    const std::pair<const char*, const char*> rows[] = {
+        {R"("x")", "holds the text 'x' where an object is expected"},
+        {R"({"files": "x"})", "'files': holds the text 'x' where a list is expected"},
+        {R"({"files": {"a": {}}})", "'files': holds an object where a list is expected"},
+        {R"({"files": [{}, 1]})", "'files[1]': holds the text '1' where an object is expected"},
+        {R"({"files": [{"name": ["a"]}]})",
+         "'files[0].name': holds a list where a text is expected"},
+        {R"({"pfmName": {"a": 1}})", "'pfmName': holds an object where a text is expected"},
+        {"{\n\"files\"", "line 2: expected ':'"}};
+    for (const auto& [index, fault] : rows) {
+        const std::string path = packIndex(dir, index);
+        const std::string before = dir.read("a.zip");
+        const CapturedMessages messages;
+        EXPECT_FALSE(HVMAArchive(path).parse());
+        EXPECT_EQ(messages.text(), "@74-64@%s%s%s|" + path + "|vma.json|" + fault + "\n");
+        EXPECT_THROW_MSG(HVMAArchive(path).archive("PDI", "n", source), HEXUserException,
+                         "The index 'vma.json' of the archive '" + path +
+                             "' has a fault: " + fault + "; correct it and pack the archive again");
+        EXPECT_EQ(dir.read("a.zip"), before);
+    }
+    for (const char* empty : {"null", "\"\"", "[]", R"({"files": ""})"}) {
+        EXPECT_TRUE(HVMAArchive(packIndex(dir, empty)).parse()) << empty;
+    }
 }
 
 TEST(HVMAArchive, AKilledWriterLeavesTheOldOrTheNewArchive) {

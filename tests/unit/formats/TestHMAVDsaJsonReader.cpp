@@ -212,6 +212,9 @@ TEST(HMAVDsaJsonReader, ReadsAFileOfItsOwn) {
     }
     EXPECT_TRUE(messages.has("the file is larger than 1073741824 bytes")) << messages.text();
     EXPECT_EQ(messages.all.size(), 3U);
+    HPLPlatform nameless;
+    EXPECT_FALSE(HMAVDsaJsonReader(&nameless).parseJsonString("[]"));
+    EXPECT_TRUE(messages.has("|text|'vendor': the required key is missing")) << messages.text();
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "mav_host/HUTEnv.h"
 #include "mav_platform/HMAVPlatform.h"
@@ -201,7 +203,8 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
     fs::permissions(r.dir.path(), fs::perms::all);
     fs::permissions(r.dir.path("all/b"), fs::perms::none);
     r.dir.write("all/a.qpfm", descriptionOf("c.pka"));
-    const Unprivileged rights;
+    std::optional<Unprivileged> rights;
+    rights.emplace();
     r.mgr.addPlatformsFromDirs({r.dir.path("all"), r.dir.path("next")});
     EXPECT_EQ(r.files(), "next/d.qpfm\nall/a.qpfm\n") << "the rest of that directory is not seen";
     EXPECT_TRUE(r.messages.has("@74-5@%s|" + r.dir.path("all")));
@@ -213,6 +216,10 @@ TEST(HMAVPlatformMgr, WhatVanishesOrCannotBeEnteredDoesNotHideTheRest) {
     r.mgr.getHardwarePlatformsFromDirs({r.dir.path("all"), r.dir.path("next")}, bare, false);
     EXPECT_EQ(r.refusals(), refused) << "the search for bare archives too";
     EXPECT_EQ(bare.size(), 2U) << "what was found stays, and the next directory is searched";
+    rights.reset();
+    fs::permissions(r.dir.path("all/b"), fs::perms::owner_all);
+    r.mgr.getHardwarePlatformsFromDirs({r.dir.path("all")}, bare, false);
+    EXPECT_EQ(r.refusals(), "") << "searched to its end";
 }
 
 TEST(HMAVPlatformMgr, ArchivesWithoutMetadataAreRefusedAndTheirPlatformsBad) {
@@ -236,6 +243,17 @@ TEST(HMAVPlatformMgr, ArchivesWithoutMetadataAreRefusedAndTheirPlatformsBad) {
     r.mgr.setProjectType(Type::PLATFORM);
     EXPECT_TRUE(r.mgr.getPlatform("a")->isBad());
     EXPECT_FALSE(r.mgr.getPlatform("c")->isBad());
+    bareArchive(r.dir, "b.pka");
+    r.mgr.clearAllPlatforms();
+    r.mgr.addPlatformsFromDirs({r.dir.path()});
+    std::string left = r.refusals();
+    EXPECT_EQ(left.find("b.pka"), std::string::npos)
+        << "what loads is no refusal any more: " << left;
+    EXPECT_EQ(std::count(left.begin(), left.end(), '\n'), 2) << left;
+    r.dir.write("b.pka", "");
+    r.mgr.clearAllPlatforms();
+    r.mgr.addPlatformsFromDirs({r.dir.path()});
+    EXPECT_EQ(r.mgr.getRefusals().size(), 4U);
 }
 
 TEST(HMAVPlatformMgr, LookUpsAskEachPlatformAllThreeQuestionsInTurn) {

@@ -36,11 +36,17 @@ TEST(NativeDocService, BranchesByClassMemberAndPath) {
         EXPECT_EQ(SERVICE.getDocKeyBranch(doc, path), clock) << path;
         EXPECT_TRUE(SERVICE.isValidDocKey(doc, path));
     }
+    for (const char* path :
+         {"hardwarePlatforms.hardwarePlatform.dpeHardware.archMap.0",
+          "HMAVDpeHardware.archMap.a.b[2].c", "HMAVDesignIPInstance.configuration.X.Y",
+          "hardwarePlatform.extensions.flow"}) {
+        EXPECT_EQ(SERVICE.getDocKeyBranch(doc, path).get("type", ""), "object of any form") << path;
+    }
     EXPECT_TRUE(SERVICE.isValidDocKey(doc, "all"));
     EXPECT_TRUE(SERVICE.isValidDocKey(doc, "list_keys"));
     EXPECT_EQ(console.text(), "");
     EXPECT_EQ(SERVICE.getDocKeyBranch(doc, "HMAVSystemClock.frequency.unit").data(), "MHz");
-    for (const char* key : {"", "HMAVSystemClock.Frequency"}) {
+    for (const char* key : {"", "HMAVSystemClock.Frequency", "HMAVDpeHardware.arch.0"}) {
         EXPECT_TRUE(SERVICE.getDocKeyBranch(doc, key).empty()) << key;
         EXPECT_FALSE(SERVICE.isValidDocKey(doc, key));
     }
@@ -67,6 +73,11 @@ TEST(NativeDocService, FilesThatAreMissingOrDamaged) {
                                 " >. Check the install area.  Can not continue with this task.\n";
     EXPECT_EQ(console.text(), missing + missing + "Exception: Failed to read platform: " + file +
                                   "(1): expected key string\n");
+    dir.write("platforms/platform_keys_doc.json", "[]");
+    EXPECT_FALSE(SERVICE.getFromFile(doc));
+    EXPECT_TRUE(console.text().ends_with("Exception: the documentation '" + file +
+                                         "' has no member 'documentation_keys'; install the "
+                                         "library anew\n"));
     dir.write("platforms/platform_keys_doc.json", R"({"documentation_keys":
         {"A": {"b": {"c": {"d": "1"}}, "b.c": {"d": "2"}}, "A.b": {"c": {"e": "3"}}}})");
     EXPECT_TRUE(SERVICE.isValidDocKey(doc, "A.b")) << "read when it is asked for";

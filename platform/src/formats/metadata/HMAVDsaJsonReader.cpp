@@ -122,13 +122,15 @@ bool HMAVDsaJsonReaderImpl::parseMember(const std::string& path, const std::stri
 }
 
 bool HMAVDsaJsonReaderImpl::parseFile(const std::string& path) {
-    std::optional<std::string> text = HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE);
-    if (!text) return refuse_(path, "the file cannot be read; name a readable file");
-    if (text->size() > HUTZip::MAX_METADATA_SIZE) {
+    bool larger = false;
+    std::optional<std::string> text =
+        HUTFileUtils::tryRead(path, HUTZip::MAX_METADATA_SIZE, larger);
+    if (larger) {
         return refuse_(path, "the file is larger than " +
                                  std::to_string(HUTZip::MAX_METADATA_SIZE) +
                                  " bytes, the most that metadata may have");
     }
+    if (!text) return refuse_(path, "the file cannot be read; name a readable file");
     return parseDocument_(*std::move(text), path, HUTPathUtils::stem(path));
 }
 
@@ -159,8 +161,8 @@ bool HMAVDsaJsonReaderImpl::parseDocument_(std::string text, const std::string& 
         throw;
     } catch (const std::exception& error) {
         const std::string place = trail.text();
-        return refuse_(path,
-                       member + ": " + (place.empty() ? "" : "'" + place + "': ") + error.what());
+        return refuse_(path, (member.empty() ? "" : member + ": ") +
+                                 (place.empty() ? "" : "'" + place + "': ") + error.what());
     }
     platform_->setMetadataRead(true);
     return true;

@@ -143,7 +143,23 @@ TEST_F(HUTZipWriting, WhatCannotBeIsRefusedBeforeAnythingIsWritten) {
               }),
               "The file '" + dir.path("none") + "' for the archive '" + path +
                   "' does not exist or is not a file");
-    EXPECT_THROW(add("a\xff\xfe", ""), HEXUserException);
+    const std::string start = "The member name '";
+    const std::string end = "' for the archive '" + path + "' ";
+    add(std::string(65535, 'a'), "the longest");
+    EXPECT_EQ(ZipArchive(path).members()[0].name.size(), 65535U);
+    fs::remove(path);
+    for (const auto& [name, text] :
+         {std::pair(std::string(65536, 'a'),
+                    std::string(200, 'a') + "..." + end +
+                        "is longer than 65535 bytes, the most that an archive can hold; give a "
+                        "shorter one"),
+          std::pair(std::string("a\xff"), "a\xff" + end + "is not UTF-8; give it in UTF-8"),
+          std::pair(std::string("a\1"), "a\1" + end + "holds a control character; leave it out")}) {
+        EXPECT_EQ(refusal([&] { add(name, ""); }), start + text);
+        EXPECT_TRUE(zip_ostream(path, name).fail()) << text;
+    }
+    add("a\t\r\n\x7f", "the zip library takes these");
+    fs::remove(path);
     EXPECT_THROW(HUTZip::add("", {{"a", "", ""}}), HEXUserException);
     EXPECT_THROW(HUTZip::addDigest(path), HEXFileNotFoundException);
     EXPECT_EQ(dir.list(), "");
