@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <string_view>
+
 #include "Command.h"
 #include "Errors.h"
 #include "Load.h"
@@ -27,14 +29,19 @@ constexpr const char* NOTES =
     "line\n"
     "for each tool release from the platform's own to two years on.\n";
 
+/// No argument can hold it, so that an empty release is told from none.
+constexpr std::string_view OF_HOST("\0", 1);
+
 struct Options {
+    bool hasRelease() const { return toolRelease != OF_HOST; }
+
     std::vector<std::string> files;
     bool preSynth = false;
     bool archive = false;
     bool matrix = false;
     bool json = false;
-    std::string toolRelease;  ///< empty: that of the host
-    std::string product;      ///< empty: that of the host
+    std::string toolRelease{OF_HOST};
+    std::string product;  ///< empty: that of the host
 };
 
 struct Answer {
@@ -47,11 +54,11 @@ void refuseWrongUse(const Options& options) {
     if (options.preSynth && options.archive)
         throw UsageError("--presynth and --archive are different questions; give one of them.",
                          "check");
-    if (!options.toolRelease.empty() && !HUTEnv::isRelease(options.toolRelease))
+    if (options.hasRelease() && !HUTEnv::isRelease(options.toolRelease))
         throw UsageError("'" + printable(options.toolRelease) +
                              "' is no release; give a year and a number, such as 2026.1.",
                          "check");
-    if (options.toolRelease.empty()) needToolRelease("check");
+    if (!options.hasRelease()) needToolRelease("check");
 }
 
 Answer ask(const NativeCatalogService& service, const Options& options, const std::string& file) {
@@ -77,7 +84,7 @@ std::string lines(const Answer& answer) {
 class Answers {
   public:
     explicit Answers(const Options& options) : options_(options) {
-        if (!options.toolRelease.empty()) service_.setTestCompilerVersion_(options.toolRelease);
+        if (options.hasRelease()) service_.setTestCompilerVersion_(options.toolRelease);
         if (!options.product.empty()) service_.setProduct_(options.product);
     }
 
