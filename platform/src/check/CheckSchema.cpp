@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "check/CheckSchema.h"
 
-#include <charconv>
-#include <cstdlib>
-#include <limits>
-#include <map>
 #include <optional>
 #include <set>
 #include <string_view>
+#include <vector>
 
 #include "check/CheckReport.h"
-#include "check/Pattern.h"
+#include "check/SchemaRule.h"
 #include "mav_host/HEXError.h"
 
 namespace mav_platform::check {
@@ -20,19 +17,22 @@ using json::Node;
 
 constexpr std::size_t LONGEST_PATTERN_TEXT = 1000;
 
-/// The number that the text is as a whole, also with 0x, in every locale.
-std::optional<double> numberIn(std::string_view text) {
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    if (hex) text.remove_prefix(2);
-    double number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(
-        text.data(), end, number, hex ? std::chars_format::hex : std::chars_format::general);
-    if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
-    if (error == std::errc::result_out_of_range) number = std::numeric_limits<double>::infinity();
-    return negative ? -number : number;
+/// The way to a node, which is put into words for a finding alone.
+struct Step {
+    const Step* above;
+    std::string_view key;
+    std::optional<std::size_t> index;  ///< of a list's item
+
+    std::string text() const {
+        std::string path = above == nullptr ? std::string() : above->text();
+        if (index) return path + "[" + std::to_string(*index) + "]";
+        if (!path.empty()) path += '.';
+        return path.append(key);
+    }
+};
+
+std::string textOf(const Step* step) {
+    return step == nullptr ? std::string() : step->text();
 }
 
 /// Walks a document along a JSON Schema, as far as our schemas use the language. The tree knows no
@@ -40,171 +40,145 @@ std::optional<double> numberIn(std::string_view text) {
 class SchemaWalk {
   public:
     SchemaWalk(const LocatedJson& json, const Node& schema, Report& report)
-        : json_(json), root_(schema), report_(report) {}
+        : json_(json), rules_(schema), report_(report) {}
 
-    void walk(const Node& node, const Node& given, const std::string& path) {
-        const Node schema = resolved(given);
-        if (!node.hasChildren()) {
-            checkText(node, schema, path);
-        } else if (node.isList()) {
-            if (!admits(schema, "array")) {
-                fault(node, path, "holds a list where " + expected(schema) + " is expected");
-            } else if (const auto items = schema.find("items")) {
-                std::size_t index = 0;
-                for (const Node& item : node) {
-                    walk(item, *items, path + "[" + std::to_string(index++) + "]");
-                }
-            }
-        } else if (!admits(schema, "object")) {
-            fault(node, path, "holds an object where " + expected(schema) + " is expected");
-        } else {
-            checkObject(node, schema, path);
-        }
-    }
+    void run() { walk(json_.root(), rules_.top(), nullptr); }
 
   private:
-    Node resolved(Node schema) const {
-        while (const auto reference = schema.find("$ref")) {
-            const std::string_view name =
-                reference->data().substr(std::string_view("#/$defs/").size());
-            const auto definitions = root_.find("$defs");
-            const auto target = definitions ? definitions->find(name) : std::nullopt;
-            if (!target) throw HEXAlgException("a schema refers to nothing");
-            schema = *target;
-        }
-        return schema;
-    }
-
-    static bool isAmong(const std::optional<Node>& types, std::string_view type) {
-        if (!types) return true;
-        if (!types->hasChildren()) return types->data() == type;
-        for (const Node& item : *types) {
-            if (item.data() == type) return true;
-        }
-        return false;
-    }
-    static bool admits(const Node& schema, std::string_view type) {
-        return isAmong(schema.find("type"), type);
-    }
-    static bool admitsText(const Node& schema) {
-        const auto types = schema.find("type");
-        for (const char* const type : {"string", "number", "integer", "boolean"}) {
-            if (isAmong(types, type)) return true;
-        }
-        return false;
-    }
-    static std::string expected(const Node& schema) {
-        if (admits(schema, "array")) return "a list";
-        return admits(schema, "object") ? "an object" : "a text";
-    }
-
-    void checkObject(const Node& node, const Node& schema, const std::string& path) {
-        const auto properties = schema.find("properties");
-        const auto others = schema.find("additionalProperties");
-        std::set<std::string_view> seen;
-        for (const Node& child : node) {
-            const std::string below = (path.empty() ? "" : path + ".") + std::string(child.key());
-            if (!seen.insert(child.key()).second) {
-                report_.add("duplicate", json_.place(child),
-                            shown(below) + " stands more than once; the first one counts");
-                continue;
-            }
-            const auto known = properties ? properties->find(child.key()) : std::nullopt;
-            if (known) {
-                walk(child, *known, below);
-            } else if (others && others->hasChildren()) {
-                walk(child, *others, below);
-            } else if (others && others->data() == "false") {
-                report_.add("unknown-item", json_.place(child),
-                            shown(below) + " is not part of the format; loading ignores it");
-            }
-        }
-        const auto required = schema.find("required");
-        if (!required) return;
-        for (const Node& key : *required) {
-            if (seen.count(key.data()) == 0) {
-                fault(node, path, "the required key " + shown(key.data()) + " is missing");
-            }
+    void walk(const Node& node, SchemaRule& rule, const Step* step) {
+        if (!node.hasChildren()) {
+            checkText(node, rule, step);
+        } else if (node.isList()) {
+            checkList(node, rule, step);
+        } else if (!rule.takesObject) {
+            fault(node, step,
+                  std::string("holds an object where ") + rule.expected() + " is expected");
+        } else {
+            checkObject(node, rule, step);
         }
     }
 
-    void checkText(const Node& node, const Node& schema, const std::string& path) {
-        const std::string_view text = node.data();
-        if (!admitsText(schema)) {
-            if (text.empty() || text == "null") return;
-            fault(node, path,
-                  "holds the text " + shown(text) + " where " + expected(schema) + " is expected");
+    void checkList(const Node& node, SchemaRule& rule, const Step* step) {
+        if (!rule.takesList) {
+            fault(node, step,
+                  std::string("holds a list where ") + rule.expected() + " is expected");
             return;
         }
-        if (const auto length = schema.find("maxLength")) {
-            const bool isEmpty = length->data() == "0" && text == "null";
-            if (!isEmpty &&
-                text.size() > std::strtoull(std::string(length->data()).c_str(), nullptr, 10)) {
-                fault(node, path,
-                      shown(text) +
-                          (length->data() == "0"
-                               ? " stands where " + expected(schema) + " is expected"
-                               : " is longer than " + std::string(length->data()) + " characters"));
-                return;
-            }
+        if (!rule.items.given) return;
+        SchemaRule& items = rules_.at(rule.items);
+        std::size_t index = 0;
+        for (const Node& item : node) {
+            const Step below{step, {}, index++};
+            walk(item, items, &below);
         }
-        if (const auto values = schema.find("enum")) checkEnum(node, *values, path);
-        if (const auto pattern = schema.find("pattern")) {
-            if (!checkPattern(node, schema, pattern->data(), path)) return;
-        }
-        checkRange(node, schema, path);
     }
 
-    void checkEnum(const Node& node, const Node& values, const std::string& path) {
+    void checkObject(const Node& node, SchemaRule& rule, const Step* step) {
+        std::vector<bool> seen(rule.properties.size());
+        std::set<std::string_view> others;
+        std::size_t guess = 0;
+        for (const Node& child : node) {
+            const Step below{step, child.key(), {}};
+            const std::size_t at = rule.indexOf(child.key(), guess);
+            const bool known = at < seen.size();
+            const bool again = known ? seen[at] : !others.insert(child.key()).second;
+            if (again) {
+                report_.add("duplicate", json_.place(child),
+                            shown(below.text()) + " stands more than once; the first one counts");
+            } else if (known) {
+                seen[at] = true;
+                walk(child, rules_.at(rule.properties[at].slot), &below);
+            } else {
+                checkOther(child, rule, below);
+            }
+            if (known) guess = at + 1;
+        }
+        for (const SchemaRule::Required& key : rule.required) {
+            if (key.property < seen.size() ? seen[key.property] : others.count(key.name) > 0)
+                continue;
+            fault(node, step, "the required key " + shown(key.name) + " is missing");
+        }
+    }
+
+    /// What is none of the properties.
+    void checkOther(const Node& node, SchemaRule& rule, const Step& step) {
+        if (rule.others.given) {
+            walk(node, rules_.at(rule.others), &step);
+        } else if (rule.refusesOthers) {
+            report_.add("unknown-item", json_.place(node),
+                        shown(step.text()) + " is not part of the format; loading ignores it");
+        }
+    }
+
+    void checkText(const Node& node, const SchemaRule& rule, const Step* step) {
+        const std::string_view text = node.data();
+        if (!rule.takesText) {
+            if (text.empty() || text == "null") return;
+            fault(node, step,
+                  "holds the text " + shown(text) + " where " + rule.expected() + " is expected");
+            return;
+        }
+        if (rule.maxLength && !checkLength(node, rule, step)) return;
+        if (rule.values) checkEnum(node, *rule.values, step);
+        if (rule.pattern != nullptr && !checkPattern(node, rule, step)) return;
+        if (rule.least || rule.most) checkRange(node, rule, step);
+    }
+
+    /// False after a finding.
+    bool checkLength(const Node& node, const SchemaRule& rule, const Step* step) {
+        const std::string_view text = node.data();
+        const std::size_t most = *rule.maxLength;
+        if (text.size() <= most || (most == 0 && text == "null")) return true;
+        fault(node, step,
+              shown(text) + (most == 0
+                                 ? std::string(" stands where ") + rule.expected() + " is expected"
+                                 : " is longer than " + std::to_string(most) + " characters"));
+        return false;
+    }
+
+    void checkEnum(const Node& node, const Node& values, const Step* step) {
         for (const Node& value : values) {
             if (value.data() == node.data()) return;
         }
         // A type that is not known does not keep a platform from loading.
-        const bool isFileType = path.rfind("files[", 0) == 0 && path.size() > 5 &&
-                                path.compare(path.size() - 5, 5, ".type") == 0;
-        if (isFileType) {
+        const std::string path = textOf(step);
+        if (path.starts_with("files[") && path.ends_with(".type")) {
             report_.add("file-type", json_.place(node),
                         shown(path) + ": " + shown(node.data()) + " is no file type");
         } else {
-            fault(node, path, shown(node.data()) + " is none of the texts that may stand here");
+            fault(node, step, shown(node.data()) + " is none of the texts that may stand here");
         }
     }
 
     /// False after a finding. The schema's description says in words what the pattern asks for.
-    bool checkPattern(const Node& node, const Node& schema, std::string_view pattern,
-                      const std::string& path) {
-        const std::string text(node.data());
-        Pattern& known = patterns_.try_emplace(pattern, pattern).first->second;
-        if (text.size() <= LONGEST_PATTERN_TEXT && known.matches(text)) return true;
-        const auto form = schema.find("description");
+    bool checkPattern(const Node& node, const SchemaRule& rule, const Step* step) {
+        const std::string_view text = node.data();
+        if (text.size() <= LONGEST_PATTERN_TEXT && rule.pattern->matches(text)) return true;
+        const auto form = rule.schema.find("description");
         if (!form) throw HEXAlgException("a schema describes no pattern");
-        fault(node, path, shown(text) + " is not " + std::string(form->data()));
+        fault(node, step, shown(text) + " is not " + std::string(form->data()));
         return false;
     }
 
-    void checkRange(const Node& node, const Node& schema, const std::string& path) {
-        const auto low = schema.find("minimum");
-        const auto high = schema.find("maximum");
-        const std::string text(node.data());
-        const auto number = numberIn(text);
+    void checkRange(const Node& node, const SchemaRule& rule, const Step* step) {
+        const auto number = numberIn(node.data());
         if (!number) return;
-        const auto limit = [](const Node& bound) { return numberIn(bound.data()).value(); };
-        if ((low && *number < limit(*low)) || (high && *number > limit(*high))) {
-            fault(node, path,
-                  shown(text) + " is not in the range" +
-                      (low ? " from " + std::string(low->data()) : "") +
-                      (high ? " to " + std::string(high->data()) : ""));
+        if ((rule.least && *number < *rule.least) || (rule.most && *number > *rule.most)) {
+            fault(node, step,
+                  shown(node.data()) + " is not in the range" +
+                      (rule.least ? " from " + rule.schema.text("minimum") : "") +
+                      (rule.most ? " to " + rule.schema.text("maximum") : ""));
         }
     }
 
-    void fault(const Node& node, const std::string& path, const std::string& text) {
+    void fault(const Node& node, const Step* step, const std::string& text) {
+        const std::string path = textOf(step);
         report_.add("schema", json_.place(node), (path.empty() ? "" : shown(path) + ": ") + text);
     }
 
     const LocatedJson& json_;
-    const Node root_;
+    SchemaRules rules_;
     Report& report_;
-    std::map<std::string_view, Pattern> patterns_;
 };
 
 }  // namespace
@@ -213,7 +187,7 @@ void checkSchema(const LocatedJson& json, const std::string& name, Report& repor
     const std::string_view text = schemaText(name);
     if (text.empty()) throw HEXAlgException("there is no schema '" + name + "'");
     const json::Document schema{std::string(text)};
-    SchemaWalk(json, schema.root(), report).walk(json.root(), schema.root(), "");
+    SchemaWalk(json, schema.root(), report).run();
 }
 
 }  // namespace mav_platform::check

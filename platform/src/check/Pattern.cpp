@@ -18,8 +18,7 @@ using Places = std::uint64_t;
 
 class Match {
   public:
-    Match(std::string_view pattern, const std::map<std::size_t, std::size_t>& close,
-          std::string_view text)
+    Match(std::string_view pattern, const std::vector<std::size_t>& close, std::string_view text)
         : pattern_(pattern), close_(close), text_(text), whole_(Places{1} << text.size()) {}
 
     bool run() {
@@ -50,9 +49,8 @@ class Match {
 
     /// One atom with its count; answers what follows.
     std::size_t piece(std::size_t at, std::size_t end, Places& places, bool last) {
-        const auto closed = close_.find(at);
         const std::size_t size = pattern_[at] == '\\' ? 2 : 1;
-        const std::size_t atomEnd = closed != close_.end() ? closed->second + 1 : at + size;
+        const std::size_t atomEnd = close_[at] != 0 ? close_[at] + 1 : at + size;
         const Count count = countAt(atomEnd);
         const bool isLast =
             last && count.end == atomEnd && (atomEnd == end || pattern_[atomEnd] == '|');
@@ -93,8 +91,8 @@ class Match {
         if (c == '*') return {0, NO_LIMIT, at + 1};
         if (c == '+') return {1, NO_LIMIT, at + 1};
         if (c != '{') return {1, 1, at};
-        Count count{0, 0, close_.at(at) + 1};
-        const char* const last = pattern_.data() + close_.at(at);
+        Count count{0, 0, close_[at] + 1};
+        const char* const last = pattern_.data() + close_[at];
         const char* const comma = std::from_chars(pattern_.data() + at + 1, last, count.least).ptr;
         count.most = comma == last ? count.least : NO_LIMIT;
         if (comma != last) std::from_chars(comma + 1, last, count.most);
@@ -102,7 +100,7 @@ class Match {
     }
 
     std::string_view pattern_;
-    const std::map<std::size_t, std::size_t>& close_;
+    const std::vector<std::size_t>& close_;
     std::string_view text_;
     Places whole_;
     bool done_ = false;
@@ -119,6 +117,7 @@ bool isCount(std::string_view text) {
 Pattern::Pattern(std::string_view text) : text_(text) {
     if (text.size() < 2 || !text.starts_with('^') || !text.ends_with('$')) return;
     inner_ = text.substr(1, text.size() - 2);
+    close_.resize(inner_.size());
     simple_ = scan();
 }
 
@@ -159,7 +158,7 @@ bool Pattern::scan() {
     return open.empty();
 }
 
-bool Pattern::matches(const std::string& text) {
+bool Pattern::matches(std::string_view text) {
     if (simple_ && text.size() <= LONGEST_TEXT) return Match(inner_, close_, text).run();
     if (!compiled_) {
         auto compiled = std::make_unique<std::regex>();
@@ -167,7 +166,7 @@ bool Pattern::matches(const std::string& text) {
         compiled->assign(text_);
         compiled_ = std::move(compiled);
     }
-    return std::regex_search(text, *compiled_);
+    return std::regex_search(text.begin(), text.end(), *compiled_);
 }
 
 }  // namespace mav_platform::check

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace mav_platform::check {
 
@@ -19,14 +19,14 @@ class Pattern {
     explicit Pattern(std::string_view text);
 
     /// The text holds a match.
-    bool matches(const std::string& text);
+    bool matches(std::string_view text);
 
   private:
     bool scan();
 
     std::string text_;
-    std::string inner_;                         ///< between "^" and "$"
-    std::map<std::size_t, std::size_t> close_;  ///< the end of each group and bracket
+    std::string inner_;               ///< between "^" and "$"
+    std::vector<std::size_t> close_;  ///< the end of the group or bracket at each place, else 0
     bool simple_ = false;
     std::unique_ptr<std::regex> compiled_;  ///< made when it is first needed
 };
