@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Tells about a platform in a few lines. Usage: platform.py FILE
+"""Tells about a platform in a few lines. Usage: show_platform.py FILE
 
 It needs the package mav_platform: the wheel of `./dev python`, or python3-mav-platform.
 """
