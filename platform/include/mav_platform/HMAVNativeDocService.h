@@ -22,9 +22,11 @@ class MAV_API NativeDocService : public DocService {
 
     /// Reads ROOT/platforms/platform_keys_doc.json, ROOT being the application root, into `doc`.
     /// False when it is not there ("Could not find the <FILE >. Check the install area.  Can not
-    /// continue with this task.") or does not parse ("Exception: " and the reason).
+    /// continue with this task."), does not parse or has no "documentation_keys" ("Exception: " and
+    /// the reason, with the file's name).
     bool getFromFile(ptree& doc) const override;
-    /// The key's branch under "documentation_keys"; empty when there is none.
+    /// The key's branch under "documentation_keys"; that of the object of any form that the key
+    /// lies in; empty when there is none.
     ptree getDocKeyBranch(const ptree& doc, const std::string& key) const override;
     /// True for "all" and "list_keys" and for every key with a branch in `doc`, which is read from
     /// the file first when it is empty. Otherwise tells "Could not find the specified key: <KEY>.",

@@ -44,7 +44,7 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     /// Fills the object from the index; keys that are absent read as empty. False, with the object
     /// as it was, after a report: "@74-89@%s" when the archive is no file, "@74-67@%s%s" (index,
     /// archive) when the index is missing or damaged, "@74-64@%s%s%s" (archive, index, text) when
-    /// it is not JSON.
+    /// it is not JSON or of another shape.
     bool parse();
     /// The same over an archive that is open already; `getFile()` stays.
     bool parse(const mav_host::ZipArchive& archive);
@@ -66,8 +66,9 @@ class MAV_API HVMAArchive : public mav_platform::JSONSerializable {
     /// Throws HEXAlgException "HVMAArchive::archive() - vmaFile is not set", "... - jsonFile is not
     /// set", "... - vmaFile does not exist"; HEXUserException as archiveFile does and
     /// "HVMAArchive::writeJSON() - Could not open file for streaming: " + archive for an index name
-    /// that is refused, and "HVMAArchive::archive() - 'NAME' is the name of the index itself; ...";
-    /// mav_host::DigestRefusal as HUTZip::updateWithDigest does.
+    /// that is refused, "HVMAArchive::archive() - 'NAME' is the name of the index itself; ...", and
+    /// "The index 'vma.json' of the archive 'ARCHIVE' has a fault: ..." for one that is there and
+    /// is not JSON or of another shape; mav_host::DigestRefusal as HUTZip::updateWithDigest does.
     void archive(const std::string& type, const std::string& name, const std::string& source,
                  mav_host::Resign resign = mav_host::Resign::NO);
 
