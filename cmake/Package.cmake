@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # `cpack` makes Debian packages from the components of Install.cmake: the library with its data, what
-# clients are built with, the command, and the Python package.
+# clients are built with, the command, and the Python and Java packages.
 set(MAV_LIBRARY_PACKAGE libmav-platform${PROJECT_VERSION_MAJOR})
 set(MAV_DEVELOPMENT_PACKAGE libmav-platform-dev)
 set(MAV_COMMAND_PACKAGE mav)
@@ -8,6 +8,10 @@ set(MAV_PYTHON_PACKAGE python3-mav-platform)
 set(components library development command)
 if(TARGET mav_python)
   list(APPEND components python)
+endif()
+set(MAV_JAVA_PACKAGE libmav-platform-java)
+if(TARGET mav_java)
+  list(APPEND components java)
 endif()
 
 # Debian wants the licence in a folder named like the package; a plain install has it once.
@@ -46,6 +50,9 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_SOURCE_DIR}/cmake/debian/python/postinst
   ${CMAKE_SOURCE_DIR}/cmake/debian/python/prerm)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_JAVA_PACKAGE_DEPENDS
+  "${exactly}, default-jre-headless (>= 2:1.17) | java17-runtime-headless")
+set(CPACK_DEBIAN_JAVA_PACKAGE_SECTION java)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION devel)
@@ -59,4 +66,7 @@ set(CPACK_COMPONENT_COMMAND_DESCRIPTION "shows, checks and makes accelerator pla
  The mav command with its manual pages and shell completion.")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "platform library, Python package
  Typed views of platforms, questions to them, validation and archives.")
+set(CPACK_COMPONENT_JAVA_DESCRIPTION "platform library, Java package
+ The classes of the library as org.mavplatform, for Java 17 and newer, with
+ their documentation.")
 include(CPack)

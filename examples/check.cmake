@@ -1,7 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
-# Runs an example over a sample and compares what it prints; a missing file ends it with 1 and a
-# sentence.
-execute_process(COMMAND ${INTERPRETER} ${PROGRAM} ${SAMPLES}/veltrin_h90/veltrin_h90.pka
+# Runs an example over a sample, or what ARGUMENT names below the samples, and compares what it
+# prints; a missing file ends it with 1 and a sentence.
+if(NOT ARGUMENT)
+  set(ARGUMENT veltrin_h90/veltrin_h90.pka)
+endif()
+execute_process(COMMAND ${INTERPRETER} ${PROGRAM} ${SAMPLES}/${ARGUMENT}
   OUTPUT_VARIABLE printed RESULT_VARIABLE code)
 file(READ ${EXPECTED} expected)
 if(NOT code EQUAL 0 OR NOT printed STREQUAL expected)

@@ -8,7 +8,7 @@ readonly here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 readonly build="$(cd "$1" && pwd)"
 readonly work="$(mktemp -d)"
 readonly packages="$work/packages" root="$work/root" prefix="$work/root/usr"
-readonly names=(libmav-platform1 libmav-platform-dev mav python3-mav-platform)
+readonly names=(libmav-platform1 libmav-platform-dev mav python3-mav-platform libmav-platform-java)
 readonly title=package
 trap 'rm -rf "$work"' EXIT
 # shellcheck source=tests/install/common.sh
@@ -32,7 +32,7 @@ files_of() { dpkg-deb --contents "$(package_of "$1")" | awk '$1 !~ /^d/ { print 
 dependencies_are_told() {
     local version name
     version="$(field mav Version)"
-    for name in mav libmav-platform-dev python3-mav-platform; do
+    for name in mav libmav-platform-dev python3-mav-platform libmav-platform-java; do
         [[ "$(field "$name" Depends)" == *"libmav-platform1 (= $version)"* ]] || return 1
     done
     [[ "$(field libmav-platform1 Depends)" == *libexpat1*libzip4* ]] &&
@@ -50,6 +50,9 @@ files_in_their_packages() {
         holds libmav-platform1 /usr/lib/libmav_platform.so.1 &&
         holds libmav-platform-dev /usr/lib/libmav_platform.so &&
         holds libmav-platform-dev /usr/share/mav_platform/schema/hpfm.xsd || return 1
+    holds libmav-platform-java /usr/lib/jni/libmav_platform_java.so &&
+        holds libmav-platform-java /usr/share/java/mav-platform.jar &&
+        holds libmav-platform-java /usr/share/doc/libmav-platform-java/api/index.html || return 1
     holds python3-mav-platform /usr/lib/python3/dist-packages/mav_platform/views.py || return 1
     holds mav /usr/share/doc/mav/docs/formats/metadata.md && holds mav /usr/share/man/man1/mav.1 && holds mav /usr/share/man/man1/mav-show.1 &&
         holds mav /usr/share/bash-completion/completions/mav &&
@@ -92,6 +95,12 @@ library_is_found() {
         grep -q "$prefix/lib/libmav_platform.so.1\|bin/../lib/libmav_platform.so.1" "$work/needed"
 }
 
+# As a program finds them where the packages are installed.
+java_client() {
+    java -Djava.library.path="$prefix/lib/jni" -cp "$prefix/share/java/mav-platform.jar" \
+        "$here/../../examples/PlatformTable.java" "$sample" >"$work/table" && grep -q . "$work/table"
+}
+
 # dpkg's own records of the installed packages are gone with them.
 removed_without_trace() {
     in_root --purge "${names[@]}" && inventory | diff "$work/before" - &&
@@ -110,5 +119,6 @@ check "the library is found" library_is_found
 check "the mav command" command_works
 check "C client with find_package" client_by_cmake C
 check "C++ client with pkg-config" client_by_pkg_config client.cpp g++
+check "Java client" java_client
 check "removed without a trace" removed_without_trace
 summary

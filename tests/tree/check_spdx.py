@@ -5,7 +5,7 @@ import os
 import sys
 
 LINE = "SPDX-License-Identifier: Apache-2.0"
-SUFFIXES = (".cpp", ".h", ".c", ".cmake", ".py", ".sh", ".xsd")
+SUFFIXES = (".cpp", ".h", ".c", ".cmake", ".py", ".sh", ".xsd", ".java", ".i")
 NAMES = ("CMakeLists.txt", "dev", "run", ".clang-tidy")
 SKIPPED = ("build", ".git", ".cache", "__pycache__")
 

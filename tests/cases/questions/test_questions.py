@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import shlex
 import subprocess
 import sys
 import unittest
@@ -96,3 +97,8 @@ class Questions(Compare):
 class Python(Compare):
     def test_python(self):
         self.compare(ask_driver(sys.executable, "-B", HERE / "ask.py"))
+
+
+class Java(Compare):
+    def test_java(self):
+        self.compare(ask_driver(*shlex.split(os.environ["MAV_ASK_JAVA"])))

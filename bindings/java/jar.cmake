@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: Apache-2.0
+# Compiles every Java file below FOLDERS for Java 17 and packs the classes into the jar OUT.
+set(classes ${OUT}.classes)
+file(REMOVE_RECURSE ${classes})
+set(sources)
+foreach(folder IN LISTS FOLDERS)
+  if(IS_DIRECTORY ${folder})
+    file(GLOB_RECURSE found ${folder}/*.java)
+  else()
+    set(found ${folder})
+  endif()
+  list(APPEND sources ${found})
+endforeach()
+# A type that no interface file explains.
+foreach(source IN LISTS sources)
+  if(source MATCHES "/SWIGTYPE_")
+    message(FATAL_ERROR "${source}: this type has no form in Java; give it one below bindings/java/swig")
+  endif()
+endforeach()
+list(LENGTH sources count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "no Java file below ${FOLDERS}")
+endif()
+list(JOIN sources "\n" lines)
+file(WRITE ${OUT}.sources "${lines}\n")
+set(classpath)
+if(CLASSPATH)
+  set(classpath -cp ${CLASSPATH})
+endif()
+execute_process(COMMAND ${JAVAC} --release 17 -encoding UTF-8 -Xlint:all,-serial,-try,-path -Werror ${classpath}
+  -d ${classes} @${OUT}.sources COMMAND_ERROR_IS_FATAL ANY)
+# Equal sources give an equal jar.
+file(WRITE ${OUT}.manifest "Implementation-Title: mav-platform\nImplementation-Version: ${VERSION}\n")
+execute_process(COMMAND ${JAR} --create --file ${OUT} --manifest ${OUT}.manifest
+  --date=2020-01-01T00:00:00Z -C ${classes} . COMMAND_ERROR_IS_FATAL ANY)
