@@ -6,7 +6,7 @@ import re
 import subprocess
 
 from conftest import SOURCE
-from mav_platform import _c
+from mav_platform import _c, _library
 
 HEADER = SOURCE / "platform/include/mav_platform/mav_platform_c.h"
 
@@ -34,3 +34,11 @@ def test_every_function_and_callback():
     declared = re.findall(r"MAV_API[^;]*?(\w+)\([^;]*\) HMAV_NOEXCEPT;", text)
     assert sorted(declared) == sorted(_c.FUNCTIONS)
     assert text.count("(*hmav_") == sum(name.endswith("Callback") for name in vars(_c))
+
+
+def test_hints_name_what_python_has():
+    """Hints of the C interface name its functions, and each of them has a name in Python."""
+    literals = [text for path in (SOURCE / "platform/src/capi").glob("*.cpp")
+                for text in re.findall(r'"[^"\n]*"', path.read_text()) if not text.endswith('.h"')]
+    named = set(re.findall(r"\bhmav_\w+", " ".join(literals))) - {"hmav_api_version"}
+    assert named and named <= set(_library._PYTHON_NAMES)
