@@ -2,14 +2,8 @@
 #include "json/Escape.h"
 
 #include <array>
-#include <cstdint>
-#include <cstring>
 
 #include "json/TextBuffer.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace mav_platform::json {
 
@@ -56,52 +50,9 @@ char* putBytes(char* out, const char* cur, const char* end) {
     return out;
 }
 
-#if defined(__SSE2__)
-
-unsigned specials(__m128i bytes) {
-    const __m128i control = _mm_set1_epi8(0x1F);
-    const __m128i hits =
-        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')),
-                                  _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\'))),
-                     _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('/')),
-                                  _mm_cmpeq_epi8(_mm_min_epu8(bytes, control), bytes)));
-    return static_cast<unsigned>(_mm_movemask_epi8(hits));
-}
-
-template <class Word>
-Word load(const char* from) {
-    Word word;
-    std::memcpy(&word, from, sizeof(word));
-    return word;
-}
-
-/// Fewer than 16 bytes: two words that overlap when nothing needs an escape.
-char* putShort(char* out, const char* cur, const char* end) {
-    const auto size = static_cast<std::size_t>(end - cur);
-    if (size >= 8) {
-        const auto head = load<long long>(cur);
-        const auto tail = load<long long>(end - 8);
-        if (specials(_mm_set_epi64x(tail, head)) != 0) return putBytes(out, cur, end);
-        std::memcpy(out, &head, 8);
-        std::memcpy(out + size - 8, &tail, 8);
-        return out + size;
-    }
-    if (size >= 4) {
-        const auto head = load<int>(cur);
-        const auto tail = load<int>(end - 4);
-        if (specials(_mm_set_epi32(tail, head, tail, head)) != 0) return putBytes(out, cur, end);
-        std::memcpy(out, &head, 4);
-        std::memcpy(out + size - 4, &tail, 4);
-        return out + size;
-    }
-    return putBytes(out, cur, end);
-}
-
-#endif
-
 }  // namespace
 
-char* escape(char* out, std::string_view text) {
+char* escapeAny(char* out, std::string_view text) {
     const char* cur = text.data();
     const char* const end = cur + text.size();
 #if defined(__SSE2__)
@@ -118,10 +69,11 @@ char* escape(char* out, std::string_view text) {
             cur += plain + 1;
         }
     }
-    return putShort(out, cur, end);
-#else
-    return putBytes(out, cur, end);
+    if (cur == end) return out;
+    char* const plain = putPlain(out, {cur, static_cast<std::size_t>(end - cur)});
+    if (plain != nullptr) return plain;
 #endif
+    return putBytes(out, cur, end);
 }
 
 std::string quoted(std::string_view text) {

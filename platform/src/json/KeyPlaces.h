@@ -7,7 +7,9 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <vector>
 
+#include "json/ShortText.h"
 #include "json/TextBuffer.h"
 #include "mav_host/HI18N.h"
 
@@ -28,28 +30,11 @@ inline bool hasDot(std::uint64_t bytes) {
     return ((bytes - ONES) & ~bytes & (ONES << 7)) != 0;
 }
 
-template <class Word>
-Word loadWord(const char* from) {
-    Word word;
-    std::memcpy(&word, from, sizeof(word));
-    return word;
-}
-
 inline KeyLook lookAtKey(std::string_view key) {
     constexpr std::uint64_t FACTOR = 0x9E3779B97F4A7C15;
     const char* const text = key.data();
     const std::size_t size = key.size();
-    std::uint64_t head = 0;
-    std::uint64_t tail = 0;
-    if (size >= 8) {
-        head = loadWord<std::uint64_t>(text);
-        tail = loadWord<std::uint64_t>(text + size - 8);
-    } else if (size >= 4) {
-        head = loadWord<std::uint32_t>(text);
-        tail = loadWord<std::uint32_t>(text + size - 4);
-    } else {
-        for (const char c : key) head = head << 8 | static_cast<unsigned char>(c);
-    }
+    const auto [head, tail] = endsOf(key);
     bool dot = hasDot(head) || hasDot(tail);
     std::uint64_t all = head | tail;
     for (std::size_t at = 8; at + 8 < size; at += 8) {
@@ -65,17 +50,10 @@ inline KeyLook lookAtKey(std::string_view key) {
 
 /// True for a text that can be written as it stands.
 inline bool isUtf8(std::string_view text) {
-    const std::size_t size = text.size();
-    const char* const end = text.data() + size;
-    std::uint64_t all = 0;
-    if (size >= 8) {
-        for (const char* at = text.data(); end - at > 8; at += 8)
-            all |= loadWord<std::uint64_t>(at);
-        all |= loadWord<std::uint64_t>(end - 8);
-    } else if (size >= 4) {
-        all = loadWord<std::uint32_t>(text.data()) | loadWord<std::uint32_t>(end - 4);
-    } else {
-        for (const char c : text) all |= static_cast<unsigned char>(c);
+    const auto [head, tail] = endsOf(text);
+    std::uint64_t all = head | tail;
+    for (std::size_t at = 8; at + 8 < text.size(); at += 8) {
+        all |= loadWord<std::uint64_t>(text.data() + at);
     }
     return (all & HIGH_BITS) == 0 || HI18N_isUTF8(text);
 }
@@ -85,6 +63,31 @@ struct KeyPlace {
     std::uint64_t hash = 0;
     std::size_t offset = 0;
     std::size_t size = 0;
+};
+
+/// The keys of the open levels, the innermost last. Room for one more is made first; nothing can
+/// fail after that.
+class KeyStack {
+  public:
+    std::size_t size() const { return size_; }
+    const KeyPlace* data() const { return keys_.data(); }
+    const KeyPlace& back() const { return keys_[size_ - 1]; }
+
+    /// Throws std::bad_alloc.
+    void makeRoom() {
+        if (size_ == room_) grow();
+    }
+    void push(const KeyPlace& place) noexcept { keys_[size_++] = place; }
+    void cut(std::size_t size) noexcept { size_ = size; }
+
+  private:
+    void grow() {
+        keys_.resize(size_ == 0 ? 64 : size_ * 2);
+        room_ = keys_.size();
+    }
+    std::vector<KeyPlace> keys_;
+    std::size_t size_ = 0;
+    std::size_t room_ = 0;
 };
 
 inline bool sameKey(const TextBuffer& text, const KeyPlace& a, const KeyPlace& b) {

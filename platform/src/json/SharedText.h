@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "json/CompactText.h"
 #include "json/KeyPlaces.h"
@@ -14,7 +13,7 @@ namespace mav_platform::json {
 /// What a writer and the open children below it share.
 struct SharedText {
     TextBuffer text;
-    std::vector<KeyPlace> keys;       ///< of the open levels, the innermost last
+    KeyStack keys;
     JSONWriter* active;               ///< the innermost open writer
     std::unique_ptr<CellList> cells;  ///< of a compact document; null for JSON text
 };

@@ -34,6 +34,17 @@ char* putLineStart(char* out, std::size_t depth) {
 
 }  // namespace
 
+/// After this `remember` cannot fail.
+inline void TextSink::makeRoomForKey() {
+    shared_->keys.makeRoom();
+}
+
+inline void TextSink::remember(const KeyPlace& place) noexcept {
+    if (list_) return;
+    shared_->keys.push(place);
+    keyMask_ |= maskBit(place.hash);
+}
+
 TextSink::TextSink(JSONWriter& writer, bool list)
     : shared_(begunText(writer, list).release()), start_(1), list_(list) {}
 
@@ -57,7 +68,7 @@ TextSink::TextSink(JSONWriter& writer, TextSink& parent, std::string_view key, c
     shared_->text.commit(out);
     start_ = shared_->text.size();
     // The parent's mask learns the key when the level is closed.
-    if (keyed_) shared_->keys.push_back(place);
+    if (keyed_) shared_->keys.push(place);
     firstKey_ = shared_->keys.size();
     shared_->active = &writer;
 }
@@ -75,19 +86,19 @@ void TextSink::close(TextSink& parent) {
         *out++ = list_ ? ']' : '}';
         text.commit(out);
     }
-    shared_->keys.resize(firstKey_);
+    shared_->keys.cut(firstKey_);
     if (keyed_) parent.keyMask_ |= maskBit(shared_->keys.back().hash);
 }
 
 void TextSink::forget() noexcept {
     shared_->text.truncate(mark_);
     if (shared_->cells) shared_->cells->truncate(cell_);
-    shared_->keys.resize(keyed_ ? firstKey_ - 1 : firstKey_);
+    shared_->keys.cut(keyed_ ? firstKey_ - 1 : firstKey_);
 }
 
 void TextSink::clear() noexcept {
     shared_->text.truncate(start_);
-    shared_->keys.resize(firstKey_);
+    shared_->keys.cut(firstKey_);
     keyMask_ = 0;
     manyKeys_.reset();
 }
@@ -250,7 +261,7 @@ void TextSink::beginCompact(std::string_view key, const KeyLook& look) {
     cell_ = shared_->cells->add(list_ ? Kind::LIST : Kind::OBJECT, offset32(mark_),
                                 offset32(key.size()), 0);
     start_ = text.size();
-    if (keyed_) shared_->keys.push_back({look.hash, mark_, key.size()});
+    if (keyed_) shared_->keys.push({look.hash, mark_, key.size()});
     firstKey_ = shared_->keys.size();
 }
 
@@ -274,12 +285,6 @@ bool TextSink::addCompact(std::string_view key, std::uint64_t hash, std::string_
 
 // ---- keys ----
 
-/// After this `remember` cannot fail.
-void TextSink::makeRoomForKey() {
-    auto& keys = shared_->keys;
-    if (keys.size() == keys.capacity()) keys.reserve(std::max<std::size_t>(64, keys.size() * 2));
-}
-
 bool TextSink::knows(const KeyPlace& place) {
     if (list_ || (keyMask_ & maskBit(place.hash)) == 0) return false;
     const KeyPlace* const keys = shared_->keys.data() + firstKey_;
@@ -290,12 +295,6 @@ bool TextSink::knows(const KeyPlace& place) {
     }
     return std::any_of(keys, keys + count,
                        [&](const KeyPlace& other) { return sameKey(shared_->text, place, other); });
-}
-
-void TextSink::remember(const KeyPlace& place) noexcept {
-    if (list_) return;
-    shared_->keys.push_back(place);
-    keyMask_ |= maskBit(place.hash);
 }
 
 }  // namespace mav_platform::json
