@@ -7,6 +7,7 @@
 #include "mav_platform/HMAVPfmFileTypes.h"
 #include "mav_platform/HMAVPlatform.h"
 #include "mav_platform/HVMAArchive.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace cli {
 namespace {
@@ -124,7 +125,7 @@ void addChecked(const Options& options) {
                       " is no file that can be read. Check its path and permissions.");
     const ProgressLine progress;
     endingCleanly([&] {
-        if (holdsPlatform(archive)) {
+        if (mav_platform::holdsPlatform(archive)) {
             addToPlatform(options, archive);
         } else {
             addToIndexed(options, archive);

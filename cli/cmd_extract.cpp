@@ -3,9 +3,12 @@
 #include "Command.h"
 #include "Output.h"
 #include "Suggest.h"
+#include "mav_platform/TypedMembers.h"
 
 namespace cli {
 namespace {
+
+using mav_platform::TypedMembers;
 
 constexpr const char* NOTES =
     "A type is looked for first, in the metadata of the platform and of its merged emulation\n"
@@ -29,7 +32,7 @@ struct Options {
 
 void extract(const Options& options) {
     const mav_host::ZipArchive archive = openArchive(options.archive);
-    const TypedMembers types = typedMembers(archive);
+    const TypedMembers types(archive);
     const std::string* const typed = types.find(options.what);
     std::string member = typed != nullptr ? *typed : options.what;
     while (member.ends_with('/')) member.pop_back();

@@ -3,12 +3,12 @@
 #include "Command.h"
 #include "Output.h"
 #include "Screen.h"
-#include "mav_platform/JSONValue.h"
+#include "mav_platform/ArchiveAnswers.h"
 
 namespace cli {
 namespace {
 
-using mav_platform::JSONValue;
+using mav_platform::ArchiveListing;
 
 struct Options {
     std::string archive;
@@ -22,32 +22,20 @@ std::string joined(const HSTVector<std::string>& types) {
     return text;
 }
 
-std::string table(const HSTVector<mav_host::ZipMember>& members, const TypedMembers& types) {
-    const auto listed = types.typesOf(members);
+std::string table(const ArchiveListing& listing) {
     std::vector<Screen::Row> rows;
-    for (std::size_t i = 0; i < members.size(); ++i)
-        rows.push_back({joined(listed[i]), std::to_string(members[i].size), members[i].name});
+    for (std::size_t i = 0; i < listing.members.size(); ++i)
+        rows.push_back({joined(listing.types[i]), std::to_string(listing.members[i].size),
+                        listing.members[i].name});
     std::string text;
     for (const std::string& line : Screen::lines({"TYPE", "SIZE", "MEMBER"}, rows))
         text.append(line).append("\n");
-    return text;
+    return text + "digest: " + mav_platform::digestWord(listing.digest) + "\n";
 }
 
-std::string json(const std::string& archive, const HSTVector<mav_host::ZipMember>& members,
-                 const TypedMembers& types, const std::string& digest) {
-    const auto listed = types.typesOf(members);
-    JSONValue list = JSONValue::list();
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        list.add(JSONValue::object()
-                     .addPath("path", members[i].name)
-                     .add("types", JSONValue::list(listed[i]))
-                     .add("size", members[i].size));
-    }
-    return JSONValue::answer("files")
-        .addPath("file", archive)
-        .add("digest", digest)
-        .add("members", std::move(list))
-        .text();
+ArchiveListing read(const mav_host::ZipArchive& archive) {
+    const ProgressLine progress;
+    return ArchiveListing(archive);
 }
 
 void listMembers(const Options& options) {
@@ -58,15 +46,8 @@ void listMembers(const Options& options) {
         answer.end();
         return;
     }
-    const TypedMembers types = typedMembers(archive);
-    std::string digest;
-    {
-        const ProgressLine progress;
-        digest = digestText(HUTZip::verifyDigest(options.archive));
-    }
-    const auto members = archive.members();
-    writeData(options.json ? json(options.archive, members, types, digest)
-                           : table(members, types) + "digest: " + digest + "\n");
+    const ArchiveListing listing = read(archive);
+    writeData(options.json ? listing.answer(options.archive).text() : table(listing));
 }
 
 void run(const Options& options) {

@@ -311,6 +311,12 @@ MAV_API size_t hmav_archive_count(const hmav_archive* archive) HMAV_NOEXCEPT;
 MAV_API int hmav_archive_member(hmav_archive* archive, size_t index, const hmav_member** member,
                                 hmav_error** error) HMAV_NOEXCEPT;
 
+/* Members with types and sizes, and the digest, as `mav files --json` prints them: {"schema":
+ * "mav.files/1", "file": ..., "digest": "valid", "members": [{"path": ..., "types": [...],
+ * "size": ...}, ...]}. Every member is read for the digest. */
+MAV_API int hmav_archive_listing(hmav_archive* archive, const hmav_progress_options* progress,
+                                 char** json, hmav_error** error) HMAV_NOEXCEPT;
+
 /* A member read in pieces, in constant memory. */
 typedef struct hmav_reader hmav_reader;
 
@@ -351,10 +357,15 @@ typedef enum hmav_digest {
     HMAV_DIGEST_UNKEYED = 4   /* it was made without a key, while the host has one */
 } hmav_digest;
 
-/* Reads every member and compares the digest. `faults` takes a line for each member that cannot be
+/* Reads every member and compares the digest; refuses one that would inflate beyond all measure.
+ * `faults` takes a line for each member that cannot be
  * read or is listed and absent; it is empty when there is none, and may be null. */
 MAV_API int hmav_archive_verify(hmav_archive* archive, const hmav_progress_options* progress,
                                 int* digest, char** faults, hmav_error** error) HMAV_NOEXCEPT;
+/* The same as `mav verify --json` prints it: {"schema": "mav.verify/1", "file": ..., "good": true,
+ * "digest": "valid", "faults": [...]}. */
+MAV_API int hmav_archive_soundness(hmav_archive* archive, const hmav_progress_options* progress,
+                                   char** json, hmav_error** error) HMAV_NOEXCEPT;
 
 typedef struct hmav_pack_options {
     size_t size;

@@ -10,12 +10,14 @@
 #include "mav_host/Host.h"
 #include "mav_host/Printable.h"
 #include "mav_host/xp.h"
-#include "mav_platform/ArchiveWork.h"
+#include "mav_platform/ArchiveAnswers.h"
 #include "mav_platform/TypedMembers.h"
 
 using namespace capi;
 using mav_host::printable;
 using mav_host::ZipArchive;
+using mav_platform::ArchiveListing;
+using mav_platform::ArchiveSoundness;
 using mav_platform::ArchiveWork;
 
 struct hmav_archive {
@@ -78,13 +80,30 @@ std::string extracted(const hmav_archive& archive, const char* what, const char*
                   "hmav_archive_member gives the members that it has."};
 }
 
-std::string faultsOf(const hmav_archive& archive, Progress& progress) {
+ArchiveSoundness soundnessOf(const hmav_archive& archive, Progress& progress) {
+    return ArchiveSoundness(archive.archive, [&](const std::string& member, double done) {
+        progress.step(member, done);
+    });
+}
+
+std::string linesOf(const HSTVector<ArchiveWork::Fault>& faults) {
     std::string text;
-    const auto tell = [&](const std::string& member, double done) { progress.step(member, done); };
-    for (const ArchiveWork::Fault& fault : ArchiveWork::faults(archive.archive, tell)) {
-        text += printable(fault.text) + "\n";
-    }
+    for (const ArchiveWork::Fault& fault : faults) text += printable(fault.text) + "\n";
     return text;
+}
+
+/// Gives a text that is made of the archive while the caller is told how far it is.
+template <class Make>
+int textOf(const hmav_archive* archive, const hmav_progress_options* progress, char** json,
+           hmav_error** error, Make&& make) noexcept {
+    return call(listenerOn(archive), error, HMAV_NOT_LOADABLE, [&] {
+        clearResult(json, "json");
+        refuseNull(archive, "archive");
+        const hmav_progress_options wanted = optionsOf(progress);
+        withProgress(wanted.on_progress, wanted.user, [&](Progress& told) {
+            *json = newText(make(told).answer(archive->archive.path()).text());
+        });
+    });
 }
 
 /// A result that the caller may not want.
@@ -229,12 +248,23 @@ int hmav_archive_verify(hmav_archive* archive, const hmav_progress_options* prog
         refuseNull(archive, "archive");
         const hmav_progress_options wanted = optionsOf(progress);
         withProgress(wanted.on_progress, wanted.user, [&](Progress& told) {
-            const std::string text = faultsOf(*archive, told);
-            const mav_host::DigestState state = HUTZip::verifyDigest(archive->archive.path());
-            if (faults != nullptr) *faults = newText(text);
-            *digest = static_cast<int>(state);
+            const ArchiveSoundness soundness = soundnessOf(*archive, told);
+            if (faults != nullptr) *faults = newText(linesOf(soundness.faults));
+            *digest = static_cast<int>(soundness.digest);
         });
     });
+}
+
+int hmav_archive_soundness(hmav_archive* archive, const hmav_progress_options* progress,
+                           char** json, hmav_error** error) noexcept {
+    return textOf(archive, progress, json, error,
+                  [&](Progress& told) { return soundnessOf(*archive, told); });
+}
+
+int hmav_archive_listing(hmav_archive* archive, const hmav_progress_options* progress, char** json,
+                         hmav_error** error) noexcept {
+    return textOf(archive, progress, json, error,
+                  [&](Progress&) { return ArchiveListing(archive->archive); });
 }
 
 int hmav_pack(const hmav_session* session, const char* directory, const char* archive,

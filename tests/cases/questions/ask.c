@@ -58,17 +58,27 @@ static void ask_archive(const char* what, const char* file) {
     static const char* const DIGESTS[] = {"\"valid\"", "\"missing\"", "\"mismatch\"", "\"no key\"",
                                           "\"unkeyed\""};
     hmav_archive* archive = NULL;
+    char* text = NULL;
     int digest = 0;
     char number[32];
     int code = hmav_archive_open(NULL, file, &archive, NULL);
     if (code == HMAV_DONE && strcmp(what, "digest") == 0) {
         code = hmav_archive_verify(archive, NULL, &digest, NULL, NULL);
         answer(code, code == HMAV_DONE ? DIGESTS[digest] : "");
+    } else if (code == HMAV_DONE && (strcmp(what, "files") == 0 || strcmp(what, "verify") == 0)) {
+        code = (*what == 'f' ? hmav_archive_listing : hmav_archive_soundness)(archive, NULL, &text,
+                                                                              NULL);
+        answer_text(code, text);
     } else {
         sprintf(number, "%lu", (unsigned long)hmav_archive_count(archive));
         answer(code, code == HMAV_DONE ? number : "");
     }
     hmav_archive_free(archive);
+}
+
+static int is_about_archives(const char* what) {
+    return strcmp(what, "digest") == 0 || strcmp(what, "members") == 0 ||
+           strcmp(what, "files") == 0 || strcmp(what, "verify") == 0;
 }
 
 static void ask(const char* what, const char* file, const char* with) {
@@ -86,7 +96,7 @@ static void ask(const char* what, const char* file, const char* with) {
         code = hmav_validate(NULL, file, NULL, NULL, NULL, &errors, NULL);
         sprintf(number, "%lu", (unsigned long)errors);
         answer(code, number);
-    } else if (strcmp(what, "digest") == 0 || strcmp(what, "members") == 0) {
+    } else if (is_about_archives(what)) {
         ask_archive(what, file);
     } else {
         ask_platform(what, file, with);

@@ -83,6 +83,8 @@ class Questions(Compare):
         card, board = "veltrin_h90/veltrin_h90.pka", "tessomar_r2/tessomar_r2.qpfm"
         for ask, file, argument, arguments, places in (
                 ("list", ".", "", ["list", "--json", "--all"], ()),
+                ("files", card, "", ["files", "--json"], ()),
+                ("verify", card, "", ["verify", "--json"], ()),
                 ("verdict", card, "2026.1", ["check", "--json", "--tool-release", "2026.1"], ("platforms", 0)),
                 ("verdict", board, "2099.1", ["check", "--json", "--tool-release", "2099.1"], ("platforms", 0))):
             with self.subTest(ask=ask, file=file):

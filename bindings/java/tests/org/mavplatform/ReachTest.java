@@ -26,6 +26,7 @@ class ReachTest {
     private static final Set<String> NO_CLASS =
             Set.of(
                     "mav_platform", "mav_platform_c", "partitionsFault", "OwnedList", "JSONTextSink",
+                    "ArchiveAnswers",
                     "HMAVEmulationExtMetaJsonReader", "HMAVEmulationJsonReader",
                     "HMAVEmulationXMLReader", "HMAVEmulationXMLWriter",
                     "HMAVDpePartitionsJsonReader");
