@@ -177,16 +177,35 @@ const Command& parse(CLI::App& app, const Commands& all, int argc, char** argv) 
     return *chosen;
 }
 
+/// Tells the parser of the commands that the words name; of all when the first word names none or
+/// asks for help. Making the options of commands that cannot be meant is a good part of a small
+/// call.
+void announceNamed(CLI::App& app, const Commands& all, std::span<char*> words) {
+    const auto isNamed = [](const Command& command, std::span<char*> where) {
+        return std::any_of(where.begin(), where.end(), [&](std::string_view word) {
+            return mav_host::equalLetters(command.name, word);
+        });
+    };
+    const auto first = words.first(std::min<std::size_t>(1, words.size()));
+    const bool known = std::any_of(all.begin() + 1, all.end(), [&](const Command& command) {
+        return command.name != "help" && isNamed(command, first);
+    });
+    for (auto command = all.begin() + 1; command != all.end(); ++command) {
+        const bool named = isNamed(*command, words);
+        if (known && !named) continue;
+        CLI::App* const one = app.add_subcommand(command->name, command->description);
+        one->group(command->group);
+        if (named) announce(*one, *command);
+    }
+}
+
 int run(std::span<const Row> table, int argc, char** argv) {
     const Commands all = describe(table);
     CLI::App app(DESCRIPTION, "mav");
     app.require_subcommand(1);
     announce(app, all.front());
-    for (auto command = all.begin() + 1; command != all.end(); ++command) {
-        CLI::App* const one = app.add_subcommand(command->name, command->description);
-        one->group(command->group);
-        announce(*one, *command);
-    }
+    announceNamed(app, all,
+                  std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0 ? 1 : 0));
     try {
         return parse(app, all, argc, argv).run(all) ? DONE : NEGATIVE;
     } catch (const HelpWanted& help) {
