@@ -68,6 +68,7 @@ class HelpTest(CommandTest):
     def test_every_command_and_option_is_everywhere(self):
         found = commands()
         self.assertGreater(len(found), 10)
+        self.assertEqual(self.mav("help")[0], self.mav("--help")[0])
         main = (BUILT / "man1/mav.1").read_text()
         for name, options in found.items():
             self.assertIn(f"\\fB{name}\\fR\n", main)
