@@ -5,12 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "mav_host/Nearest.h"
+
 namespace cli {
 
-/// The candidate nearest to a mistyped word, leading dashes left aside; empty when none is near: at
-/// most one slip (a letter added, lost, changed, or two swapped) for every three letters typed, one
-/// slip at least. Of equally near candidates the first wins.
-std::string nearest(std::string_view word, const std::vector<std::string>& candidates);
+using mav_host::nearest;
 
 /// " Did you mean 'WORD'?" for the word that was meant; empty without one.
 std::string didYouMean(std::string_view meant);

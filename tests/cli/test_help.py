@@ -118,7 +118,7 @@ class HelpTest(CommandTest):
                 (["show", "--color", "=", "ne"], ["never"]),
                 (["show", "--section", "cl"], ["clocks"]),
                 (["list", "--type", "p"], ["pellux"]), (["list", "--vendor", ""], []),
-                (["validate", "--explain", "dig"], ["digest"]),
+                (["validate", "--explain", "dig"], ["digest", "digest-key"]),
                 (["doc", "HMAVSystemClo"], ["HMAVSystemClock"] + [
                     name for name in self.offered("doc", "HMAVSystemClock.")]),
                 (["json", "--metadata", "x"], ["xml"]), (["json", "card"], ["card one.pka"]),

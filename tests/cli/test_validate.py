@@ -6,14 +6,18 @@ import pathlib
 import re
 import shutil
 import unittest
+import xml.etree.ElementTree as ElementTree
+import zipfile
+
+from jsonschema import Draft202012Validator
 
 from support import MAV, PLATFORMS, SAMPLES, SOURCE, CommandTest, run
 
 PAGES = SOURCE / "docs/rules"
 IDENTITY = {"vendor": "v", "boardId": "b", "name": "n", "versionMajor": "1", "versionMinor": "0",
             "files": [{"name": "a.txt", "type": "DCP"}]}
-NEXT = (r"\Amav: \d+ errors? in \d+ files?\. 'mav validate --explain RULE' tells what a rule asks "
-        r"for\.\n\Z")
+NEXT = (r"\Amav: \d+ files? looked at: (no findings|\d+ errors?, \d+ warnings?, \d+ notes?"
+        r"\. 'mav validate --explain RULE' tells what a rule asks for)\.\n\Z")
 
 
 class Validate(CommandTest):
@@ -51,7 +55,7 @@ class Validate(CommandTest):
         """The rules that the last command of the shell's lines finds; the others succeed. A good
         example has no error at all, so that none hides another."""
         *steps, last = script.splitlines()
-        self.assertRegex(last, r"^(\w+=\S+ )?mav validate \S+$")
+        self.assertRegex(last, r"^(\w+=\S+ )?mav validate (--rule \S+ )?\S+$")
         folder = self.dir / "transcript"
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir()
@@ -68,13 +72,13 @@ class Validate(CommandTest):
         self.assertNotIn(None, rules, answer)
         errors = any(rule[1] == "error" for rule in rules)
         self.assertEqual(done.returncode, int(errors), answer)
-        self.assertRegex(done.stderr.decode(), NEXT if errors else r"\A\Z")
+        self.assertRegex(done.stderr.decode(), NEXT)
         self.assertFalse(good and errors, answer)
         return {rule[2] for rule in rules}
 
     def test_examples_of_the_pages(self):
         rules = {page.stem: page.read_text(encoding="utf-8") for page in PAGES.glob("*.md")}
-        source = (SOURCE / "platform/src/check/CheckReport.cpp").read_text()
+        source = (SOURCE / "platform/src/check/CheckRules.cpp").read_text()
         known = dict(re.findall(r'\{"([a-z-]+)", (ERROR|WARNING|NOTE),', source))
         self.assertEqual(sorted(rules), sorted(known))
         for rule, page in rules.items():
@@ -108,6 +112,42 @@ class Validate(CommandTest):
                 self.assertEqual(done.returncode, 1)
                 self.assertIn("d\u00e9/gone.pka' is no file",
                               json.dumps(json.loads(done.stdout), ensure_ascii=False))
+
+    def test_sarif(self):
+        """By the parts of the published schema that we use; nested files, columns and fingerprints."""
+        schema = json.loads((SOURCE / "tests/cli/sarif.schema.json").read_text(encoding="utf-8"))
+
+        def log(text):
+            with zipfile.ZipFile(self.dir / "p.pka", "w") as out:
+                out.writestr("pka.json", text)
+            document = json.loads(run(MAV, "validate", "--sarif", "p.pka", cwd=self.dir).stdout)
+            Draft202012Validator(schema).validate(document)
+            return document["runs"][0]
+        text = '{"vendor": "v", "boardId": "\u00e9\U0001f600", "name": "n", "versionMajor": "x", "versionMinor": 0}'
+        first, moved = log(text), log("\n\n" + text)
+
+        def finding(made):
+            return next(result for result in made["results"] if result["ruleId"] == "schema")
+        place = finding(first)["locations"][0]["physicalLocation"]
+        self.assertEqual(place["region"], {"startLine": 1, "startColumn": text.index('"versionMajor') + 2})
+        artifact = first["artifacts"][place["artifactLocation"]["index"]]
+        self.assertEqual(artifact, {"location": {"uri": "/pka.json"}, "parentIndex": 0})
+        self.assertEqual(first["artifacts"][0], {"location": {"uri": "p.pka"}})
+        self.assertEqual(finding(moved)["locations"][0]["physicalLocation"]["region"]["startLine"], 3)
+        self.assertEqual(finding(moved)["partialFingerprints"], finding(first)["partialFingerprints"])
+        prints = [result["partialFingerprints"]["place/v1"] for result in first["results"]]
+        self.assertEqual(len(set(prints)), len(prints))
+
+    def test_junit(self):
+        self.pack({"busInterfaces": [{"name": "a"}, {"name": "a"}], "platformState": "<&"})
+        for level, failures in (("error", "1"), ("warning", "2")):
+            run(MAV, "validate", "--junit", self.dir / "r.xml", "--fail-on", level, "--rule", "release=off",
+                self.dir / "p.pka")
+            root = ElementTree.parse(self.dir / "r.xml").getroot()
+            self.assertEqual((root.get("failures"), root.tag), (failures, "testsuites"))
+            cases = {case.get("name"): case for case in root.iter("testcase")}
+            self.assertIn("duplicate", cases)
+            self.assertIn("'<&'", "".join(cases["vocabulary"].itertext()))
 
     def test_patterns_are_told_in_words(self):
         def patterns(schema):

@@ -31,6 +31,7 @@ NAMES = {
     "extension-metadata.schema.json": r"ext_metadata\.json",
     "dpe-partitions.schema.json": r"dpe_partition\.json",
     "vma.schema.json": r"vma\.json",
+    "mavcheck.schema.json": r"\.mavcheck",
 }
 # Which schema describes each example of a format page, in order; the last one goes on.
 PAGE_SCHEMAS = {
@@ -42,6 +43,7 @@ PAGE_SCHEMAS = {
     "document.md": ["document.schema.json"],
     "dpe_partitions.md": ["dpe-partitions.schema.json"],
     "vma.md": ["vma.schema.json"],
+    "mavcheck.md": ["mavcheck.schema.json"],
 }
 NESTED = (".zip", ".pka", ".dsa")
 

@@ -32,7 +32,8 @@ class Coverage(unittest.TestCase):
         texts = {}
         for text in packed_samples():
             texts.setdefault(text.schema, []).append(text.text)
-        for name in NAMES:
+        # Exceptions from rules belong to who checks, not to a platform; their page has the example.
+        for name in set(NAMES) - {"mavcheck.schema.json"}:
             with self.subTest(schema=name):
                 self.covered(name, texts.get(name, []))
 

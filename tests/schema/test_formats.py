@@ -28,7 +28,7 @@ class Formats(unittest.TestCase):
                 Draft202012Validator.check_schema(load(name))
 
     def test_packed_samples(self):
-        self.fit(packed_samples(), NAMES)
+        self.fit(packed_samples(), set(NAMES) - {"mavcheck.schema.json"})
 
     def test_format_pages(self):
         pages = {page.name for page in PAGES.glob("*.md")}

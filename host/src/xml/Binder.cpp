@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "xml/Binder.h"
 
+#include "mav_host/Nearest.h"
 #include "mav_host/Printable.h"
 
 namespace mav_host::xml::detail {
@@ -82,7 +83,7 @@ void Binder::startChild(std::string_view name, Attributes attributes) {
     const std::size_t index =
         parent.list != nullptr ? parent.list->findElement(compared(name)) : ElementList::npos;
     if (index == ElementList::npos) {
-        find(Finding::Kind::Element, name, parent.name);
+        find(Finding::Kind::Element, name, parent);
         ignored_ = 1;
         return;
     }
@@ -142,7 +143,7 @@ void Binder::bindAttributes(Frame& frame, Attributes attributes) {
         if (isStandard(name)) continue;
         const std::size_t index = frame.list->findAttribute(compared(name), guess);
         if (index == ElementList::npos) {
-            find(Finding::Kind::Attribute, name, frame.name);
+            find(Finding::Kind::Attribute, name, frame);
             continue;
         }
         const Item& item = frame.list->items()[index];
@@ -161,7 +162,7 @@ void Binder::bindAttributes(Frame& frame, Attributes attributes) {
 
 void Binder::ignoreAttributes(const Frame& frame, Attributes attributes) {
     for (const AttributeView& attribute : attributes)
-        if (!isStandard(attribute.name)) find(Finding::Kind::Attribute, attribute.name, frame.name);
+        if (!isStandard(attribute.name)) find(Finding::Kind::Attribute, attribute.name, frame);
 }
 
 void Binder::checkAttributes(const Frame& frame) {
@@ -213,14 +214,30 @@ void Binder::refuse(const Position& at, const std::string& text) {
     findings_->faults.push_back({text, at.line, at.column});
 }
 
-void Binder::find(Finding::Kind kind, std::string_view name, std::string_view parent) {
+namespace {
+
+/// The name of the list's items of that kind that is nearest to the given one.
+std::string meantBy(Finding::Kind kind, std::string_view name, const ElementList* list) {
+    if (list == nullptr) return {};
+    const Place other = kind == Finding::Kind::Element ? Place::Attribute : Place::Element;
+    std::vector<std::string> names;
+    for (const Item& item : list->items()) {
+        if (item.place != other) names.push_back(item.name);
+    }
+    return nearest(name, names);
+}
+
+}  // namespace
+
+void Binder::find(Finding::Kind kind, std::string_view name, const Frame& parent) {
     if (findings_ == nullptr) return;
     if (findings_->list.size() >= Findings::LIMIT) {
         ++findings_->more;
         return;
     }
     const Position at = locator_.position();
-    findings_->list.push_back({kind, clipped(name), clipped(parent), at.line, at.column});
+    findings_->list.push_back({kind, clipped(name), clipped(parent.name),
+                               meantBy(kind, compared(name), parent.list), at.line, at.column});
 }
 
 }  // namespace mav_host::xml::detail

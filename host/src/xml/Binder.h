@@ -48,7 +48,7 @@ class Binder final : public Events {
     void checkContent(const Frame& frame);
     /// Keeps the fault when that is asked for, else throws it.
     void refuse(const Position& at, const std::string& text);
-    void find(Finding::Kind kind, std::string_view name, std::string_view parent);
+    void find(Finding::Kind kind, std::string_view name, const Frame& parent);
 
     const Document& document_;
     void* root_;

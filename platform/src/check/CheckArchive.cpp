@@ -12,6 +12,7 @@
 
 #include "check/CheckHpfm.h"
 #include "check/CheckMetadata.h"
+#include "check/CheckNames.h"
 #include "check/CheckXml.h"
 #include "formats/emulation/MAVEmulationLMX.h"
 #include "mav_host/HEXError.h"
@@ -31,20 +32,22 @@ using json::Node;
 class ArchiveCheck {
   public:
     ArchiveCheck(const std::string& path, Report& report) : archive_(path), report_(report) {
-        for (const auto& member : archive_.members()) members_.insert(member.name);
+        for (const auto& member : archive_.members()) addMember(member.name);
     }
-    void run() {
+    ArchiveIdentity run() {
         const auto names = metadataMembers(HUTFile::getExt(archive_.path()));
+        own_ = names[0];
         const bool own = checkPlatform("", {names[1], names[0]});
-        const bool emulation =
-            checkPlatform(HMAVHardwarePlatform::hwEmuMemberName(""), {names[3], names[2]});
-        if (!own && !emulation) {
+        checkPlatform(HMAVHardwarePlatform::hwEmuMemberName(""), {names[3], names[2]});
+        if (!own) {
             report_.add("metadata", {archive_.path()},
                         "there is neither a member " + shown(names[0]) + " nor " + shown(names[1]));
         }
         checkIndex();
-        checkUnlisted();
+        // Without metadata there is nothing that could list them.
+        if (own) checkUnlisted();
         checkDigest();
+        return identity_;
     }
 
   private:
@@ -53,15 +56,32 @@ class ArchiveCheck {
 
     std::string fileOf(const std::string& member) const { return archive_.path() + "/" + member; }
 
+    void addMember(const std::string& name) {
+        const bool isFolder = name.ends_with('/');
+        if (!members_.insert(name).second) {
+            report_.add("duplicate", {archive_.path()},
+                        "the member " + shown(name) +
+                            " stands more than once; readers differ in which one counts");
+        } else if (!HUTZip::isMemberName(isFolder ? name.substr(0, name.size() - 1) : name)) {
+            report_.add("member-name", {archive_.path()},
+                        "the name of the member " + shown(name) +
+                            " is refused by who extracts or packs it");
+        }
+    }
+
     /// The member's text; nothing after a report, or when it is absent.
     std::optional<std::string> read(const std::string& member, std::uint64_t limit) {
         if (members_.count(member) == 0) return std::nullopt;
         try {
             return archive_.read(member, limit);
         } catch (const HEXError& error) {
-            report_.add("unreadable", {fileOf(member)}, error.what());
+            unreadable(member, error);
             return std::nullopt;
         }
+    }
+    void unreadable(const std::string& member, const HEXError& error) {
+        if (!unreadable_.insert(member).second) return;
+        report_.add("unreadable", {fileOf(member)}, error.what());
     }
     std::optional<LocatedJson> readJson(const std::string& member,
                                         std::uint64_t limit = LISTED_LIMIT) {
@@ -91,6 +111,11 @@ class ArchiveCheck {
         std::vector<const HpfmNames*> documents;
         for (const std::string& member : metadataHpfms_) documents.push_back(&hpfms_.at(member));
         checkItems(json, documents, report_);
+        // The alternative metadata may tell of another platform.
+        if (json.file() == fileOf(own_)) {
+            checkAgreement(json, documents, report_);
+            identify(json);
+        }
         for (const std::string& member : metadataHpfms_) {
             // What the other metadata of the folder lists too is judged with the first one.
             if (judged_.insert(member).second) {
@@ -99,18 +124,51 @@ class ArchiveCheck {
         }
     }
 
+    void identify(const LocatedJson& json) {
+        name_ = platformName(json);
+        const Node root = json.root();
+        identity_ = {root.text("vendor"), sameNumber(root.text("versionMajor")) + "." +
+                                              sameNumber(root.text("versionMinor"))};
+        for (const Node& file : itemsOf(root, "files")) {
+            types_[file.text("type")].insert(file.text("name"));
+        }
+    }
+
+    /// A file that is listed twice, or another one of a type of which readers take one.
+    void checkOnce(const LocatedJson& json, const Node& item, const std::string& type,
+                   std::map<std::string, std::set<std::string>>& seen) {
+        static const std::set<std::string> ALONE{"HPFM",    "DPEPRJ",        "EMU_JSON",
+                                                 "EMU_XML", "EXT_META_JSON", "META_JSON"};
+        std::set<std::string>& names = seen[type];
+        const std::string name = item.text("name");
+        const bool isFirst = names.empty();
+        if (!names.insert(name).second) {
+            report_.add(
+                "duplicate", json.place(item, "name"),
+                "the file " + shown(name) + " of type " + shown(type) + " is listed already");
+        } else if (!isFirst && ALONE.count(type) > 0) {
+            report_.add("duplicate", json.place(item, "type"),
+                        "another file of type " + shown(type) +
+                            " is listed already; only one of them is used");
+        }
+    }
+
     void checkFiles(const LocatedJson& json, const std::string& folder) {
+        std::map<std::string, std::set<std::string>> seen;
         for (const Node& item : itemsOf(json.root(), "files")) {
             const std::string type = item.text("type");
             const auto name = item.find("name");
             if (!name) continue;  // the schema asks for it
+            checkOnce(json, item, type, seen);
             if (name->data().empty()) {
                 report_.add("missing-member", json.place(*name),
                             "a file of type " + shown(type) + " has an empty name");
                 continue;
             }
-            const std::string member = folder + std::string(name->data());
-            if (!list(HMAVPfmFileTypes::isFolder(type) ? member + "/" : member)) {
+            std::string member = folder + std::string(name->data());
+            const bool isFolder = HMAVPfmFileTypes::isFolder(type);
+            while (isFolder && member.ends_with('/')) member.pop_back();
+            if (!list(isFolder ? member + "/" : member)) {
                 report_.add("missing-member", json.place(*name),
                             shown(member) + " of type " + shown(type) + " is not in the archive");
                 continue;
@@ -155,6 +213,8 @@ class ArchiveCheck {
         } else if (type == "EXT_META_JSON") {
             if (const auto json = readJson(member))
                 checkSchema(*json, "extension-metadata", report_);
+        } else if (member.ends_with(".json")) {
+            readJson(member);
         }
     }
 
@@ -216,13 +276,30 @@ class ArchiveCheck {
         const auto json = readJson("vma.json", HUTZip::MAX_METADATA_SIZE);
         if (!json) return;
         checkSchema(*json, "vma", report_);
+        const std::string platform = json->root().text("pfmName");
+        if (!platform.empty() && !name_.empty() && sameName(platform) != name_) {
+            report_.add("contradiction", json->place(json->root(), "pfmName"),
+                        "the index is of the platform " + shown(platform) + ", the metadata of " +
+                            shown(name_));
+        }
         for (const Node& item : itemsOf(json->root(), "files")) {
             const std::string name = item.text("name");
             const std::string place = HVMAArchive::placeOf(item.text("type"), name);
+            checkIndexed(*json, item);
             if (list(place) || list(place + "/") || list(name + "/")) continue;
             report_.add("missing-member", json->place(item, "name"),
                         shown(name) + " is not in the archive");
         }
+    }
+
+    /// What the metadata lists under the type too has one of its names.
+    void checkIndexed(const LocatedJson& json, const Node& item) {
+        const auto known = types_.find(item.text("type"));
+        const std::string name = item.text("name");
+        if (known == types_.end() || name.empty() || known->second.count(name) > 0) return;
+        report_.add("contradiction", json.place(item, "name"),
+                    "the index lists " + shown(name) + " of type " + shown(known->first) +
+                        ", the metadata " + shown(*known->second.begin()));
     }
 
     /// The listed folders, in order, without those that lie in another one.
@@ -249,9 +326,15 @@ class ArchiveCheck {
     }
 
     void checkDigest() {
-        switch (HUTZip::verifyDigest(archive_.path())) {
+        const mav_host::DigestState state = HUTZip::verifyDigest(archive_.path());
+        if (state != mav_host::DigestState::VALID) checkContents();
+        switch (state) {
             case mav_host::DigestState::VALID:
+                break;
             case mav_host::DigestState::NO_KEY:
+                report_.add("digest-key", {archive_.path()},
+                            "the digest cannot be checked: it was made with a key, and "
+                            "MAV_KEY_FILE names none");
                 break;
             case mav_host::DigestState::MISSING:
                 report_.add("digest", {archive_.path()}, "the archive carries no digest");
@@ -268,9 +351,25 @@ class ArchiveCheck {
         }
     }
 
+    /// Every member against its check sum, for no digest vouches for them.
+    void checkContents() {
+        for (const std::string& member : members_) {
+            try {
+                archive_.read(member, UINT64_MAX, [](const char*, std::size_t) {});
+            } catch (const HEXError& error) {
+                unreadable(member, error);
+            }
+        }
+    }
+
     const mav_host::ZipArchive archive_;
     Report& report_;
     std::set<std::string> members_;
+    std::string own_;  ///< the metadata member, not its alternative
+    ArchiveIdentity identity_;
+    std::string name_;                                    ///< of the platform
+    std::map<std::string, std::set<std::string>> types_;  ///< names of listed files
+    std::set<std::string> unreadable_;                    ///< that was told of
     std::set<std::string> listed_;
     std::set<std::string> folders_;  ///< each with a "/" behind
     std::set<std::string> checkedDocuments_;
@@ -281,11 +380,13 @@ class ArchiveCheck {
 
 }  // namespace
 
-void checkArchive(const std::string& path, Report& report) {
+ArchiveIdentity checkArchive(const std::string& path, Report& report) {
+    report.archive(path);
     try {
-        ArchiveCheck(path, report).run();
+        return ArchiveCheck(path, report).run();
     } catch (const HEXError& error) {
         report.add("unreadable", {path}, error.what());
+        return {};
     }
 }
 

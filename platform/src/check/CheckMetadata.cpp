@@ -5,8 +5,12 @@
 #include <cstdint>
 #include <set>
 
+#include "check/CheckArray.h"
+#include "check/CheckNames.h"
+#include "check/CheckValues.h"
 #include "formats/hpfm/MAVHpfmLMX.h"
 #include "json/Convert.h"
+#include "mav_host/Letters.h"
 
 namespace mav_platform::check {
 
@@ -20,14 +24,24 @@ std::vector<Node> itemsOf(const Node& node, std::string_view key) {
     return items;
 }
 
+std::string sameNumber(std::string_view text) {
+    std::string_view digits = text.substr(text.starts_with('+') ? 1 : 0);
+    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+        return std::string(text);
+    }
+    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size() - 1));
+    return std::string(digits);
+}
+
 void checkUnique(const LocatedJson& json, const std::vector<Node>& items, const char* key,
                  const std::string& list, Report& report) {
+    const bool isNumber = std::string_view(key) == "id" || std::string_view(key) == "designID";
     std::map<std::string, std::size_t> seen;
     for (const Node& item : items) {
         const std::string text = item.text(key);
         if (text.empty()) continue;
         const Place place = json.place(item, key);
-        const auto [first, isNew] = seen.emplace(text, place.line);
+        const auto [first, isNew] = seen.emplace(isNumber ? sameNumber(text) : text, place.line);
         if (isNew) continue;
         report.add("duplicate", place,
                    "the " + std::string(key) + " " + shown(text) + " in " + list +
@@ -49,7 +63,7 @@ void checkBanks(const Place& place, const std::vector<std::string>& banks, Repor
 void SegmentNames::add(const std::string& name, const std::string& index, const Place& place,
                        Report& report) {
     if (name.empty()) return;
-    const auto [first, isNew] = lines_.emplace(std::pair(name, index), place.line);
+    const auto [first, isNew] = lines_.emplace(std::pair(name, sameNumber(index)), place.line);
     if (isNew) return;
     report.add("duplicate", place,
                "the address segment " + shown(name) + " with the index " + shown(index) +
@@ -59,6 +73,11 @@ void SegmentNames::add(const std::string& name, const std::string& index, const 
 
 namespace {
 
+std::string idOf(const Node& clock) {
+    const std::string id = clock.text("id");
+    return id.empty() ? "0" : sameNumber(id);
+}
+
 void checkClocks(const LocatedJson& json, Report& report) {
     const std::vector<Node> clocks = itemsOf(json.root(), "systemClocks");
     if (clocks.empty()) return;
@@ -66,7 +85,7 @@ void checkClocks(const LocatedJson& json, Report& report) {
     const Node* marked = nullptr;
     for (const Node& clock : clocks) {
         if (!json::toBool(clock.text("default"))) continue;
-        id = clock.text("id");
+        id = idOf(clock);
         if (marked != nullptr) {
             report.add("default-clock", json.place(clock, "default"),
                        "the clock " + shown(clock.text("name")) +
@@ -76,10 +95,8 @@ void checkClocks(const LocatedJson& json, Report& report) {
         }
         marked = &clock;
     }
-    const bool known = std::any_of(clocks.begin(), clocks.end(), [&](const Node& clock) {
-        const std::string own = clock.text("id");
-        return own == id || (own.empty() && id == "0");
-    });
+    const bool known = std::any_of(clocks.begin(), clocks.end(),
+                                   [&](const Node& clock) { return idOf(clock) == id; });
     if (known) return;
     report.add("default-clock", json.place(*json.root().find("systemClocks")),
                "no clock is marked as default, and none has the id 0");
@@ -88,7 +105,7 @@ void checkClocks(const LocatedJson& json, Report& report) {
 void checkMemories(const LocatedJson& json, Report& report) {
     struct Range {
         std::uint64_t low, high;
-        std::string name;
+        std::string name, type;
         Place place;
     };
     std::vector<Range> ranges;
@@ -102,12 +119,16 @@ void checkMemories(const LocatedJson& json, Report& report) {
                        "the addresses of " + shown(name) + " end before they begin");
             continue;
         }
-        ranges.push_back({*low, *high, name, json.place(memory, "lowAddress")});
+        // One without an address of its own has no range that could overlap.
+        if (*low == *high) continue;
+        ranges.push_back({*low, *high, name, mav_host::lowerCase(memory.text("type")),
+                          json.place(memory, "lowAddress")});
     }
     std::stable_sort(ranges.begin(), ranges.end(),
                      [](const Range& a, const Range& b) { return a.low < b.low; });
-    const Range* widest = nullptr;  // the one that reaches furthest of those before
+    std::map<std::string_view, const Range*> furthest;  // of those before, by type
     for (const Range& range : ranges) {
+        const Range*& widest = furthest[range.type];
         if (widest != nullptr && range.low <= widest->high) {
             report.add("memory-overlap", range.place,
                        "the addresses of " + shown(range.name) + " overlap those of " +
@@ -146,12 +167,28 @@ void checkReference(const char* rule, const char* kind, const Place& place, cons
                    ", which the platform does not have");
 }
 
+/// An interface that an hpfm document lists is one of the platform already.
+void checkListedTwice(const LocatedJson& json, const Node& bus,
+                      const std::vector<const HpfmNames*>& documents, Report& report) {
+    const std::string name = bus.text("name");
+    if (name.empty()) return;
+    for (const HpfmNames* document : documents) {
+        const auto first = document->buses.find(name);
+        if (first == document->buses.end()) continue;
+        report.add("duplicate", json.place(bus, "name"),
+                   "the bus interface " + shown(name) + " stands in the hpfm document on line " +
+                       std::to_string(first->second) + " already");
+        return;
+    }
+}
+
 void checkInterfaces(const LocatedJson& json, const std::vector<const HpfmNames*>& documents,
                      Report& report) {
     const std::set<std::string> clocks = clocksOf(json);
     const std::set<std::string> resets = resetsOf(json, documents);
     for (const Node& bus : itemsOf(json.root(), "busInterfaces")) {
         const std::string name = bus.text("name");
+        checkListedTwice(json, bus, documents, report);
         checkReference("clock-reference", "clock", json.place(bus, "clockRef"), name,
                        bus.text("clockRef"), clocks, report);
         if (!resets.empty()) {
@@ -181,9 +218,32 @@ void checkItems(const LocatedJson& json, const std::vector<const HpfmNames*>& do
           std::pair{"reconfigPartitionIDs", "designID"}}) {
         checkUnique(json, itemsOf(json.root(), list), key, shown(list), report);
     }
+    for (const auto& [list, key] :
+         {std::pair{"interfaces", "id"}, std::pair{"resources", "type"}}) {
+        checkUnique(json, itemsOf(json.root(), list), key, shown(list), report);
+    }
+    if (const auto board = json.root().find("board")) {
+        checkUnique(json, itemsOf(*board, "connectors"), "name", "'board.connectors'", report);
+    }
+    for (const Node& device : itemsOf(json.root(), "devices")) {
+        const auto core = device.find("core");
+        if (!core) continue;
+        for (const char* const list : {"pBlocks", "ports", "resources", "configParams"}) {
+            checkUnique(json, itemsOf(*core, list), "name", shown("core." + std::string(list)),
+                        report);
+        }
+    }
+    for (const Node& partition : itemsOf(json.root(), "dpePartitions")) {
+        checkUnique(json, itemsOf(partition, "partitions"), "dpeInst",
+                    "the sub-partitions of " + shown(partition.text("dpeInst")), report);
+    }
     checkClocks(json, report);
     checkMemories(json, report);
     checkInterfaces(json, documents, report);
+    checkValues(json, report);
+    checkWords(json, report);
+    checkArray(json, report);
+    checkNames(json, documents, report);
 }
 
 void checkReferences(const HpfmNames& document, const std::string& file, const LocatedJson& json,
@@ -201,8 +261,7 @@ void checkReferences(const HpfmNames& document, const std::string& file, const L
     }
     std::set<std::string> ids = document.clockIds;
     for (const Node& clock : itemsOf(json.root(), "systemClocks")) {
-        const std::string id = clock.text("id");
-        ids.insert(id.empty() ? "0" : id);
+        ids.insert(idOf(clock));
     }
     for (const HpfmNames::DefaultClock& standard : document.defaultClocks) {
         // Without any clock 0 says that there is none.

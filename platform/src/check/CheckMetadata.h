@@ -14,8 +14,10 @@ namespace mav_platform::check {
 /// The items of a list; none when there is no such list.
 std::vector<json::Node> itemsOf(const json::Node& node, std::string_view key);
 
-/// A finding "duplicate" for each item whose key has the text of an earlier one. `list` is what the
-/// sentence calls the list.
+/// The number without sign and leading zeros; any other text as it is.
+std::string sameNumber(std::string_view text);
+/// A finding "duplicate" for each item whose key has the text, or is the number, of an earlier one.
+/// `list` is what the sentence calls the list.
 void checkUnique(const LocatedJson& json, const std::vector<json::Node>& items, const char* key,
                  const std::string& list, Report& report);
 /// The items of archive metadata: what must be unique, clocks, memories, banks and references.

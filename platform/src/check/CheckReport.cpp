@@ -5,45 +5,14 @@
 #include <boost/property_tree/json_parser/error.hpp>
 #include <map>
 
+#include "check/CheckPolicy.h"
+#include "check/CheckSource.h"
 #include "json/SyntaxError.h"
 #include "mav_host/HEXError.h"
 #include "mav_host/HI18N.h"
+#include "mav_host/Nearest.h"
 
 namespace mav_platform {
-
-const HSTVector<CheckRule>& PlatformCheck::rules() {
-    using enum CheckFinding::Severity;
-    static const HSTVector<CheckRule> RULES = {
-        {"array-engine", ERROR, "The array-engine project holds readable partitions"},
-        {"clock-reference", ERROR, "A bus interface refers to a clock of the platform"},
-        {"default-clock", WARNING, "One of the clocks is the default one"},
-        {"default-partition", ERROR, "The default partition is one of the partitions"},
-        {"digest", ERROR, "The archive carries a digest that its members match"},
-        {"duplicate", ERROR, "Names and ids that tell things apart occur once"},
-        {"extension", ERROR, "A hardware platform is a .pka or .dsa archive"},
-        {"file-type", WARNING, "Files are listed under known types"},
-        {"hbm-preferred", WARNING, "All assignable HBM banks are preferred, or none"},
-        {"load", ERROR, "The platform loads"},
-        {"memory-overlap", ERROR, "Address ranges of memories lie apart"},
-        {"metadata", ERROR, "A hardware archive holds its metadata member"},
-        {"missing-file", ERROR, "The files that a description names exist"},
-        {"missing-member", ERROR, "The files that the metadata lists are in the archive"},
-        {"release", WARNING, "The support policy takes the platform with this tool release"},
-        {"reset-reference", ERROR, "A bus interface refers to a reset of the platform"},
-        {"schema", ERROR, "Items have the form that their format asks for"},
-        {"software-default", WARNING, "Defaults of a software platform name what is there"},
-        {"syntax", ERROR, "Documents are well-formed"},
-        {"unknown-item", WARNING, "Items are part of their format"},
-        {"unlisted-member", NOTE, "The files in the archive are listed"},
-        {"unreadable", ERROR, "Files can be read"},
-    };
-    return RULES;
-}
-
-const char* PlatformCheck::severityText(CheckFinding::Severity severity) {
-    static constexpr const char* TEXTS[] = {"error", "warning", "note"};
-    return TEXTS[severity];
-}
 
 namespace check {
 namespace {
@@ -56,12 +25,38 @@ Place placeAt(const std::string& file, const std::vector<std::size_t>& lines, st
 
 }  // namespace
 
-void Report::add(const char* rule, const Place& place, std::string text) {
+const CheckRule& Report::known(const std::string& rule) {
     const auto& rules = PlatformCheck::rules();
     const auto found = std::find_if(rules.begin(), rules.end(),
                                     [&](const CheckRule& known) { return known.name == rule; });
-    if (found == rules.end()) throw HEXAlgException(std::string("unknown rule ") + rule);
-    if (found->severity == CheckFinding::ERROR) ++errors_;
+    if (found == rules.end()) throw HEXAlgException("unknown rule " + rule);
+    return *found;
+}
+
+bool Report::isFull(const std::string& rule, const std::string& file) const {
+    const auto tally = tallies_.find(rule);
+    if (tally == tallies_.end()) return false;
+    const auto kept = tally->second.kept.find(file);
+    return tally->second.all == LIMIT ||
+           (kept != tally->second.kept.end() && kept->second == LIMIT_IN_FILE);
+}
+
+Report::Level Report::level(const CheckRule& rule, const std::string& file) {
+    return policy_ != nullptr ? policy_->level(rule, file) : rule.severity;
+}
+
+void Report::addMore(const char* rule, const std::string& file, std::size_t count) {
+    if (count == 0) return;
+    const Level severity = level(known(rule), file);
+    if (!severity) return;
+    if (*severity == CheckFinding::ERROR) errors_ += count;
+    tallies_[rule].more[file] += count;
+}
+
+void Report::add(const char* rule, const Place& place, std::string text) {
+    const Level severity = level(known(rule), place.file);
+    if (!severity) return;
+    if (*severity == CheckFinding::ERROR) ++errors_;
     Tally& tally = tallies_[rule];
     if (tally.all == LIMIT) {
         if (tally.last.empty()) tally.last = place.file;
@@ -75,17 +70,16 @@ void Report::add(const char* rule, const Place& place, std::string text) {
     }
     ++kept;
     ++tally.all;
-    findings_.push_back(
-        {place.file, place.line, place.column, found->severity, rule, std::move(text), 0});
+    findings_.push_back({place.file, place.line, place.column, *severity, rule, std::move(text)});
 }
 
-void Report::addMore() {
+void Report::tellMore() {
     for (const CheckRule& rule : PlatformCheck::rules()) {
         const auto tally = tallies_.find(rule.name);
         if (tally == tallies_.end()) continue;
         for (const auto& [file, more] : tally->second.more) {
             const char* const where = file == tally->second.last ? " here or in other files" : "";
-            findings_.push_back({file, 0, 0, rule.severity, rule.name,
+            findings_.push_back({file, 0, 0, level(rule, file).value_or(rule.severity), rule.name,
                                  std::to_string(more) + " more like these" + where +
                                      (more == 1 ? " is" : " are") + " not shown",
                                  more});
@@ -95,7 +89,7 @@ void Report::addMore() {
 }
 
 HSTVector<CheckFinding> Report::take() {
-    addMore();
+    tellMore();
     std::map<std::string, std::size_t> order;
     for (const CheckFinding& finding : findings_) order.emplace(finding.file, order.size());
     std::stable_sort(findings_.begin(), findings_.end(),
@@ -105,6 +99,7 @@ HSTVector<CheckFinding> Report::take() {
                          if (a.line != b.line) return a.line < b.line;
                          return a.column < b.column;
                      });
+    fillMembers(findings_, archives_);
     return std::move(findings_);
 }
 
@@ -147,6 +142,14 @@ std::string shown(std::string_view text, std::size_t longest) {
         result += static_cast<unsigned char>(c) < 0x20 || c == 0x7f ? '?' : c;
     }
     return result + (length < text.size() ? "...'" : "'");
+}
+
+std::string meant(std::string_view word) {
+    return word.empty() ? "" : " (did you mean " + shown(word) + "?)";
+}
+
+std::string meant(std::string_view word, const std::vector<std::string>& candidates) {
+    return meant(mav_host::nearest(word, candidates));
 }
 
 }  // namespace check

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,16 +19,30 @@ struct Place {
     std::size_t column = 0;
 };
 
-/// Collects findings; the severity is that of the rule. It keeps so many of one rule that a report
-/// can be read, and counts the rest: none goes unsaid because of others.
+class Policy;
+
+/// Collects findings; the severity is that of the rule unless a policy knows better. It keeps so
+/// many of one rule that a report can be read, and counts the rest: none goes unsaid because of
+/// others.
 class Report {
   public:
     static constexpr std::size_t LIMIT_IN_FILE = 100;  ///< of one rule in one file
     static constexpr std::size_t LIMIT = 1000;         ///< of one rule in all files
 
+    /// The policy is not owned.
+    explicit Report(Policy* policy = nullptr) : policy_(policy) {}
+
     /// Throws HEXAlgException for a rule that is not in the table.
     void add(const char* rule, const Place& place, std::string text);
+    /// So many further findings of the rule in the file, which nobody wrote down.
+    void addMore(const char* rule, const std::string& file, std::size_t count);
+    /// Whether a finding of the rule was added.
+    bool has(const std::string& rule) const { return tallies_.count(rule) > 0; }
+    /// Whether a further finding of the rule in the file is only counted.
+    bool isFull(const std::string& rule, const std::string& file) const;
     bool hasErrors() const { return errors_ > 0; }
+    /// What is told of a file behind this path and a "/" is about its members.
+    void archive(const std::string& path) { archives_.insert(path); }
     /// Files in order of their first finding, and by line inside each; what is not shown is told
     /// at the end of the file.
     HSTVector<CheckFinding> take();
@@ -40,9 +55,15 @@ class Report {
         std::string last;                         ///< the file that speaks for all after the limit
     };
 
-    void addMore();
+    using Level = std::optional<CheckFinding::Severity>;
 
+    static const CheckRule& known(const std::string& rule);
+    Level level(const CheckRule& rule, const std::string& file);
+    void tellMore();
+
+    Policy* policy_;
     HSTVector<CheckFinding> findings_;
+    std::set<std::string> archives_;
     std::map<std::string, Tally> tallies_;  ///< by rule
     std::size_t errors_ = 0;
 };
@@ -75,5 +96,9 @@ void checkSchema(const LocatedJson& json, const std::string& name, Report& repor
 
 /// What a value is called in a sentence: in quotes, cut when long, control characters as "?".
 std::string shown(std::string_view text, std::size_t longest = 60);
+/// " (did you mean 'WORD'?)"; empty without a word.
+std::string meant(std::string_view word);
+/// That about the candidate nearest to the word.
+std::string meant(std::string_view word, const std::vector<std::string>& candidates);
 
 }  // namespace mav_platform::check

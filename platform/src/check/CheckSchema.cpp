@@ -106,8 +106,17 @@ class SchemaWalk {
             walk(node, rules_.at(rule.others), &step);
         } else if (rule.refusesOthers) {
             report_.add("unknown-item", json_.place(node),
-                        shown(step.text()) + " is not part of the format; loading ignores it");
+                        shown(step.text()) + " is not part of the format; loading ignores it" +
+                            meantBy(node, rule));
         }
+    }
+
+    /// Only for findings that are told one by one: the search takes its time.
+    std::string meantBy(const Node& node, const SchemaRule& rule) const {
+        if (report_.isFull("unknown-item", json_.file())) return {};
+        std::vector<std::string> keys;
+        for (const auto& property : rule.properties) keys.emplace_back(property.name);
+        return meant(node.key(), keys);
     }
 
     void checkText(const Node& node, const SchemaRule& rule, const Step* step) {
@@ -140,13 +149,19 @@ class SchemaWalk {
         for (const Node& value : values) {
             if (value.data() == node.data()) return;
         }
+        std::vector<std::string> words;
+        if (!report_.isFull("file-type", json_.file()) || !report_.isFull("schema", json_.file())) {
+            for (const Node& value : values) words.emplace_back(value.data());
+        }
+        const std::string near = meant(node.data(), words);
         // A type that is not known does not keep a platform from loading.
         const std::string path = textOf(step);
         if (path.starts_with("files[") && path.ends_with(".type")) {
             report_.add("file-type", json_.place(node),
-                        shown(path) + ": " + shown(node.data()) + " is no file type");
+                        shown(path) + ": " + shown(node.data()) + " is no file type" + near);
         } else {
-            fault(node, step, shown(node.data()) + " is none of the texts that may stand here");
+            fault(node, step,
+                  shown(node.data()) + " is none of the texts that may stand here" + near);
         }
     }
 

@@ -14,21 +14,15 @@ void reportFindings(const xml::Findings& findings, const std::string& file, Repo
     for (const xml::Fault& fault : findings.faults) {
         report.add("schema", {file, fault.line, fault.column}, fault.text);
     }
-    if (findings.moreFaults > 0) {
-        report.add("schema", {file, 0, 0},
-                   std::to_string(findings.moreFaults) + " more faults of this kind");
-    }
+    report.addMore("schema", file, findings.moreFaults);
     for (const xml::Finding& finding : findings.list) {
         const bool isElement = finding.kind == xml::Finding::Kind::Element;
         report.add("unknown-item", {file, finding.line, finding.column},
                    std::string(isElement ? "element " : "attribute ") + shown(finding.name) +
                        " of " + shown(finding.parent) +
-                       " is not part of the format; loading ignores it");
+                       " is not part of the format; loading ignores it" + meant(finding.meant));
     }
-    if (findings.more > 0) {
-        report.add("unknown-item", {file, 0, 0},
-                   std::to_string(findings.more) + " more items are not part of the format");
-    }
+    report.addMore("unknown-item", file, findings.more);
 }
 
 }  // namespace mav_platform::check

@@ -47,6 +47,7 @@ struct MAV_API Finding {
     Kind kind = Kind::Element;
     std::string name;
     std::string parent;  ///< the element that holds it
+    std::string meant;   ///< the item of the format that its name is near to; mostly empty
     std::size_t line = 0;
     std::size_t column = 0;  ///< of the element that it is or stands in
 };

@@ -18,7 +18,9 @@ void accept(Items<T>& items, std::initializer_list<const char*> names) {
 Items<HpfmPlatformInfo> platformInfo() {
     using Device = HpfmDeviceInfo;
     Items<Device> device;
-    device.attribute("qd:name", &Device::name)
+    device.line(&Device::line)
+        .column(&Device::column)
+        .attribute("qd:name", &Device::name)
         .attribute("qd:architecture", &Device::architecture)
         .attribute("qd:device", &Device::device)
         .attribute("qd:package", &Device::package)
@@ -26,7 +28,9 @@ Items<HpfmPlatformInfo> platformInfo() {
 
     using Clock = HpfmClock;
     Items<Clock> clock;
-    clock.attribute("qd:name", &Clock::name)
+    clock.line(&Clock::line)
+        .column(&Clock::column)
+        .attribute("qd:name", &Clock::name)
         .attribute("qd:id", &Clock::id)
         .attribute("qd:frequency", &Clock::frequency)
         .attribute("qd:period", &Clock::period)
@@ -108,7 +112,10 @@ Items<HpfmBusInterface> busInterface() {
 Items<HpfmNocConnectivity> nocConnectivity() {
     using Connected = HpfmConnectedInterface;
     Items<Connected> connected;
-    connected.attribute("qd:name", &Connected::name).text(&Connected::text);
+    connected.line(&Connected::line)
+        .column(&Connected::column)
+        .attribute("qd:name", &Connected::name)
+        .text(&Connected::text);
 
     using Noc = HpfmNocConnectivity;
     Items<Noc> items;

@@ -17,6 +17,8 @@ namespace mav_platform::lmx {
 inline constexpr std::string_view HBM_SUBSYSTEM = "hbm_memory_subsystem";
 
 struct HpfmDeviceInfo {
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::string name;
     std::string architecture;
     std::string device;
@@ -25,6 +27,8 @@ struct HpfmDeviceInfo {
 };
 
 struct HpfmClock {
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::string name;
     std::optional<unsigned> id;
     std::string frequency;
@@ -110,6 +114,8 @@ struct HpfmResourceEstimates {
 
 /// The name of a connected bus interface: the attribute, else the element's text.
 struct HpfmConnectedInterface {
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::optional<std::string> name;
     std::string text;
 };
