@@ -51,7 +51,7 @@ SEMANTIC = [
     ("array-geometry", ["dpePartitions"], [{"dpeInst": "a", "startColumn": 0, "numColumns": 4, "partitions": [
         {"dpeInst": "b", "startColumn": MARK + "2", "numColumns": 3}]}]),
     ("array-geometry", ["dpeHardware"], {"arch": "DPE_A", "axiBaseAddress": "0x20", "axiHighAddress": MARK + "0x10"}),
-    ("default-clock", ["systemClocks", 1, "default"], True),
+    ("default-clock", ["systemClocks", 1, "default"], True), ("schema", ["files", 5], {}),
 ]
 # Keys without which nothing else in the metadata is worse.
 SPARE = {"description", "detailedDescription", "generatedTimestamp", "generatedName", "idCode", "extendedIdCode", "spTag",
@@ -170,6 +170,7 @@ class Made(CommandTest):
             yield "unknown-item", marked, line
         for key in SCHEMA["required"]:
             yield "schema", json.dumps({name: value for name, value in card.items() if name != key}, indent=1), 2
+        yield "schema", "{}", 1
         for rule, path, value in SEMANTIC:
             value = MARK + value if isinstance(value, str) else value
             marked = placed(card, path, value)

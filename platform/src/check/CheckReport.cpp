@@ -122,7 +122,9 @@ std::optional<LocatedJson> LocatedJson::parse(std::string text, const std::strin
 }
 
 Place LocatedJson::place(const json::Node& node) const {
-    return placeAt(file_, lines_, node.offset());
+    // What is empty and has no key stands where its bracket closes.
+    const std::size_t offset = node.offset();
+    return placeAt(file_, lines_, offset > 0 || node.hasChildren() ? offset : node.dataOffset());
 }
 
 Place LocatedJson::place(const json::Node& item, std::string_view key) const {

@@ -119,10 +119,13 @@ class SchemaWalk {
         return meant(node.key(), keys);
     }
 
-    void checkText(const Node& node, const SchemaRule& rule, const Step* step) {
+    /// Also of an empty object, which looks the same.
+    void checkText(const Node& node, SchemaRule& rule, const Step* step) {
         const std::string_view text = node.data();
+        const bool isEmpty = text.empty() || text == "null";
+        if (isEmpty && rule.takesObject) checkObject(node, rule, step);
         if (!rule.takesText) {
-            if (text.empty() || text == "null") return;
+            if (isEmpty) return;
             fault(node, step,
                   "holds the text " + shown(text) + " where " + rule.expected() + " is expected");
             return;
