@@ -39,7 +39,7 @@ class Recipes(CommandTest):
 
     def test_recipes(self):
         blocks = recipes()
-        (pull,), (hook,), (make,), (attributes, config), (verdicts,) = blocks.values()
+        (pull,), (night, accepted), (hook,), (make,), (attributes, config), (verdicts,) = blocks.values()
         shutil.copytree(SOURCE / "samples/veltrin_h90/archive", self.dir / "card")
         (self.dir / "Makefile").write_text(make, encoding="utf-8")
         (self.dir / ".gitattributes").write_text(attributes, encoding="utf-8")
@@ -49,6 +49,11 @@ class Recipes(CommandTest):
         (self.dir / ".git/hooks/pre-commit").write_text(hook, encoding="utf-8")
         (self.dir / ".git/hooks/pre-commit").chmod(0o755)
         self.assertEqual(self.sh(verdicts), "card.pka unified\n")
+
+        self.sh(night, code=1)
+        (self.dir / ".mavcheck").write_text(accepted, encoding="utf-8")
+        self.sh(night)
+        self.assertIn("<testsuite", (self.dir / "platforms.xml").read_text(encoding="utf-8"))
 
         self.sh(pull)
         self.assertFalse((self.dir / "platforms.sarif").exists(), "nothing has changed")
