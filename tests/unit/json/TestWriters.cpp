@@ -41,6 +41,8 @@ struct ReferenceWriter {
         if (!value.empty()) tree.put(utf8(key), utf8(value));
     }
     void addKey(const std::string& key, const ptree& sub) {
+        // A path may not be empty, a key may.
+        if (key.empty()) return addLiteral(key, sub);
         if (!sub.empty()) tree.add_child(utf8(key), utf8(sub));
     }
     void addKey(const std::string& key, std::same_as<bool> auto value) { addKey(key, word(value)); }
