@@ -155,7 +155,7 @@ TEST_F(HUTZipWriting, WhatCannotBeIsRefusedBeforeAnythingIsWritten) {
                         "shorter one"),
           std::pair(std::string("a\xff"), "a\xff" + end + "is not UTF-8; give it in UTF-8"),
           std::pair(std::string("a\1"), "a\1" + end + "holds a control character; leave it out")}) {
-        EXPECT_EQ(refusal([&] { add(name, ""); }), start + text);
+        EXPECT_EQ(refusal([&, member = name] { add(member, ""); }), start + text);
         EXPECT_TRUE(zip_ostream(path, name).fail()) << text;
     }
     add("a\t\r\n\x7f", "the zip library takes these");
