@@ -146,6 +146,10 @@ MAV_COPIES(mav_platform::CheckFinding, CheckFinding)
 MAV_COPIES(mav_platform::CheckRule, CheckRule)
 MAV_COPIES(mav_platform::PlatformDifference::Change, PlatformDifference.Change)
 %ignore mav_platform::PlatformCheck::run(const std::string &, const OnFile &);
+// Options and callbacks stay C++; Java asks for the findings of a path.
+%ignore mav_platform::CheckOptions;
+%ignore mav_platform::PlatformCheck::run(const HSTVector<std::string> &, const CheckOptions &, const OnFindings &);
+%ignore mav_platform::PlatformCheck::severityOf;
 %nodefaultctor mav_platform::PlatformCheck;
 %nodefaultctor mav_platform::PlatformDifference;
 %include "mav_platform/PlatformCheck.h"
