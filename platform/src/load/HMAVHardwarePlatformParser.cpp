@@ -117,7 +117,7 @@ std::shared_ptr<HPLPlatform> HMAVHardwarePlatformParser::parseDSAFile_(const std
                                                                        HMAVPlatform* platform) {
     using Mode = HMAVDsaJsonReader::Mode;
     mav_platform::OpenArchives archives;
-    const std::shared_ptr<HPLPlatform> first = platform->createMutableHardwarePlatform();
+    std::shared_ptr<HPLPlatform> first = platform->createMutableHardwarePlatform();
     HMAVDsaJsonReader reader(first.get(), &archives);
     std::string member;
     if (reader.canParse(file, Mode::HW_METADATA_AUTO, member)) {
@@ -129,7 +129,7 @@ std::shared_ptr<HPLPlatform> HMAVHardwarePlatformParser::parseDSAFile_(const std
         markBad(*platform, file, "the file does not exist");
         return first;
     }
-    const std::shared_ptr<HPLPlatform> second = platform->createMutableHardwarePlatform();
+    std::shared_ptr<HPLPlatform> second = platform->createMutableHardwarePlatform();
     HMAVDsaXmlReader xmlReader(file, second.get(), &archives);
     if (!xmlReader.parseDSA()) {
         markBad(*platform, file, xmlReader.getErrorMsg());

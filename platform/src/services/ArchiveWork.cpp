@@ -81,7 +81,7 @@ std::string memberFor(const ArchiveWork::Place& place, const std::string& file,
                       const ZipArchive& archive, const std::string& listed) {
     if (!place.member.empty()) return place.member;
     if (!listed.empty()) return listed;
-    const std::string name = baseName(file);
+    std::string name = baseName(file);
     if (archive.contains(name))
         throw HEXAlgException("the archive has a member " + quoted(name) +
                               " that is not listed as " + quoted(place.type) +

@@ -64,6 +64,8 @@ class Counter {
         std::size_t parent;
         bool element;
         std::string_view key;
+        // clang-tidy 14 takes the operator's zero for a pointer.
+        // NOLINTNEXTLINE(modernize-use-nullptr)
         auto operator<=>(const Step&) const = default;
     };
     struct Path {
