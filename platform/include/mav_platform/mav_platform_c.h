@@ -194,7 +194,7 @@ MAV_API int hmav_platform_keys(hmav_platform* platform, char** json,
 MAV_API int hmav_platform_dict(hmav_platform* platform, const char* path, const char* const* names,
                                size_t name_count, char** json, hmav_error** error) HMAV_NOEXCEPT;
 /* What a transform specification makes of the description, see docs/services.md.
- * HMAV_WRONG_ARGUMENT names the place of a fault in the specification. */
+ * HMAV_WRONG_ARGUMENT names the place of a fault in it. */
 MAV_API int hmav_platform_transform(hmav_platform* platform, const char* specification, char** json,
                                     hmav_error** error) HMAV_NOEXCEPT;
 

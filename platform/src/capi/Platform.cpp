@@ -88,7 +88,7 @@ std::string transformed(const hmav_platform& platform, const char* specification
     try {
         service.getTransformSpecAsJsonStr(specification);
     } catch (const HEXAlgException& error) {
-        throw Failure{HMAV_WRONG_ARGUMENT, printable(error.what()), "Correct the specification."};
+        throw Failure{HMAV_WRONG_ARGUMENT, printable(error.what()), "Correct the transform there."};
     }
     return service.getAsJsonStr(platform.loader.get(), specification);
 }
